@@ -1,0 +1,123 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <exception>
+#include <string>
+#include <string_view>
+
+#include "Shared/TException.h"
+
+// The bracketed syntax of all files: blocks "[Name]" ... "[~Name]", statements "[Name = value]",
+// bare words, and comments "/* ... */" that nest. docs/file-formats.md describes it.
+namespace kiln::FileTools {
+
+// A fault in the text of a file.
+class Error : public std::exception {
+ public:
+  Error(std::string message, std::string file_name, std::size_t line);
+
+  const std::string& Message() const noexcept { return message_; }
+  const std::string& FileName() const noexcept { return file_name_; }
+  std::size_t Line() const noexcept { return line_; }
+
+  // "MESSAGE (FILE, line N)"
+  const char* what() const noexcept override { return text_.c_str(); }
+
+ private:
+  std::string message_;
+  std::string file_name_;
+  std::size_t line_;
+  std::string text_;
+};
+
+// A file that cannot be opened or read at all.
+class OpenError : public TException {
+ public:
+  explicit OpenError(const std::string& path);
+};
+
+struct ParseItem {
+  enum Kind {
+    kEnd = 0,        // the end of the block or, outside all blocks, of the text
+    kToken = 1,      // a bare word; name holds it
+    kStartTag = 2,   // "[name]"
+    kStatement = 3,  // "[name = value]"
+  };
+
+  Kind kind = kEnd;
+  std::string_view name;
+  std::string_view value;
+  bool unbracketed = false;  // no "]" behind the tag or statement: more follows on its line
+};
+
+// Cuts a text into items. Names and values are views into the text that the reader holds: they live
+// as long as the reader does.
+class Reader {
+ public:
+  // Reads the file at `path` into memory. Throws OpenError.
+  static Reader FromFile(const std::string& path);
+
+  // Reads `text`; errors are reported under `file_name`.
+  Reader(std::string text, std::string file_name);
+
+  Reader(const Reader&) = delete;
+  Reader& operator=(const Reader&) = delete;
+
+  // The next word, special character or "[~"; empty at the end of the text.
+  std::string_view ReadToken();
+
+  // The next item of the block `current_block`, or of the top level where that is empty. Statements
+  // of the format version are checked and passed over. Throws Error.
+  ParseItem ReadItem(std::string_view current_block);
+
+  // The next item of a line that holds several, "[A=1 B=2 ]", behind its first: the item stands
+  // without a bracket of its own, and the last one of the line takes the closing bracket.
+  ParseItem ReadUnbracketedItem(std::string_view current_block);
+
+  const std::string& FileName() const { return file_name_; }
+
+  // Line of the token read last, counted from 1.
+  std::size_t Line() const;
+
+  // Number of characters not read yet: no more than that many values can follow.
+  std::size_t Remaining() const { return text_.size() - position_; }
+
+  // Throws Error with `message` and the present place.
+  [[noreturn]] void Fail(const std::string& message) const;
+
+ private:
+  std::string text_;
+  std::string file_name_;
+  std::size_t position_ = 0;
+  std::size_t token_start_ = 0;
+};
+
+// Each of the following throws Error, with the place of `reader`, unless `item`, the one just read
+// from it, is what is asked for. Names and required values are compared ignoring case.
+// REQUIRES: names and keywords are not empty.
+
+// A start tag, of the given name or of any. Returns the name as the file has it.
+std::string_view ExpectStartTag(const ParseItem& item, const Reader& reader);
+std::string_view ExpectStartTag(const ParseItem& item, const Reader& reader,
+                                std::string_view expected);
+
+void ExpectEndTag(const ParseItem& item, const Reader& reader);
+
+// A statement of the given name. Returns its value, or demands the value `required`.
+std::string_view ExpectString(const ParseItem& item, const Reader& reader,
+                              std::string_view keyword);
+void ExpectString(const ParseItem& item, const Reader& reader, std::string_view keyword,
+                  std::string_view required);
+std::int64_t ExpectInteger(const ParseItem& item, const Reader& reader, std::string_view keyword);
+double ExpectNumber(const ParseItem& item, const Reader& reader, std::string_view keyword);
+
+// A bare word that is a number.
+double ExpectNumberToken(const ParseItem& item, const Reader& reader);
+
+// The number that `text` starts with, anything behind it being passed over (see ScanInteger and
+// ScanNumber). Without one throws Error with the place of `reader`.
+std::int64_t ParseInteger(std::string_view text, const Reader& reader);
+double ParseNumber(std::string_view text, const Reader& reader);
+
+}  // namespace kiln::FileTools

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace kiln {
+
+// The number at the start of `text`, as scanf's "%ld" and "%lf" read it: blanks and a sign in front
+// are accepted, whatever follows the number is passed over, so that "12abc" is 12. Nothing when
+// `text` does not start with a number.
+
+// A decimal integer; beyond 64 bits the nearest that has a place.
+std::optional<std::int64_t> ScanInteger(std::string_view text);
+
+// A decimal or, behind "0x", a hexadecimal number, "inf", "infinity" or "nan" in any case; infinite
+// beyond the range of doubles.
+std::optional<double> ScanNumber(std::string_view text);
+
+}  // namespace kiln
