@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
@@ -7,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "DataObject/DataSide.h"
 #include "DataObject/LabelList.h"
 
 namespace kiln {
@@ -28,50 +30,56 @@ struct DataRow {
 // row stands at First(). Whoever reads a whole set uses Row(n), which counts from the oldest.
 //
 // A position is accepted by the rule of IsValidRow, which is looser than "holds a row" while the
-// ring has not wrapped and tighter afterwards. A position outside 0..Rows()-1 is never accepted.
-// Every operation that takes a position throws TException "Invalid Data Row" ("Bad Parameter") for
-// one that is not accepted.
+// ring has not wrapped and tighter afterwards. Every operation that takes a position throws
+// TException "Invalid Data Row" ("Bad Parameter") for one that is not accepted or that the ring
+// does not have.
 //
-// The values of a side stand row after row in one buffer.
+// Spans of the wrong size are a caller's mistake and throw TAssertion.
 class Data {
  public:
   // An empty set of `rows` positions; column counts of 0 are sides without values.
   // Throws TException "Invalid Data Size" ("Bad Parameter") if a count is negative or the set would
-  // hold more than kMaxNumbers values or rows; std::bad_alloc.
+  // have more than kMaxNumbers rows, columns or values; std::bad_alloc.
   Data(int rows, int inputs, int outputs, bool has_labels);
-  virtual ~Data() = default;
-
   Data(const Data&) = delete;
-  Data& operator=(const Data&) = delete;
+  virtual ~Data() = default;
 
   static constexpr std::int64_t kMaxNumbers = std::int64_t{1} << 30;
 
-  int Rows() const { return MbrNdxRows; }          // positions
-  int DataRows() const { return MbrNdxDataRows; }  // positions that hold a row
-  int Inputs() const { return MbrNdxInputs; }      // input columns
-  int Outputs() const { return MbrNdxOutputs; }    // output columns
+  int Rows() const { return MbrNdxRows; }                  // positions
+  int DataRows() const { return MbrNdxDataRows; }          // positions that hold a row
+  int Inputs() const { return MbrSidInputs.Columns(); }    // input columns
+  int Outputs() const { return MbrSidOutputs.Columns(); }  // output columns
   bool HasLabels() const { return MbrBolHasLabels; }
   int First() const { return MbrNdxFirst; }    // position of the oldest row
   int Last() const { return MbrNdxLast; }      // position of the newest row
   int Cursor() const { return MbrNdxCursor; }  // where stepping stands; may be negative
+
+  // Differs after every change of a row or its labels; counts up and wraps to the smallest int.
   int ChangeCount() const { return MbrNdxChangeCount; }
 
   // --- The whole set, oldest row first -------------------------------------------------------
 
   // The n-th row counted from the oldest, right for a wrapped ring too.
   // REQUIRES: 0 <= n < DataRows().
-  DataRow Row(int n) const;
+  DataRow Row(int n) const {
+    const int beyond = MbrNdxRows - MbrNdxFirst;
+    const int position = n < beyond ? MbrNdxFirst + n : n - beyond;
+    return {position, MbrSidInputs.Row(position), MbrSidOutputs.Row(position),
+            MbrBolHasLabels ? &MbrDyaLabels[static_cast<std::size_t>(position)] : nullptr};
+  }
 
   // --- Filling -------------------------------------------------------------------------------
 
   // Appends a row. An empty span or a null list leaves that side as zeros or without labels, also
-  // where an old row is overwritten. REQUIRES: Rows() > 0; a span that is not empty has one value
-  // a column.
+  // where an old row is overwritten. Labels given to a set without labels are left out.
+  // Throws TException "Invalid Data Row" for a set of no positions.
+  // REQUIRES: a span that is not empty has one value a column.
   void AddRow(std::span<const double> inputs, std::span<const double> outputs,
               const LabelList* labels = nullptr);
 
   // Appends `count` rows that stand one after the other in each span; `labels`, when not empty, has
-  // a list for each. REQUIRES: as for AddRow, for each row.
+  // a list for each. Throws and requires what AddRow does for each row.
   void AddBlock(std::span<const double> inputs, std::span<const double> outputs, int count,
                 std::span<const LabelList> labels = {});
 
@@ -80,11 +88,13 @@ class Data {
   void SetRow(int row, std::span<const double> inputs, std::span<const double> outputs,
               const LabelList* labels = nullptr);
 
-  // Forgets every row; the column selections stay.
+  // Forgets every row: values become zeros, labels go, and first, last and cursor return to 0. The
+  // column selections stay.
   void Clear();
 
   // --- Single values -------------------------------------------------------------------------
-  // Throw TException "Invalid Input Data Column" or "Invalid Output Data Column" too.
+  // A column that does not exist throws TException "Invalid Input Data Column" or "Invalid Output
+  // Data Column" ("Bad Parameter").
 
   double GetInputDatum(int row, int column) const;
   double GetOutputDatum(int row, int column) const;
@@ -93,15 +103,16 @@ class Data {
 
   // --- Rows ----------------------------------------------------------------------------------
 
-  // Copies a side of a row. REQUIRES: `out` has room for the columns asked for, and listed columns
-  // exist.
+  // Copies a side of a row, or the listed columns of it in the listed order; a listed column that
+  // does not exist throws as above. REQUIRES: `out` has room for the columns asked for.
   void GetInputRow(int row, std::span<double> out) const;
   void GetOutputRow(int row, std::span<double> out) const;
   void GetInputRow(int row, std::span<double> out, std::span<const int> columns) const;
   void GetOutputRow(int row, std::span<double> out, std::span<const int> columns) const;
 
   // Copies the positions from_row..min(Last(), to_row), row after row, and returns their number, 0
-  // when there are none. Throws TException "Data Block Fault" when from_row is not accepted.
+  // when there are none. Throws TException "Data Block Fault" ("Bad Parameter") when from_row is
+  // not accepted. REQUIRES: each span has room for these rows of its side.
   int GetBlock(std::span<double> inputs_out, std::span<double> outputs_out, int from_row,
                int to_row) const;
 
@@ -115,51 +126,62 @@ class Data {
 
   // --- Stepping ------------------------------------------------------------------------------
 
-  // Moves the cursor by n, wrapping over the newest row; a step back below 0 is kept as it is.
+  // Moves the cursor by n. In a ring that has not wrapped a step over the newest row goes on at the
+  // oldest, once; a step back below 0 is kept as it is. In a ring that has wrapped the cursor
+  // passes over positions: to read such a set in order use Row(n).
   void Step(int n);
 
-  // Copies the row at the cursor. An input selection restricts the inputs; an output selection
-  // counts only beside one. Empty output spans are left alone. Throws TException "Invalid Data Row"
-  // when the cursor stands outside the ring. REQUIRES: spans have room for what is selected.
+  // Copies the row at the cursor, any position of the ring. An input selection restricts the
+  // inputs; an output selection counts only beside one. A side whose span is empty is not copied,
+  // nor are labels where `labels` is null or the set carries none. A selected column that does not
+  // exist throws as above. REQUIRES: a span that is not empty has room for what is selected.
   void Current(std::span<double> inputs, std::span<double> outputs,
                LabelList* labels = nullptr) const;
+
+  // Step(1) or Step(-1), then Current. The cursor has moved even where Current throws.
   void Next(std::span<double> inputs, std::span<double> outputs, LabelList* labels = nullptr);
   void Previous(std::span<double> inputs, std::span<double> outputs);
 
-  // The next Next() gives the oldest row.
+  // Goes to the newest row, so that in a ring that has not wrapped Next() gives the oldest.
   void ResetCursor() { MbrNdxCursor = MbrNdxLast; }
   void SetCursor(int position) { MbrNdxCursor = position; }
 
   // --- Column selections ---------------------------------------------------------------------
   // Lists of columns in the order in which stepping returns them; an empty one selects nothing.
-  // REQUIRES: the columns exist.
 
   void SetInputSelection(std::span<const int> columns);
   void SetSelections(std::span<const int> inputs, std::span<const int> outputs);
-  std::vector<int> GetInputSelection() const { return MbrDyaInputSelection; }
+  std::vector<int> GetInputSelection() const { return MbrSidInputs.DyaSelection; }
 
   // A set equal to this one in everything, the cursor and the change count included.
   std::unique_ptr<Data> Clone() const;
 
-  // Whether a position is accepted: any position while Last() >= First(); otherwise those from
-  // Last() to First().
-  bool IsValidRow(int row) const;
+  // Whether a position is accepted: any number while Last() >= First(), otherwise those from Last()
+  // to First(). The ring need not have an accepted position.
+  bool IsValidRow(int row) const {
+    return MbrNdxLast >= MbrNdxFirst || (MbrNdxLast <= row && row <= MbrNdxFirst);
+  }
 
  private:
+  Data& operator=(const Data&) = default;  // for Clone
+
+  bool InRing(int position) const { return position >= 0 && position < MbrNdxRows; }
+  int Following(int position) const { return position + 1 < MbrNdxRows ? position + 1 : 0; }
+  std::int64_t PositionAfter(int n) const;
+  void CheckRow(int row, const char* function) const;
+  std::size_t LabelIndex(int row, const char* function) const;
+  void CountChange();
+
   int MbrNdxRows;
   int MbrNdxDataRows = 0;
-  int MbrNdxInputs;
-  int MbrNdxOutputs;
-  bool MbrBolHasLabels;
   int MbrNdxFirst = 0;
   int MbrNdxLast = 0;
-  int MbrNdxChangeCount = 0;
   int MbrNdxCursor = 0;
-  std::vector<double> MbrDyaInputs;     // Rows() x Inputs(), row-major
-  std::vector<double> MbrDyaOutputs;    // Rows() x Outputs(), row-major
+  int MbrNdxChangeCount = 0;
+  bool MbrBolHasLabels;
+  DataSide MbrSidInputs;
+  DataSide MbrSidOutputs;
   std::vector<LabelList> MbrDyaLabels;  // one a position when the set carries labels
-  std::vector<int> MbrDyaInputSelection;
-  std::vector<int> MbrDyaOutputSelection;
 };
 
 }  // namespace kiln

@@ -1,0 +1,249 @@
+#include "DataObject/Data.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "Shared/TAssertion.h"
+#include "Shared/TException.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr char kModule[] = "DataObject/Data";
+
+// The counts of a set, passed on when it can be held.
+int CheckedRows(std::int64_t rows, std::int64_t inputs, std::int64_t outputs) {
+  const bool negative = rows < 0 || inputs < 0 || outputs < 0;
+  // At least one row is counted, so that the columns are bounded too. The product of 31-bit counts
+  // fits in 64 bits.
+  const std::int64_t numbers = std::max<std::int64_t>(rows, 1) * (inputs + outputs);
+  if (negative || rows > Data::kMaxNumbers || numbers > Data::kMaxNumbers)
+    throw TException("Invalid Data Size", "Bad Parameter", "Data::Data");
+  return static_cast<int>(rows);
+}
+
+// The part of a block of rows that stands in row `index`; nothing of a side that was left out.
+template <typename T>
+std::span<T> RowOfBlock(std::span<T> block, int index, int columns) {
+  if (block.empty()) return {};
+  const auto width = static_cast<std::size_t>(columns);
+  const auto begin = static_cast<std::size_t>(index) * width;
+  Assert(begin + width <= block.size(), "begin + width <= block.size()", kModule);
+  return block.subspan(begin, width);
+}
+
+}  // namespace
+
+Data::Data(int rows, int inputs, int outputs, bool has_labels)
+    : MbrNdxRows(CheckedRows(rows, inputs, outputs)),
+      MbrBolHasLabels(has_labels),
+      MbrSidInputs(rows, inputs, "Invalid Input Data Column"),
+      MbrSidOutputs(rows, outputs, "Invalid Output Data Column"),
+      MbrDyaLabels(has_labels ? static_cast<std::size_t>(rows) : 0) {}
+
+void Data::CheckRow(int row, const char* function) const {
+  if (!IsValidRow(row) || !InRing(row))
+    throw TException("Invalid Data Row", "Bad Parameter", function);
+}
+
+void Data::CountChange() {
+  MbrNdxChangeCount = static_cast<int>(static_cast<unsigned>(MbrNdxChangeCount) + 1U);
+}
+
+// --- Filling ---------------------------------------------------------------------------------
+
+void Data::AddRow(std::span<const double> inputs, std::span<const double> outputs,
+                  const LabelList* labels) {
+  Assert(MbrNdxDataRows <= MbrNdxRows, "MbrNdxDataRows <= MbrNdxRows", kModule);
+  const bool full = MbrNdxDataRows == MbrNdxRows;
+  const int position = full ? Following(MbrNdxLast) : MbrNdxDataRows;
+  SetRow(position, inputs, outputs, labels);
+  if (inputs.empty()) MbrSidInputs.Clear(position);
+  if (outputs.empty()) MbrSidOutputs.Clear(position);
+  if (full)
+    MbrNdxFirst = Following(MbrNdxFirst);
+  else
+    ++MbrNdxDataRows;
+  MbrNdxLast = position;
+  CountChange();
+}
+
+void Data::AddBlock(std::span<const double> inputs, std::span<const double> outputs, int count,
+                    std::span<const LabelList> labels) {
+  for (int i = 0; i < count; ++i) {
+    const auto list = RowOfBlock(labels, i, 1);
+    AddRow(RowOfBlock(inputs, i, Inputs()), RowOfBlock(outputs, i, Outputs()),
+           list.empty() ? nullptr : list.data());
+  }
+}
+
+void Data::SetRow(int row, std::span<const double> inputs, std::span<const double> outputs,
+                  const LabelList* labels) {
+  CheckRow(row, "Data::SetRow");
+  MbrSidInputs.Assign(row, inputs);
+  MbrSidOutputs.Assign(row, outputs);
+  if (MbrBolHasLabels) SetLabels(row, labels);
+  CountChange();
+}
+
+void Data::Clear() {
+  MbrSidInputs.Clear();
+  MbrSidOutputs.Clear();
+  for (LabelList& labels : MbrDyaLabels) labels.Clear();
+  MbrNdxDataRows = MbrNdxFirst = MbrNdxLast = MbrNdxCursor = 0;
+  CountChange();
+}
+
+// --- Single values ---------------------------------------------------------------------------
+
+double Data::GetInputDatum(int row, int column) const {
+  CheckRow(row, "Data::GetInputDatum");
+  return MbrSidInputs.Row(row)[MbrSidInputs.Column(column, "Data::GetInputDatum")];
+}
+
+double Data::GetOutputDatum(int row, int column) const {
+  CheckRow(row, "Data::GetOutputDatum");
+  return MbrSidOutputs.Row(row)[MbrSidOutputs.Column(column, "Data::GetOutputDatum")];
+}
+
+void Data::SetInputDatum(int row, int column, double value) {
+  CheckRow(row, "Data::SetInputDatum");
+  MbrSidInputs.Row(row)[MbrSidInputs.Column(column, "Data::SetInputDatum")] = value;
+  CountChange();
+}
+
+void Data::SetOutputDatum(int row, int column, double value) {
+  CheckRow(row, "Data::SetOutputDatum");
+  MbrSidOutputs.Row(row)[MbrSidOutputs.Column(column, "Data::SetOutputDatum")] = value;
+  CountChange();
+}
+
+// --- Rows ------------------------------------------------------------------------------------
+
+void Data::GetInputRow(int row, std::span<double> out) const {
+  CheckRow(row, "Data::GetInputRow");
+  MbrSidInputs.Copy(row, out);
+}
+
+void Data::GetOutputRow(int row, std::span<double> out) const {
+  CheckRow(row, "Data::GetOutputRow");
+  MbrSidOutputs.Copy(row, out);
+}
+
+void Data::GetInputRow(int row, std::span<double> out, std::span<const int> columns) const {
+  CheckRow(row, "Data::GetInputRow");
+  MbrSidInputs.Copy(row, out, columns, "Data::GetInputRow");
+}
+
+void Data::GetOutputRow(int row, std::span<double> out, std::span<const int> columns) const {
+  CheckRow(row, "Data::GetOutputRow");
+  MbrSidOutputs.Copy(row, out, columns, "Data::GetOutputRow");
+}
+
+int Data::GetBlock(std::span<double> inputs_out, std::span<double> outputs_out, int from_row,
+                   int to_row) const {
+  if (!IsValidRow(from_row))
+    throw TException("Data Block Fault", "Bad Parameter", "Data::GetBlock");
+  const int end = std::min(MbrNdxLast, to_row);
+  if (from_row > end) return 0;
+  CheckRow(from_row, "Data::GetInputRow");
+  for (int row = from_row; row <= end; ++row) {
+    const int index = row - from_row;
+    GetInputRow(row, RowOfBlock(inputs_out, index, Inputs()));
+    GetOutputRow(row, RowOfBlock(outputs_out, index, Outputs()));
+  }
+  return end - from_row + 1;
+}
+
+// --- Labels ----------------------------------------------------------------------------------
+
+std::size_t Data::LabelIndex(int row, const char* function) const {
+  Assert(MbrBolHasLabels, "MbrBolHasLabels", kModule);
+  CheckRow(row, function);
+  return static_cast<std::size_t>(row);
+}
+
+LabelList Data::GetLabels(int row) const {
+  return MbrDyaLabels[LabelIndex(row, "Data::GetLabels")];
+}
+
+void Data::SetLabels(int row, const LabelList* labels) {
+  MbrDyaLabels[LabelIndex(row, "Data::SetLabels")] = labels ? *labels : LabelList();
+  CountChange();
+}
+
+void Data::ClearLabels(int row) {
+  MbrDyaLabels[LabelIndex(row, "Data::ClearLabels")].Clear();
+  CountChange();
+}
+
+void Data::AppendLabel(int row, std::string_view name, double value) {
+  MbrDyaLabels[LabelIndex(row, "Data::AppendLabel")].Append(name, value);
+  CountChange();
+}
+
+// --- Stepping --------------------------------------------------------------------------------
+
+// Where a step of n from the cursor leads.
+std::int64_t Data::PositionAfter(int n) const {
+  if (MbrNdxDataRows == 1) return MbrNdxFirst;
+  if (n > MbrNdxDataRows && MbrNdxRows > 0) n %= MbrNdxRows;
+  const std::int64_t position = std::int64_t{MbrNdxCursor} + n;
+  if (MbrNdxFirst < MbrNdxLast) {
+    return position > MbrNdxLast ? position - MbrNdxDataRows : position;
+  }
+  if (position >= MbrNdxRows) return position - MbrNdxRows;
+  return position > MbrNdxLast ? position - MbrNdxLast + MbrNdxFirst : position;
+}
+
+void Data::Step(int n) {
+  using Limits = std::numeric_limits<int>;
+  MbrNdxCursor = static_cast<int>(
+      std::clamp(PositionAfter(n), std::int64_t{Limits::min()}, std::int64_t{Limits::max()}));
+}
+
+void Data::Current(std::span<double> inputs, std::span<double> outputs, LabelList* labels) const {
+  const int row = MbrNdxCursor;
+  if (!InRing(row)) throw TException("Invalid Data Row", "Bad Parameter", "Data::GetInputRow");
+  const auto copy = [row](const DataSide& side, std::span<double> out, bool selected) {
+    if (out.empty()) return;
+    if (selected)
+      side.Copy(row, out, side.DyaSelection, "Data::Current");
+    else
+      side.Copy(row, out);
+  };
+  const bool selected = !MbrSidInputs.DyaSelection.empty();
+  copy(MbrSidInputs, inputs, selected);
+  copy(MbrSidOutputs, outputs, selected && !MbrSidOutputs.DyaSelection.empty());
+  if (labels && MbrBolHasLabels) *labels = MbrDyaLabels[static_cast<std::size_t>(row)];
+}
+
+void Data::Next(std::span<double> inputs, std::span<double> outputs, LabelList* labels) {
+  Step(1);
+  Current(inputs, outputs, labels);
+}
+
+void Data::Previous(std::span<double> inputs, std::span<double> outputs) {
+  Step(-1);
+  Current(inputs, outputs);
+}
+
+// --- Column selections -----------------------------------------------------------------------
+
+void Data::SetInputSelection(std::span<const int> columns) {
+  MbrSidInputs.DyaSelection.assign(columns.begin(), columns.end());
+}
+
+void Data::SetSelections(std::span<const int> inputs, std::span<const int> outputs) {
+  SetInputSelection(inputs);
+  MbrSidOutputs.DyaSelection.assign(outputs.begin(), outputs.end());
+}
+
+std::unique_ptr<Data> Data::Clone() const {
+  auto clone = std::make_unique<Data>(MbrNdxRows, Inputs(), Outputs(), MbrBolHasLabels);
+  *clone = *this;
+  return clone;
+}
+
+}  // namespace kiln
