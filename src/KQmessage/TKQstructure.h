@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -82,7 +83,7 @@ class TKQstructure {
 
   static constexpr std::size_t kFirstCapacity = 16;
 
-  const TPair* Find(std::string_view keyword) const;
+  std::optional<std::size_t> Find(std::string_view keyword) const;
 
   std::string name_;
   std::size_t capacity_ = kFirstCapacity;
