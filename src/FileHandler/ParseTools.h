@@ -37,6 +37,10 @@ class OpenError : public TException {
   explicit OpenError(const std::string& path);
 };
 
+// Whether `text` is a single word of the syntax, so that it can be written as a name or a value and
+// read back.
+bool IsWord(std::string_view text);
+
 struct ParseItem {
   enum Kind {
     kEnd = 0,        // the end of the block or, outside all blocks, of the text
@@ -87,6 +91,16 @@ class Reader {
   [[noreturn]] void Fail(const std::string& message) const;
 
  private:
+  // The first token of an item; empty at the end of the text, which must not fall into a block.
+  std::string_view ReadFirstToken(std::string_view current_block);
+  ParseItem ReadTagOrStatement(std::string_view name);
+  void ReadEndTag(std::string_view current_block);
+  void CheckVersion(std::string_view version) const;
+  void CheckWord(std::string_view token) const;
+  bool TakeClosingBracket();
+  void SkipSeparators();
+  void SkipComment();
+
   std::string text_;
   std::string file_name_;
   std::size_t position_ = 0;

@@ -45,6 +45,8 @@ class Writer {
   void CloseBracketInLine();  // and stays on the line
 
  private:
+  void Flush();
+
   std::ostream& out_;
   std::string buffer_;
   bool bracket_open_ = false;
