@@ -23,6 +23,13 @@ bool EqualNoCase(std::string_view left, std::string_view right) {
                     [](char a, char b) { return FoldChar(a) == FoldChar(b); });
 }
 
+bool LessNoCase(std::string_view left, std::string_view right) {
+  return std::lexicographical_compare(
+      left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
+        return static_cast<unsigned char>(FoldChar(a)) < static_cast<unsigned char>(FoldChar(b));
+      });
+}
+
 std::string_view TrimBlanks(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(' ');
   if (begin == std::string_view::npos) return {};

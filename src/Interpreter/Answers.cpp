@@ -1,0 +1,50 @@
+#include "Interpreter/Answers.h"
+
+#include "Shared/NumberFormat.h"
+
+namespace kiln {
+
+namespace {
+
+template <typename T, typename TFormat>
+std::string Braced(std::span<const T> values, TFormat format) {
+  std::string text = "{";
+  for (const T& value : values) {
+    if (text.size() > 1) text += ", ";
+    text += format(value);
+  }
+  text += '}';
+  return text;
+}
+
+}  // namespace
+
+std::string AnswerFixed(double value) {
+  return FormatFixed(value, 8);
+}
+
+std::string AnswerGeneral(double value) {
+  return FormatGeneral(value, 8);
+}
+
+std::string_view AnswerBoolean(bool value) {
+  return value ? "true" : "false";
+}
+
+std::string_view AnswerSwitch(bool value) {
+  return value ? "on" : "off";
+}
+
+std::string AnswerArray(std::span<const double> values) {
+  return Braced(values, [](double value) { return FormatGeneral(value, 12); });
+}
+
+std::string AnswerArray(std::span<const std::int64_t> values) {
+  return Braced(values, [](std::int64_t value) { return std::to_string(value); });
+}
+
+std::string AnswerArray(std::span<const std::string> words) {
+  return Braced(words, [](const std::string& word) { return std::string_view(word); });
+}
+
+}  // namespace kiln

@@ -1,0 +1,57 @@
+#include "Interpreter/Checks.h"
+
+#include <algorithm>
+#include <limits>
+
+#include "Shared/Text.h"
+
+namespace kiln {
+
+bool RequiredBoolean(const CommandLine& line, std::string_view tag) {
+  const Reading<bool> reading = line.Boolean(tag);
+  if (reading.Code == ReadCode::kTagAbsent) Fail("tag ", tag, " not found");
+  if (reading.Code == ReadCode::kNotABoolean) Fail("bad argument to tag ", tag);
+  return reading.Value;
+}
+
+std::string RequiredPath(const CommandLine& line, std::string_view message) {
+  return std::string(TrimBlanks(Required(line.Parenthesised("filename"), message)));
+}
+
+int AtLeast(int minimum, std::int64_t count, std::string_view tag) {
+  if (count < minimum) Fail(tag, " must be at least ", std::to_string(minimum));
+  return static_cast<int>(std::min<std::int64_t>(count, std::numeric_limits<int>::max()));
+}
+
+void RefuseReserved(std::string_view alias) {
+  if (TObjectRegistry::IsReserved(alias)) Fail(alias, " is a reserved word");
+}
+
+std::string_view RequiredAlias(const CommandLine& line, std::string_view tag,
+                               std::string_view message) {
+  const std::string_view alias = Required(line.Word(tag), message);
+  RefuseReserved(alias);
+  return alias;
+}
+
+std::string_view RequiredAlias(const CommandLine& line, std::string_view tag) {
+  const Reading<std::string_view> alias = line.Word(tag);
+  if (alias.Code != ReadCode::kRead) Fail("tag ", tag, " not found");
+  RefuseReserved(alias.Value);
+  return alias.Value;
+}
+
+std::string_view RequiredNewAlias(const TObjectRegistry& registry, const CommandLine& line,
+                                  std::string_view tag) {
+  const std::string_view alias = RequiredAlias(line, tag);
+  if (registry.Exists(alias)) Fail(alias, " already exists");
+  return alias;
+}
+
+const TRegistryNode& RequiredEntry(const TObjectRegistry& registry, std::string_view alias) {
+  const TRegistryNode* node = registry.Find(alias);
+  if (!node) Fail(alias, " does not exist");
+  return *node;
+}
+
+}  // namespace kiln

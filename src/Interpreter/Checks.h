@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "Interpreter/CommandLine.h"
+#include "Interpreter/TObjectRegistry.h"
+#include "Shared/TAssertion.h"
+
+// The checks of which command handlers are made. Each passes its value on or throws CommandFailure
+// with the answer to the user.
+namespace kiln {
+
+// A command that cannot be carried out, and why.
+class CommandFailure : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+// Throws CommandFailure with the parts of the message put together.
+template <typename... TParts>
+[[noreturn]] void Fail(const TParts&... parts) {
+  std::string message;
+  (message.append(parts), ...);
+  throw CommandFailure(message);
+}
+
+// --- Arguments -------------------------------------------------------------------------------
+
+// An argument without which the command cannot go on.
+template <typename T>
+T Required(Reading<T> reading, std::string_view message) {
+  if (reading.Code != ReadCode::kRead) Fail(message);
+  return std::move(reading.Value);
+}
+
+// An argument that may be left out. One that is there but cannot be read is TAssertion.
+template <typename T>
+T Optional(Reading<T> reading, T fallback) {
+  if (reading.Code == ReadCode::kTagAbsent) return fallback;
+  Assert(reading.Code == ReadCode::kRead, "IntReturn == SUCCESS", "Interpreter/Checks");
+  return std::move(reading.Value);
+}
+
+bool RequiredBoolean(const CommandLine& line, std::string_view tag);
+
+// The file name in parentheses behind "filename".
+std::string RequiredPath(const CommandLine& line, std::string_view message);
+
+// A count that must be at least `minimum`; one beyond 2^31-1 becomes that.
+int AtLeast(int minimum, std::int64_t count, std::string_view tag);
+
+// --- Objects ---------------------------------------------------------------------------------
+
+void RefuseReserved(std::string_view alias);
+
+// The alias behind `tag`, not a reserved word.
+std::string_view RequiredAlias(const CommandLine& line, std::string_view tag,
+                               std::string_view message);
+std::string_view RequiredAlias(const CommandLine& line, std::string_view tag);
+
+// The alias behind `tag` for an object that is to be made: not reserved, not taken.
+std::string_view RequiredNewAlias(const TObjectRegistry& registry, const CommandLine& line,
+                                  std::string_view tag);
+
+// The entry called `alias`, which must exist.
+const TRegistryNode& RequiredEntry(const TObjectRegistry& registry, std::string_view alias);
+
+// The object of an entry, which must be a `T`. `what` completes the message behind the alias.
+template <typename T>
+std::shared_ptr<T> RequiredKind(const TRegistryNode& node, std::string_view alias,
+                                std::string_view what) {
+  std::shared_ptr<T> object = node.As<T>();
+  if (!object) Fail(alias, what);
+  return object;
+}
+
+}  // namespace kiln

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace kiln {
+
+// How reading an argument ended.
+enum class ReadCode {
+  kRead = 0,
+  kTagAbsent = -201,  // the tag, or what should stand behind it, is not there
+  kNotABoolean = -202,
+  kNoParentheses = -203,
+};
+
+// What an argument reader found: `Value` counts when `Code` is kRead.
+template <typename T>
+struct Reading {
+  ReadCode Code;
+  T Value;
+};
+
+// A command and its arguments, "create Data alias d inputs 2 ...": a word that names the command,
+// then tags with their values in any order, separated by blanks. Only the space character is a
+// blank.
+//
+// A tag is found by its first occurrence as a word of the line, with regard to case, even where
+// that stands as the value of another tag. That is why such words are refused as aliases.
+//
+// Readers convert without complaint: what is no number is 0. Views that they return live as long as
+// the text of the line.
+class CommandLine {
+ public:
+  explicit CommandLine(std::string_view text) : text_(text) {}
+
+  std::string_view Text() const { return text_; }
+
+  // The first word, empty in an empty line.
+  std::string_view CommandWord() const;
+
+  // Whether the line holds `text` anywhere, also as a part of a word.
+  bool Contains(std::string_view text) const { return text_.find(text) != text_.npos; }
+
+  // The word behind the tag, cut to 80 characters.
+  Reading<std::string_view> Word(std::string_view tag) const;
+
+  // "true" or "on", "false" or "off", in any case.
+  Reading<bool> Boolean(std::string_view tag) const;
+
+  Reading<std::int64_t> Long(std::string_view tag) const;
+  Reading<double> Double(std::string_view tag) const;
+
+  // The text between the first "(" behind the tag and the next ")".
+  Reading<std::string_view> Parenthesised(std::string_view tag) const;
+
+  // The elements of the first list "{...}" behind the tag: the texts between its commas, one more
+  // than there are commas, each cut to 254 characters.
+  Reading<std::vector<std::string_view>> Words(std::string_view tag) const;
+  Reading<std::vector<bool>> Booleans(std::string_view tag) const;
+  Reading<std::vector<std::int64_t>> Longs(std::string_view tag) const;
+  Reading<std::vector<double>> Doubles(std::string_view tag) const;
+
+  // The whole number behind the first occurrence of the tag that has one. Other occurrences, such
+  // as an alias that is spelled like the tag, do not count.
+  std::optional<std::int64_t> WholeNumber(std::string_view tag) const;
+
+ private:
+  // The rest of the line behind the tag.
+  std::optional<std::string_view> Behind(std::string_view tag) const;
+
+  // What stands in the first braces behind the tag.
+  std::optional<std::string_view> List(std::string_view tag) const;
+
+  std::string_view text_;
+};
+
+}  // namespace kiln

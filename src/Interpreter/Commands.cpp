@@ -1,0 +1,20 @@
+#include "Interpreter/Commands.h"
+
+#include "Interpreter/Checks.h"
+#include "Shared/Text.h"
+
+namespace kiln {
+
+int Dispatch(std::span<const TCommand> table, std::string_view word, std::string_view unknown,
+             TInterpreter& interpreter, const CommandLine& line) {
+  for (const TCommand& command : table) {
+    if (EqualNoCase(command.Word, word)) return command.Handler(interpreter, line);
+  }
+  Fail(unknown);
+}
+
+std::string_view Selector(const CommandLine& line, std::string_view command) {
+  return Optional(line.Word(command), std::string_view());
+}
+
+}  // namespace kiln

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "Interpreter/CommandLine.h"
+#include "Interpreter/TInterpreter.h"
+
+namespace kiln {
+
+// The codes that handlers return. Failures are thrown.
+inline constexpr int kDone = 0;
+inline constexpr int kValue = 1;  // the result message is the answer
+
+// Carries out a command or one form of it. A handler checks its arguments in a fixed order, each
+// failed check being a CommandFailure, and changes nothing before all of them have passed.
+using THandler = int (*)(TInterpreter& interpreter, const CommandLine& line);
+
+// A word and what it stands for; words are compared ignoring case.
+struct TCommand {
+  std::string_view Word;
+  THandler Handler;
+};
+
+// Runs the first entry for `word`; fails with the message `unknown` when there is none.
+int Dispatch(std::span<const TCommand> table, std::string_view word, std::string_view unknown,
+             TInterpreter& interpreter, const CommandLine& line);
+
+// The word behind the command word that selects one of its forms, empty when there is none.
+std::string_view Selector(const CommandLine& line, std::string_view command);
+
+namespace commands {
+
+// SessionCommands.cpp
+int Log(TInterpreter& interpreter, const CommandLine& line);
+int Run(TInterpreter& interpreter, const CommandLine& line);
+int Purge(TInterpreter& interpreter, const CommandLine& line);
+
+// ObjectCommands.cpp
+int Destroy(TInterpreter& interpreter, const CommandLine& line);
+
+// QueryCommands.cpp
+int Query(TInterpreter& interpreter, const CommandLine& line);
+
+}  // namespace commands
+}  // namespace kiln

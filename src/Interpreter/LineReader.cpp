@@ -1,0 +1,34 @@
+#include "Interpreter/LineReader.h"
+
+#include <limits>
+
+#include "Shared/Text.h"
+
+namespace kiln {
+
+LineReader::LineReader(std::istream& in, std::size_t longest) : in_(in), buffer_(longest + 1) {}
+
+bool LineReader::Next() {
+  in_.getline(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
+  const auto taken = static_cast<std::size_t>(in_.gcount());
+  if (in_.bad() || taken == 0) return false;  // an empty line takes its end
+  // The only failure that is left is a full buffer without the end of the line.
+  too_long_ = in_.fail();
+  if (too_long_) {
+    in_.clear();
+    in_.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
+  }
+  // The end of a line was taken but not stored.
+  const bool ended = !too_long_ && !in_.eof();
+  length_ = ended ? taken - 1 : taken;
+  ++number_;
+  return true;
+}
+
+std::string_view LineReader::Line() const {
+  std::string_view line(buffer_.data(), length_);
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return TrimBlanks(line);
+}
+
+}  // namespace kiln

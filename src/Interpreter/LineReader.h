@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <string_view>
+#include <vector>
+
+namespace kiln {
+
+// Reads commands line by line in bounded memory: of a line that is too long the rest is skipped. A
+// carriage return at the end of a line counts as a blank.
+class LineReader {
+ public:
+  static constexpr std::string_view kTooLong = "line too long";  // what users are told then
+
+  // Lines may hold up to `longest` characters. `in` must outlive the reader.
+  LineReader(std::istream& in, std::size_t longest);
+
+  // Reads the next line; false when there is none left. A last line without an end counts.
+  bool Next();
+
+  // The line without the blanks at its ends, until the next call of Next().
+  std::string_view Line() const;
+
+  // Whether the line was longer than it may be; it is not to be run then.
+  bool TooLong() const { return too_long_; }
+
+  // The number of the line, counted from 1.
+  std::int64_t Number() const { return number_; }
+
+ private:
+  std::istream& in_;
+  std::vector<char> buffer_;  // with room for a terminator
+  std::size_t length_ = 0;
+  std::int64_t number_ = 0;
+  bool too_long_ = false;
+};
+
+}  // namespace kiln

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include "Interpreter/CommandLine.h"
+#include "Interpreter/TObjectRegistry.h"
+
+namespace kiln {
+
+// The interpreter of the command language, and the registry of the objects that its commands make.
+//
+// Nothing that a command does or meets leaves Execute as an exception: every failure becomes an
+// answer, and after it every object is as it was before.
+class TInterpreter : public TObjectRegistry {
+ public:
+  // Runs one command. Returns a negative code for a failure, which GetError() explains, a positive
+  // one for a command with a value, which GetResult() holds, and 0 for any other. An open
+  // transcript takes the line and its answer.
+  int Execute(std::string_view line);
+
+  // The messages of the latest command that had one of the kind.
+  const std::string& GetError() const { return error_message_; }
+  const std::string& GetResult() const { return result_message_; }
+  void SetError(std::string message) { error_message_ = std::move(message); }
+  void SetResult(std::string message) { result_message_ = std::move(message); }
+
+  // Executes the lines of a file until one fails, whose answer the CommandFailure carries. Empty
+  // lines and those that begin with "#" are passed over. Returns the code of the last line.
+  int RunScript(const std::string& path);
+
+  // From now on writes every command but "log", and its answer, to the file. On failure throws
+  // CommandFailure and goes on with the transcript that is open.
+  void StartTranscript(const std::string& path);
+  void StopTranscript() { transcript_.close(); }
+
+ private:
+  int Answer(const CommandLine& line);
+  void Record(std::string_view line, int code);
+
+  std::string error_message_;
+  std::string result_message_;
+  std::ofstream transcript_;
+  int script_level_ = 0;  // number of scripts that are being run, one by the other
+};
+
+}  // namespace kiln
