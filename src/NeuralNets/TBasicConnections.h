@@ -1,0 +1,136 @@
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "NeuralNets/TIterateObj.h"
+
+namespace kiln {
+
+class TBasicLayer;
+
+// A block of connections between two layers, or from a layer to itself: weights and, in the kinds
+// that have them, flags. The block is a list of patches (see TWeightPatch), one behind the other in
+// the order of their rows, over one contiguous buffer of weights; the kinds differ in how they lay
+// the patches out.
+//
+// A block has its shape from the moment it is attached; everything but Attach, KindName, HasFlags
+// and IsConnected asks for that first and throws TAssertion "attached" otherwise.
+class TBasicConnections {
+ public:
+  virtual ~TBasicConnections() = default;
+  TBasicConnections& operator=(const TBasicConnections&) = delete;
+
+  // False only for an empty block.
+  virtual bool IsConnected() const { return true; }
+
+  virtual std::string_view KindName() const = 0;
+
+  // Whether connections can be pruned and frozen. In a kind without flags every connection exists
+  // and is trainable for good; taking a flag away is a TAssertion.
+  virtual bool HasFlags() const { return true; }
+
+  // An equal block, attached as this one is.
+  virtual std::unique_ptr<TBasicConnections> Clone() const = 0;
+
+  // How many weights Attach will take between such layers. Counts before memory is taken.
+  std::size_t SizeBetween(const TBasicLayer& to, const TBasicLayer& from) const;
+
+  // Takes the shape that the layers ask for: every connection exists, is trainable and weighs 0.
+  void Attach(const TBasicLayer& to, const TBasicLayer& from);
+  bool IsAttached() const { return attached_; }
+
+  std::size_t Rows() const { return rows_; }        // neurons of the to-layer
+  std::size_t Columns() const { return columns_; }  // neurons of the from-layer
+
+  // One connection. A place that the block does not have holds a connection that does not exist:
+  // it weighs 0, and setting anything there throws TAssertion.
+  bool Exists(std::size_t to, std::size_t from) const;
+  bool IsTrainable(std::size_t to, std::size_t from) const;
+  double GetWeight(std::size_t to, std::size_t from) const;
+
+  // A connection that does not exist keeps the weight 0.
+  void SetWeight(std::size_t to, std::size_t from, double weight);
+  void SetTrainable(std::size_t to, std::size_t from, bool trainable);
+  void SetExists(std::size_t to, std::size_t from, bool exists);
+
+  // Every weight of the block, patch after patch, row by row. Whoever writes here leaves absent
+  // connections at 0.
+  std::span<const double> Weights() const { return weights_; }
+  std::span<double> Weights() { return weights_; }
+
+  // net[to] += weight * outputs[from] for every connection that exists.
+  void Accumulate(std::span<const double> outputs, std::span<double> net) const;
+
+  void Iterate(TIterateObj& operation);
+  void Iterate(TIterateObjRead& operation) const;
+
+  // Walk this block and others of the same kind and shape in step.
+  // Throw TAssertion when kind or shape differ.
+  void Iterate2(TBasicConnections& conn2, TIterateObj2& operation);
+  void Iterate3(TBasicConnections& conn2, TBasicConnections& conn3, TIterateObj3& operation);
+
+  // Follow a neuron that was inserted into, or taken out of, the to-layer (rows) or the from-layer
+  // (columns). New connections exist, are trainable and weigh 0. Kinds whose layers never change
+  // throw TAssertion.
+  virtual void AddRow(std::size_t position);
+  virtual void RemoveRow(std::size_t position);
+  virtual void AddColumn(std::size_t position);
+  virtual void RemoveColumn(std::size_t position);
+
+ protected:
+  // A rectangle of connections; its weights stand behind those of the patches before it.
+  struct TPatchShape {
+    std::size_t to;
+    std::size_t from;
+    std::size_t rows;
+    std::size_t columns;
+    std::size_t offset = 0;  // of its first weight; filled in by Attach
+
+    std::size_t Size() const { return rows * columns; }
+  };
+
+  TBasicConnections() = default;
+  TBasicConnections(const TBasicConnections&) = default;
+
+  // The patches of a block between two layers, rows in ascending order, none of them overlapping.
+  virtual std::vector<TPatchShape> Layout(const TBasicLayer& to, const TBasicLayer& from) const = 0;
+
+  // The name of the kind's source, for assertions.
+  virtual const char* Module() const = 0;
+
+  void CheckAttached() const;
+
+  // Turns a full block into one of other dimensions. `source` names the place (to, from) that a
+  // place of the new block takes its weight and flags from, or none for a new connection.
+  using TSource =
+      std::function<std::optional<std::pair<std::size_t, std::size_t>>(std::size_t, std::size_t)>;
+  void Rearrange(std::size_t rows, std::size_t columns, const TSource& source);
+
+ private:
+  std::optional<std::size_t> Place(std::size_t to, std::size_t from) const;
+  std::size_t PlaceAssert(std::size_t to, std::size_t from) const;
+  TMask FlagsAt(std::size_t place) const { return masks_.empty() ? FMaskAll : masks_[place]; }
+  void Store(std::size_t place, double weight, TMask flags);
+  TWeightPatch PatchOf(const TPatchShape& shape);
+  void CheckTwin(const TBasicConnections& twin, const char* expression) const;
+
+  template <typename TVisit>
+  void ForEachPlace(const TVisit& visit) const;
+
+  bool attached_ = false;
+  std::size_t rows_ = 0;
+  std::size_t columns_ = 0;
+  std::vector<TPatchShape> patches_;
+  std::vector<double> weights_;
+  std::vector<TMask> masks_;    // one a weight, none in a kind without flags
+  std::size_t exceptions_ = 0;  // places whose flags are not FMaskAll
+};
+
+}  // namespace kiln

@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "NeuralNets/TBasicNeuron.h"
+
+namespace kiln {
+
+class TBasicNetwork;
+
+// A layer of neurons with one row of net inputs and one row of outputs, both contiguous. The
+// outputs keep the values of the last recall. What the kinds of layers differ in is how they
+// compute their outputs and which neurons they hold.
+//
+// A layer belongs to a network, which owns it, once SetLayer of the network has taken it.
+class TBasicLayer {
+ public:
+  static constexpr std::size_t kMaxNeurons = std::size_t{1} << 24;
+
+  virtual ~TBasicLayer() = default;
+  TBasicLayer& operator=(const TBasicLayer&) = delete;
+
+  // Passes each neuron's net input through its activation function into its output.
+  // Throws TAssertion for a neuron whose function was never set.
+  virtual void Activate();
+
+  // Computes the outputs, given the outputs of the other layers and, for the input layer, the
+  // pattern. REQUIRES: in a network; the input layer has a neuron for each value of `pattern`.
+  virtual void Compute(std::span<const double> pattern) = 0;
+
+  virtual std::string_view KindName() const { return "Basic"; }
+
+  // An equal layer, down to its outputs, that belongs to no network yet.
+  virtual std::unique_ptr<TBasicLayer> Clone() const = 0;
+
+  void Attach(TBasicNetwork& network, std::size_t index);
+  std::size_t Index() const { return index_; }
+
+  std::size_t NumNeurons() const { return neurons_.size(); }
+  TBasicNeuron& Neuron(std::size_t index) { return *neurons_[index]; }
+  const TBasicNeuron& Neuron(std::size_t index) const { return *neurons_[index]; }
+
+  // One value a neuron.
+  std::span<double> NetInputs() { return net_inputs_; }
+  std::span<const double> NetInputs() const { return net_inputs_; }
+  std::span<double> Outputs() { return outputs_; }
+  std::span<const double> Outputs() const { return outputs_; }
+
+  // Sets the function of every neuron, those that are added later included.
+  void SetActivation(TActFunction function);
+
+  // The function that all neurons share: null when two differ, "null" in a layer without neurons.
+  TActFunction GetActivation() const;
+
+  // Inserts a neuron in front of the one at `node`, or takes that one out. The blocks of the
+  // network are its own business. Throw TAssertion for a position that the layer does not have.
+  void AddNeuron(std::size_t node);
+  void RemoveNeuron(std::size_t node);
+
+ protected:
+  // `neurons` copies of `prototype`, as are the neurons that are added later.
+  // Throws TException when there are more than kMaxNeurons.
+  TBasicLayer(std::size_t neurons, const TBasicNeuron& prototype);
+  TBasicLayer(const TBasicLayer& other);
+
+  TBasicNetwork& Network() const { return *network_; }
+  bool IsInputLayer() const;
+
+ private:
+  friend class TBasicNeuron;  // tells the layer when a neuron gets a function of its own
+
+  void ForgetCommonActivation();
+  void AttachNeurons();
+
+  TBasicNetwork* network_ = nullptr;
+  std::size_t index_ = 0;
+  std::unique_ptr<TBasicNeuron> prototype_;
+  std::vector<std::unique_ptr<TBasicNeuron>> neurons_;
+  std::vector<double> net_inputs_;
+  std::vector<double> outputs_;
+  TActFunction function_ = nullptr;  // the one that was set for all, null when there is none
+  TActRowFunction row_form_ = nullptr;
+};
+
+}  // namespace kiln

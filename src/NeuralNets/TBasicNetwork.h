@@ -1,0 +1,138 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "NeuralNets/TBasicConnections.h"
+#include "NeuralNets/TBasicLayer.h"
+
+namespace kiln {
+
+class Data;
+class TErrorObj;
+
+// The skeleton of every network: layers in the order of recall, one of them the input and one the
+// output, and a block of connections for every ordered pair of layers.
+//
+// Recall is one pass over the layers in index order. A block from the same or a later layer reads
+// the outputs of the recall before, so that a network with such blocks has a memory of one step,
+// which carries over from pattern to pattern and from call to call.
+//
+// Whatever exchanges weights as a flat vector uses one order: from-layers outside, to-layers
+// inside, each block row by row.
+class TBasicNetwork {
+ public:
+  static constexpr std::size_t kMaxLayers = 1024;
+  static constexpr std::uint64_t kMaxWeights = std::uint64_t{1} << 30;
+
+  virtual ~TBasicNetwork() = default;
+
+  virtual std::string_view KindName() const { return "Basic"; }
+  virtual std::unique_ptr<TBasicNetwork> Clone() const = 0;
+
+  // --- Layers --------------------------------------------------------------------------------
+
+  std::size_t NumLayers() const { return layers_.size(); }
+  std::size_t InputLayer() const { return input_layer_; }
+  std::size_t OutputLayer() const { return output_layer_; }
+
+  // Throws TAssertion when there is no such layer.
+  void SetInputAndOutputLayer(std::size_t input_layer, std::size_t output_layer);
+
+  TBasicLayer& Layer(std::size_t index) { return *layers_[index]; }
+  const TBasicLayer& Layer(std::size_t index) const { return *layers_[index]; }
+
+  // Puts another layer at `index`. REQUIRES: the present one is not connected.
+  void SetLayer(std::size_t index, std::unique_ptr<TBasicLayer> layer);
+
+  // How many values a pattern has, and how many a recall gives.
+  std::size_t NumInputs() const { return layers_[input_layer_]->NumNeurons(); }
+  virtual std::size_t NumOutputs() const { return layers_[output_layer_]->NumNeurons(); }
+
+  // Neurons by network-wide index: those of layer 0 first, then those of layer 1, and so on.
+  // Throws TAssertion for an index outside 0..GetNumNeurons()-1.
+  int GetNumNeurons() const;
+  TBasicNeuron& Neuron(int index);
+
+  // Inserts a neuron into a layer, or takes one out, and the connections with it; new connections
+  // weigh 0. Throw TAssertion for the input or output layer and for positions that do not exist.
+  void AddNeuron(int layer_num, int node);
+  void RemoveNeuron(int layer_num, int node);
+
+  // --- Connections ---------------------------------------------------------------------------
+
+  // The block of a pair, which is an empty one where the layers are not connected.
+  TBasicConnections& Connections(std::size_t to, std::size_t from);
+  const TBasicConnections& Connections(std::size_t to, std::size_t from) const;
+
+  // Puts a block in place of the present one and attaches it. Throws TException when the network
+  // would have more than kMaxWeights weights.
+  void SetConnections(std::size_t to, std::size_t from, std::unique_ptr<TBasicConnections> block);
+
+  // The layers that are connected to layer `to`, in ascending order.
+  std::span<const std::size_t> Sources(std::size_t to) const { return sources_[to]; }
+
+  // Apply an operation to every connection in the one order of weights.
+  void Iterate(TIterateObj& operation);
+  void Iterate(TIterateObjRead& operation) const;
+
+  // Number and values of the weights that `val` selects (see CheckSelector).
+  std::size_t GetNumWeights(TMask val) const;
+  std::vector<double> GetWeights(TMask val) const;
+
+  // Throws TAssertion unless there is a value for each weight.
+  void SetWeights(std::span<const double> weights, TMask val);
+
+  // Draws every weight from [lower, upper].
+  void Randomize(double lower, double upper);
+
+  // Sets every weight to 0.
+  void ClearWeights();
+
+  // Removes every connection into and out of a neuron, which stays where it is.
+  void PruneNode(std::size_t layer, std::size_t node);
+
+  // Replaces the weights, flags, functions, neuron settings and outputs by those of a network of
+  // the same shape. Throws TAssertion when the number of layers differs.
+  void Assign(const TBasicNetwork& x);
+
+  // --- Recall --------------------------------------------------------------------------------
+
+  // REQUIRES: NumInputs() values in, NumOutputs() values out.
+  virtual void RecallPattern(std::span<const double> input, std::span<double> output);
+
+  // The rows (input, output) for every row of a set, or the outputs alone, oldest row first.
+  // Throw TException when the set's inputs do not fit the network's. A null set is a TAssertion in
+  // the first and a TException in the second.
+  virtual std::unique_ptr<Data> Recall(const Data* in);
+  std::unique_ptr<Data> RecallOutputOnly(const Data* in);
+
+  // Feeds (desired, recalled) of every row to the error object and returns its value. Neither may
+  // be null (TAssertion). Throws TException when the columns of the set do not fit.
+  virtual double RecallError(const Data* in, TErrorObj* err);
+
+ protected:
+  // A network of empty simple layers without connections, layer 1 its input and the last one its
+  // output (layer 0 where there is but one).
+  // Throws TException unless 1 <= layers <= kMaxLayers.
+  explicit TBasicNetwork(int layers);
+  TBasicNetwork(const TBasicNetwork& other);
+  TBasicNetwork& operator=(const TBasicNetwork& other);
+
+ private:
+  std::size_t Cell(std::size_t to, std::size_t from) const { return to * layers_.size() + from; }
+  std::uint64_t NumPlaces() const;
+  void CheckHiddenLayer(int layer_num) const;
+
+  std::size_t input_layer_;
+  std::size_t output_layer_;
+  std::vector<std::unique_ptr<TBasicLayer>> layers_;
+  std::vector<std::unique_ptr<TBasicConnections>> blocks_;  // at Cell(to, from), null where empty
+  std::vector<std::vector<std::size_t>> sources_;           // connected from-layers of each layer
+};
+
+}  // namespace kiln

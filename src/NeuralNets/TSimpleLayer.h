@@ -1,0 +1,26 @@
+#pragma once
+
+#include "NeuralNets/TBasicLayer.h"
+
+namespace kiln {
+
+// A layer of weighted sums: the net input of a neuron is the sum, over every layer that is
+// connected to this one, of weight times output; its output is the activation function of that.
+//
+// Used as the input layer of a network it warns on the console at every recall and takes the
+// pattern in place of zeros as the start of the sums.
+class TSimpleLayer : public TBasicLayer {
+ public:
+  explicit TSimpleLayer(std::size_t neurons) : TSimpleLayer(neurons, TBasicNeuron()) {}
+
+  void Compute(std::span<const double> pattern) override;
+  std::string_view KindName() const override { return "Simple"; }
+  std::unique_ptr<TBasicLayer> Clone() const override;
+
+ protected:
+  TSimpleLayer(std::size_t neurons, const TBasicNeuron& prototype)
+      : TBasicLayer(neurons, prototype) {}
+  TSimpleLayer(const TSimpleLayer&) = default;
+};
+
+}  // namespace kiln
