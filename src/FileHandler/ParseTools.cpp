@@ -25,8 +25,8 @@ constexpr std::array<TCharClass, 256> kCharClasses = [] {
   std::array<TCharClass, 256> classes{};
   for (std::size_t c = 33; c <= 126; ++c) classes[c] = TCharClass::kWord;
   classes[','] = TCharClass::kSeparator;
-  for (const unsigned char c : {'[', ']', '/', '*', '=', '<', '>'}) {
-    classes[c] = TCharClass::kSpecial;
+  for (const char c : {'[', ']', '/', '*', '=', '<', '>'}) {
+    classes[static_cast<unsigned char>(c)] = TCharClass::kSpecial;
   }
   return classes;
 }();
