@@ -87,6 +87,9 @@ class Reader {
   // Number of characters not read yet: no more than that many values can follow.
   std::size_t Remaining() const { return text_.size() - position_; }
 
+  // Throws Error unless `token`, the one just read, is a word.
+  void CheckWord(std::string_view token) const;
+
   // Throws Error with `message` and the present place.
   [[noreturn]] void Fail(const std::string& message) const;
 
@@ -96,7 +99,6 @@ class Reader {
   ParseItem ReadTagOrStatement(std::string_view name);
   void ReadEndTag(std::string_view current_block);
   void CheckVersion(std::string_view version) const;
-  void CheckWord(std::string_view token) const;
   bool TakeClosingBracket();
   void SkipSeparators();
   void SkipComment();

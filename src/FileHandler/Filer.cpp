@@ -1,0 +1,221 @@
+#include "FileHandler/Filer.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <string_view>
+#include <vector>
+
+#include "Shared/TAssertion.h"
+#include "Shared/TException.h"
+#include "Shared/Text.h"
+
+namespace kiln::Filer {
+
+namespace {
+
+using FileTools::ParseItem;
+using FileTools::Reader;
+
+constexpr const char* kModule = "FileHandler/Filer";
+
+// The groups of columns, in the order in which the header must name them.
+struct ColumnGroup {
+  std::string_view keyword;
+  int DataHeader::*count;
+  bool may_be_labels;
+};
+constexpr ColumnGroup kGroups[] = {
+    {"Inputs", &DataHeader::inputs, false},
+    {"ExpectedOutputs", &DataHeader::expected_outputs, true},
+    {"GeneratedOutputs", &DataHeader::generated_outputs, true},
+    {"Error", &DataHeader::errors, false},
+};
+
+[[noreturn]] void FailHeader(const Reader& reader) {
+  reader.Fail("bad-header");
+}
+
+int ReadCount(const ParseItem& item, const Reader& reader, bool may_be_labels) {
+  if (EqualNoCase(item.value, "Labels")) {
+    if (may_be_labels) return kLabels;
+    throw TException("No labels in inputs", "Bad Format", "Filer::ReadHeader");
+  }
+  const std::int64_t count = FileTools::ParseInteger(item.value, reader);
+  if (count < 0 || count > std::numeric_limits<int>::max()) FailHeader(reader);
+  return static_cast<int>(count);
+}
+
+// Throws unless the rest of the text can hold the table: a value takes a character at least, a
+// label list its two brackets.
+void CheckRoom(const DataHeader& header, const Reader& reader) {
+  std::uint64_t row_size = 0;
+  for (const ColumnGroup& group : kGroups) {
+    const int count = header.*group.count;
+    row_size += count == kLabels ? 2U : static_cast<std::uint64_t>(count);
+  }
+  if (row_size > 0 && static_cast<std::uint64_t>(header.rows) > reader.Remaining() / row_size) {
+    reader.Fail("Rows = " + std::to_string(header.rows) + " is more than the file holds");
+  }
+}
+
+std::unique_ptr<Data> MakeSet(int rows, int inputs, int outputs) {
+  const bool has_labels = inputs == kLabels || outputs == kLabels;
+  return std::make_unique<Data>(rows, std::max(inputs, 0), std::max(outputs, 0), has_labels);
+}
+
+// "[up down=0.5 ]": a name alone weighs 1, one given twice weighs the sum.
+void ReadLabels(Reader& reader, LabelList& labels) {
+  labels.Clear();
+  std::string_view token = reader.ReadToken();
+  if (token.empty()) reader.Fail("Unexpected end of file");
+  if (token == "[~") reader.Fail("Unexpected End Tag");
+  Assert(token == "[", "ch == '['", kModule);
+
+  token = reader.ReadToken();
+  while (token != "]") {
+    reader.CheckWord(token);
+    const std::string_view name = token;
+    token = reader.ReadToken();
+    double weight = 1.0;
+    if (token == "=") {
+      weight = FileTools::ParseNumber(reader.ReadToken(), reader);
+      token = reader.ReadToken();
+    }
+    labels.Append(name, weight);
+  }
+}
+
+// One group of the row being read: values or a label list. It serves row after row.
+class RowGroup {
+ public:
+  explicit RowGroup(int count)
+      : values_(count == kLabels ? 0 : static_cast<std::size_t>(count)),
+        has_labels_(count == kLabels) {}
+
+  void Read(Reader& reader) {
+    if (has_labels_) ReadLabels(reader, labels_);
+    for (double& value : values_) value = ExpectNumberToken(reader.ReadItem("Data"), reader);
+  }
+
+  const std::vector<double>& Values() const { return values_; }
+  const LabelList* Labels() const { return has_labels_ ? &labels_ : nullptr; }
+
+ private:
+  std::vector<double> values_;
+  LabelList labels_;
+  bool has_labels_;
+};
+
+DataSets ReadRows(Reader& reader, const DataHeader& header) {
+  DataSets sets;
+  sets.expected = MakeSet(header.rows, header.inputs, header.expected_outputs);
+  if (header.generated_outputs != 0 || header.errors != 0) {
+    sets.generated = MakeSet(header.rows, header.generated_outputs, header.errors);
+  }
+  if (header.rows == 0) return sets;
+
+  RowGroup inputs(header.inputs);
+  RowGroup expected(header.expected_outputs);
+  RowGroup generated(header.generated_outputs);
+  RowGroup errors(header.errors);
+  for (int row = 0; row < header.rows; ++row) {
+    inputs.Read(reader);
+    expected.Read(reader);
+    generated.Read(reader);
+    errors.Read(reader);
+    sets.expected->AddRow(inputs.Values(), expected.Values(), expected.Labels());
+    if (sets.generated) {
+      sets.generated->AddRow(generated.Values(), errors.Values(), generated.Labels());
+    }
+  }
+  return sets;
+}
+
+// The tag that a text starts with; empty where it starts with anything else.
+std::string_view FirstTag(Reader& reader) {
+  try {
+    const ParseItem item = reader.ReadItem("");
+    if (item.kind == ParseItem::kStartTag) return item.name;
+  } catch (const FileTools::Error&) {
+  } catch (const TAssertion&) {
+  }
+  return {};
+}
+
+TKQstructure DescribeData(Reader& reader) {
+  ParseItem next;
+  const DataHeader header = ReadHeader(reader, next);
+  if (header.rows < 0) FailHeader(reader);
+  TKQstructure data("data");
+  data.SetLong("rows", header.rows);
+  data.SetLong("inputs", header.inputs);
+  data.SetLong("actual-outputs", header.expected_outputs);
+  data.SetLong("calc-outputs", header.generated_outputs);
+  data.SetLong("errors", header.errors);
+  return data;
+}
+
+}  // namespace
+
+DataHeader ReadHeader(Reader& reader, ParseItem& next) {
+  DataHeader header;
+  const ColumnGroup* group = std::begin(kGroups);
+  for (next = reader.ReadItem("DataSet"); next.kind == ParseItem::kStatement;
+       next = reader.ReadItem("DataSet")) {
+    if (next.unbracketed) FailHeader(reader);
+    if (EqualNoCase(next.name, "Rows")) {
+      if (header.rows >= 0) FailHeader(reader);
+      header.rows = ReadCount(next, reader, false);
+      continue;
+    }
+    group = std::find_if(group, std::end(kGroups), [&](const ColumnGroup& candidate) {
+      return EqualNoCase(next.name, candidate.keyword);
+    });
+    if (group == std::end(kGroups)) FailHeader(reader);
+    header.*group->count = ReadCount(next, reader, group->may_be_labels);
+    ++group;
+  }
+  return header;
+}
+
+DataSets Load(const std::string& path) {
+  Reader reader = Reader::FromFile(path);
+  const ParseItem first = reader.ReadItem("");
+  ExpectStartTag(first, reader);
+  ExpectStartTag(first, reader, "DataSet");
+  ParseItem next;
+  const DataHeader header = ReadHeader(reader, next);
+  Assert(header.rows >= 0, "LngRows>=0", kModule);
+  ExpectStartTag(next, reader, "Data");
+  CheckRoom(header, reader);
+
+  DataSets sets = ReadRows(reader, header);
+  for (const std::string_view block : {"Data", "DataSet", ""}) {
+    ExpectEndTag(reader.ReadItem(block), reader);
+  }
+  return sets;
+}
+
+TKQstructure DescribeFile(const std::string& path) {
+  try {
+    Reader reader = Reader::FromFile(path);
+    const std::string_view tag = FirstTag(reader);
+    if (EqualNoCase(tag, "DataSet")) return DescribeData(reader);
+    if (EqualNoCase(tag, "NeuralNetwork") || EqualNoCase(tag, "Network")) {
+      return TKQstructure("network");
+    }
+    TKQstructure unknown("unknown-header");
+    if (!tag.empty()) unknown.SetString("header", std::string(tag));
+    return unknown;
+  } catch (const FileTools::OpenError&) {
+    return TKQstructure("file-read-error");
+  } catch (const FileTools::Error&) {
+    return TKQstructure("bad-header");
+  } catch (const TException&) {
+    return TKQstructure("bad-header");
+  }
+}
+
+}  // namespace kiln::Filer
