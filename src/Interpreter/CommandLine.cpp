@@ -49,6 +49,7 @@ double ToDouble(std::string_view text) {
 // Calls `take` with each element of a list.
 template <typename TTake>
 void ForEachElement(std::string_view list, TTake take) {
+  if (TrimBlanks(list).empty()) return;
   for (;;) {
     const std::size_t comma = list.find(',');
     take(list.substr(0, std::min(comma, kLongestElement)));

@@ -55,8 +55,8 @@ class CommandLine {
   // The text between the first "(" behind the tag and the next ")".
   Reading<std::string_view> Parenthesised(std::string_view tag) const;
 
-  // The elements of the first list "{...}" behind the tag: the texts between its commas, one more
-  // than there are commas, each cut to 254 characters.
+  // The elements of the first list "{...}" behind the tag: the texts between its commas, each cut
+  // to 254 characters. A list of nothing but blanks has none.
   Reading<std::vector<std::string_view>> Words(std::string_view tag) const;
   Reading<std::vector<bool>> Booleans(std::string_view tag) const;
   Reading<std::vector<std::int64_t>> Longs(std::string_view tag) const;

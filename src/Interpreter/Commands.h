@@ -36,11 +36,43 @@ int Log(TInterpreter& interpreter, const CommandLine& line);
 int Run(TInterpreter& interpreter, const CommandLine& line);
 int Purge(TInterpreter& interpreter, const CommandLine& line);
 
+// CreateCommands.cpp
+int Create(TInterpreter& interpreter, const CommandLine& line);
+
 // ObjectCommands.cpp
 int Destroy(TInterpreter& interpreter, const CommandLine& line);
+int Copy(TInterpreter& interpreter, const CommandLine& line);
+
+// FileCommands.cpp
+int Save(TInterpreter& interpreter, const CommandLine& line);
+int Load(TInterpreter& interpreter, const CommandLine& line);
 
 // QueryCommands.cpp
 int Query(TInterpreter& interpreter, const CommandLine& line);
+
+// RowCommands.cpp
+int Append(TInterpreter& interpreter, const CommandLine& line);
+int ResetData(TInterpreter& interpreter, const CommandLine& line);
+int PurgeData(TInterpreter& interpreter, const CommandLine& line);
+
+// ManipulationCommands.cpp
+int Shuffle(TInterpreter& interpreter, const CommandLine& line);
+int Normalise(TInterpreter& interpreter, const CommandLine& line);
+int Denormalise(TInterpreter& interpreter, const CommandLine& line);
+
+// TrainCommands.cpp
+int Train(TInterpreter& interpreter, const CommandLine& line);
+int GetTrained(TInterpreter& interpreter, const CommandLine& line);
+
+// RecallCommands.cpp
+int Recall(TInterpreter& interpreter, const CommandLine& line);
+int Map(TInterpreter& interpreter, const CommandLine& line);
+int Label(TInterpreter& interpreter, const CommandLine& line);
+
+// RuleCommands.cpp
+int LabelTarn(TInterpreter& interpreter, const CommandLine& line);
+int RETarn(TInterpreter& interpreter, const CommandLine& line);
+int RITarn(TInterpreter& interpreter, const CommandLine& line);
 
 }  // namespace commands
 }  // namespace kiln

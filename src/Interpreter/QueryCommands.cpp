@@ -1,10 +1,34 @@
+#include <iterator>
+#include <sstream>
+
+#include "DataObject/Data.h"
 #include "Interpreter/Answers.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "Shared/TException.h"
 
 namespace kiln::commands {
 
 namespace {
+
+// What "query classof" calls each kind, in the order of the type tags. A Kohonen trainer has no
+// name: the query leaves the result of the command before.
+constexpr std::string_view kClassNames[] = {
+    "Data", "Tarn",  "TarnBP",    "TarnLWF", "TarnGA",     "MLP",       "Kohonen",
+    "BP",   "MLPGA", "DataStats", "",        "TarnLabels", "FuzzyRules"};
+static_assert(std::size(kClassNames) == std::variant_size_v<TObject>);
+
+// An object whose alias stands behind the word of the query.
+struct TSubject {
+  std::string_view Alias;
+  const TRegistryNode& Node;
+};
+
+TSubject Subject(const TInterpreter& interpreter, const CommandLine& line, std::string_view query) {
+  const std::string_view alias = Selector(line, query);
+  RefuseReserved(alias);
+  return {alias, RequiredEntry(interpreter, alias)};
+}
 
 int AliasExists(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "aliasexists", "cannot get argument");
@@ -12,8 +36,69 @@ int AliasExists(TInterpreter& interpreter, const CommandLine& line) {
   return kValue;
 }
 
+int ClassOf(TInterpreter& interpreter, const CommandLine& line) {
+  const int tag = Subject(interpreter, line, "classof").Node.Type();
+  const std::string_view name = kClassNames[static_cast<std::size_t>(tag) - 1];
+  if (!name.empty()) interpreter.SetResult(std::string(name));
+  return kValue;
+}
+
+std::string Structure(const Data& set) {
+  std::ostringstream text;
+  text << "inputs " << set.Inputs() << " outputs " << set.Outputs() << " rows " << set.Rows()
+       << " datarows " << set.DataRows() << " labels " << AnswerSwitch(set.HasLabels());
+  return text.str();
+}
+
+int StructureOf(TInterpreter& interpreter, const CommandLine& line) {
+  const TRegistryNode& node = Subject(interpreter, line, "structureof").Node;
+  if (const auto set = node.As<Data>()) {
+    interpreter.SetResult(Structure(*set));
+  } else {
+    Fail("no structure for this type of object");
+  }
+  return kValue;
+}
+
+// The row that the next step of the cursor leads to; the cursor stays when there is none.
+std::string StepToNextRow(Data& set) {
+  std::vector<double> inputs(static_cast<std::size_t>(set.Inputs()));
+  std::vector<double> outputs(static_cast<std::size_t>(set.Outputs()));
+  LabelList labels;
+  const int before = set.Cursor();
+  try {
+    set.Next(inputs, outputs, &labels);
+  } catch (const TException&) {
+    set.SetCursor(before);
+    throw;
+  }
+  std::vector<std::string> names;
+  std::vector<double> weights;
+  for (const LabelEntry& entry : labels.Entries()) {
+    names.push_back(entry.Name);
+    weights.push_back(entry.Value);
+  }
+  return "inputs " + AnswerArray(inputs) + " outputs " + AnswerArray(outputs) + " labels " +
+         AnswerArray(names) + " labelweights " + AnswerArray(weights);
+}
+
+int GetNextRow(TInterpreter& interpreter, const CommandLine& line) {
+  const TSubject subject = Subject(interpreter, line, "getnextrow");
+  const auto set = RequiredKind<Data>(subject.Node, subject.Alias, " is not of type Data");
+  if (set->DataRows() == 0) Fail(subject.Alias, " has no rows");
+  interpreter.SetResult(StepToNextRow(*set));
+  return kValue;
+}
+
+int GetStats(TInterpreter& interpreter, const CommandLine& line) {
+  const std::string_view alias = RequiredAlias(line, "alias");
+  RequiredKind<TDataStats>(RequiredEntry(interpreter, alias), alias, " is not of type DataStats");
+  NotYet("Data statistics");
+}
+
 constexpr TCommand kQueries[] = {
-    {"aliasexists", AliasExists},
+    {"aliasexists", AliasExists}, {"classof", ClassOf},   {"structureof", StructureOf},
+    {"getnextrow", GetNextRow},   {"getstats", GetStats},
 };
 
 }  // namespace

@@ -19,8 +19,24 @@ constexpr std::size_t kLongestScriptLine = 1023;
 constexpr int kFailed = -1;
 
 constexpr TCommand kCommands[] = {
-    {"purge", commands::Purge}, {"destroy", commands::Destroy}, {"log", commands::Log},
-    {"run", commands::Run},     {"query", commands::Query},
+    {"create", commands::Create},
+    {"map", commands::Map},
+    {"label", commands::Label},
+    {"purge", commands::Purge},
+    {"destroy", commands::Destroy},
+    {"copy", commands::Copy},
+    {"log", commands::Log},
+    {"run", commands::Run},
+    {"query", commands::Query},
+    {"append", commands::Append},
+    {"resetdata", commands::ResetData},
+    {"purgedata", commands::PurgeData},
+    {"shuffle", commands::Shuffle},
+    {"normalise", commands::Normalise},
+    {"denormalise", commands::Denormalise},
+    {"labeltarn", commands::LabelTarn},
+    {"retarn", commands::RETarn},
+    {"ritarn", commands::RITarn},
 };
 
 // Counts a script for as long as it runs.

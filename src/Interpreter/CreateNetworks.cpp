@@ -1,0 +1,53 @@
+#include "Interpreter/Checks.h"
+#include "Interpreter/CreateCommands.h"
+
+namespace kiln::commands {
+
+int CreateMLP(TInterpreter& interpreter, const CommandLine& line) {
+  const std::string_view alias = RequiredAlias(line, "alias", "alias tag not found");
+  if (interpreter.Exists(alias)) Fail("alias already exists");
+  const std::int64_t inputs = Required(line.Long("inputs"), "number of inputs not specified");
+  const std::int64_t layers = Required(line.Long("layers"), "number of layers not specified");
+  const char* const bad_hidden = "number of hidden nodes not specified or bad format";
+  const std::vector<std::int64_t> hidden = Required(line.Longs("hidden"), bad_hidden);
+  if (std::ssize(hidden) + 2 != layers) Fail(bad_hidden);
+  const std::int64_t outputs = Required(line.Long("outputs"), "number of outputs not specified");
+  const bool bias = RequiredBoolean(line, "bias");
+
+  std::vector<int> sizes = {AtLeast(1, inputs, "inputs")};
+  for (const std::int64_t size : hidden) sizes.push_back(AtLeast(1, size, "hidden"));
+  sizes.push_back(AtLeast(1, outputs, "outputs"));
+  static_cast<void>(bias);
+  NotYet("Perceptrons");
+}
+
+int CreateTarn(TInterpreter& interpreter, const CommandLine& line) {
+  RequiredNewAlias(interpreter, line, "alias");
+  const std::int64_t inputs = Required(line.Long("inputs"), "tag inputs not found");
+  const std::vector<std::int64_t> conditions =
+      Required(line.Longs("condition"), "tag condition not found");
+  if (std::ssize(conditions) != inputs) {
+    Fail("number of inputs does not match number of condition elements");
+  }
+  Required(line.Long("rules"), "tag rules not found");
+  const std::int64_t outputs = Required(line.Long("outputs"), "tag outputs not found");
+  const std::vector<std::int64_t> actions =
+      Required(line.Longs("action"), "unable to find tag action");
+  if (std::ssize(actions) != outputs) {
+    Fail("number of outputs does not match number of action elements");
+  }
+  NotYet("Tarn networks");
+}
+
+int CreateKohonen(TInterpreter& interpreter, const CommandLine& line) {
+  RequiredNewAlias(interpreter, line, "alias");
+  Required(line.Long("inputs"), "tag inputs not found");
+  const std::int64_t dimensions = Required(line.Long("dimensions"), "tag dimensions not found");
+  const std::vector<std::int64_t> sizes = Required(line.Longs("mapdim"), "tag mapdim not found");
+  if (std::ssize(sizes) != dimensions) {
+    Fail("Number of dimensions does not match number of array elements");
+  }
+  NotYet("Kohonen maps");
+}
+
+}  // namespace kiln::commands

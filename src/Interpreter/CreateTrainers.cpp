@@ -1,0 +1,45 @@
+#include "Interpreter/Checks.h"
+#include "Interpreter/CreateCommands.h"
+
+namespace kiln::commands {
+
+int CreateBPTrainer(TInterpreter& interpreter, const CommandLine& line) {
+  const std::string_view alias = RequiredAlias(line, "alias", "cannot find alias tag");
+  if (interpreter.Exists(alias)) Fail(alias, " already exists");
+  const std::string_view name = RequiredAlias(line, "network", "cannot find network tag");
+  const TRegistryNode* network = interpreter.Find(name);
+  if (!network) Fail("cannot find network ", name);
+  Fail("cannot BP train this object");
+}
+
+int CreateLWFTrainer(TInterpreter& interpreter, const CommandLine& line) {
+  RequiredNewAlias(interpreter, line, "alias");
+  const std::string_view name = RequiredAlias(line, "network");
+  const TRegistryNode* network = interpreter.Find(name);
+  if (!network) Fail("object ", name, " does not exist");
+  if (!network->As<TTarn>()) Fail("object ", name, " is not of type Tarn");
+  NotYet("LWF trainers");
+}
+
+int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {
+  RequiredNewAlias(interpreter, line, "alias");
+  const TRegistryNode& network = RequiredEntry(interpreter, RequiredAlias(line, "network"));
+  if (!network.As<TMLPNetwork>() && !network.As<TTarn>()) {
+    Fail("cannot GA train this type of object");
+  }
+  const double minimum = Required(line.Double("minweight"), "tag minweight not found");
+  const double maximum = Required(line.Double("maxweight"), "tag maxweight not found");
+  if (!(minimum < maximum)) Fail("minweight must be < maxweight");
+  AtLeast(1, Required(line.Long("population"), "tag population not found"), "population");
+  NotYet("Genetic trainers");
+}
+
+int CreateKohonenTrainer(TInterpreter& interpreter, const CommandLine& line) {
+  RequiredNewAlias(interpreter, line, "alias");
+  const std::string_view name = RequiredAlias(line, "network");
+  RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
+                                " is not a Kohonen network");
+  NotYet("Kohonen trainers");
+}
+
+}  // namespace kiln::commands

@@ -1,0 +1,87 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DataObject/Data.h"
+#include "Interpreter/CommandLine.h"
+#include "Interpreter/TInterpreter.h"
+
+namespace kiln {
+namespace {
+
+TEST(Registry, KeepsEntriesInTheOrderOfTheirFoldedAliases) {
+  TObjectRegistry registry;
+  const auto set = std::make_shared<Data>(1, 1, 0, false);
+  for (const char* alias : {"b", "_", "C", "a", "B", "\xff", "Z"}) registry.Insert({alias, set});
+  registry.Remove("z");
+  registry.Remove("absent");
+  std::vector<std::string> aliases;
+  for (const TRegistryNode& node : registry) aliases.push_back(node.Alias());
+  EXPECT_EQ(aliases, (std::vector<std::string>{"_", "a", "b", "B", "C", "\xff"}));
+  ASSERT_TRUE(registry.Find("A"));
+  EXPECT_EQ(registry.Find("A")->Type(), 1);
+  EXPECT_EQ(registry.Find("A")->As<Data>(), set);
+  EXPECT_FALSE(registry.Find("A")->As<TTarn>());
+}
+
+TEST(Registry, ReservesTheWordsThatCommandsSearchFor) {
+  for (const char* word : {"ACTION", "tarnlabels", "neighbourhood", "ThresholdIn", "train"})
+    EXPECT_TRUE(TObjectRegistry::IsReserved(word)) << word;
+  for (const char* word : {"log", "append", "ritarn", "LearningRate", "Momentum", "crossover",
+                           "Params", "Tournament", "seed", "trai", "trains", ""})
+    EXPECT_FALSE(TObjectRegistry::IsReserved(word)) << word;
+}
+
+TEST(CommandLine, FindsTagsAsWholeWordsFromTheLeft) {
+  EXPECT_EQ(CommandLine("create Data alias alias inputs 2").Word("alias").Value, "alias");
+  EXPECT_EQ(CommandLine("x myalias a aliased b alias   c d").Word("alias").Value, "c");
+  EXPECT_EQ(CommandLine("alias c").Word("alias").Value, "c");
+  EXPECT_EQ(CommandLine("a rows 1 rows 2").Long("rows").Value, 1);
+  for (const char* line : {"", "x", "alias", "x Alias c", "x\talias c", "x alias", "x alias   "})
+    EXPECT_EQ(CommandLine(line).Word("alias").Code, ReadCode::kTagAbsent) << line;
+  EXPECT_EQ(CommandLine("  two words").CommandWord(), "two");
+  EXPECT_EQ(CommandLine("a " + std::string(90, 'x')).Word("a").Value.size(), 80U);
+}
+
+TEST(CommandLine, ConvertsWithoutComplaint) {
+  EXPECT_EQ(CommandLine("n 12abc").Long("n").Value, 12);
+  EXPECT_EQ(CommandLine("n abc").Long("n").Value, 0);
+  EXPECT_EQ(CommandLine("n -99999999999999999999").Long("n").Value, INT64_MIN);
+  EXPECT_DOUBLE_EQ(CommandLine("n +.5e1,").Double("n").Value, 5.0);
+  EXPECT_TRUE(CommandLine("b ON").Boolean("b").Value);
+  EXPECT_FALSE(CommandLine("b False").Boolean("b").Value);
+  EXPECT_EQ(CommandLine("b yes").Boolean("b").Code, ReadCode::kNotABoolean);
+  EXPECT_EQ(CommandLine("seed inputs seed 1x seed -7 seed 8").WholeNumber("seed"), -7);
+  EXPECT_FALSE(CommandLine("alias seed network seed").WholeNumber("seed"));
+}
+
+TEST(CommandLine, ReadsListsAndParentheses) {
+  const CommandLine line("f (a b) l { 1,x , 3} b {on, OFF } bad {on, 2} empty { } open {1");
+  EXPECT_EQ(line.Parenthesised("f").Value, "a b");
+  EXPECT_EQ(line.Parenthesised("l").Code, ReadCode::kNoParentheses);
+  EXPECT_EQ(line.Parenthesised("F").Code, ReadCode::kTagAbsent);
+  EXPECT_EQ(line.Longs("l").Value, (std::vector<std::int64_t>{1, 0, 3}));
+  EXPECT_EQ(line.Words("l").Value, (std::vector<std::string_view>{" 1", "x ", " 3"}));
+  EXPECT_EQ(line.Booleans("b").Value, (std::vector<bool>{true, false}));
+  EXPECT_EQ(line.Booleans("bad").Code, ReadCode::kNotABoolean);
+  EXPECT_EQ(line.Doubles("empty").Code, ReadCode::kRead);
+  EXPECT_TRUE(line.Doubles("empty").Value.empty());
+  EXPECT_EQ(line.Doubles("open").Code, ReadCode::kTagAbsent);
+  EXPECT_EQ(CommandLine("l {" + std::string(300, '1') + "}").Words("l").Value[0].size(), 254U);
+}
+
+TEST(Interpreter, AnErrorLeavesTheCursorOfAWrappedSetWhereItWas) {
+  TInterpreter interpreter;
+  auto set = std::make_shared<Data>(5, 1, 0, false);
+  for (double value = 0; value < 7; ++value) set->AddRow({&value, 1}, {});
+  interpreter.Insert({"d", set});
+  set->SetCursor(3);  // one step leads behind the last position
+  EXPECT_EQ(interpreter.Execute("query getnextrow d"), -1);
+  EXPECT_EQ(interpreter.GetError(), "Invalid Data Row Bad Parameter Data::GetInputRow");
+  EXPECT_EQ(set->Cursor(), 3);
+}
+
+}  // namespace
+}  // namespace kiln
