@@ -20,6 +20,8 @@ constexpr int kFailed = -1;
 
 constexpr TCommand kCommands[] = {
     {"create", commands::Create},
+    {"save", commands::Save},
+    {"load", commands::Load},
     {"map", commands::Map},
     {"label", commands::Label},
     {"purge", commands::Purge},
