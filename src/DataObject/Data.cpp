@@ -12,13 +12,12 @@ namespace {
 
 constexpr char kModule[] = "DataObject/Data";
 
-// The counts of a set, passed on when it can be held.
+// The number of rows of a set, passed on when such a set can be.
 int CheckedRows(std::int64_t rows, std::int64_t inputs, std::int64_t outputs) {
-  const bool negative = rows < 0 || inputs < 0 || outputs < 0;
-  // At least one row is counted, so that the columns are bounded too. The product of 31-bit counts
-  // fits in 64 bits.
-  const std::int64_t numbers = std::max<std::int64_t>(rows, 1) * (inputs + outputs);
-  if (negative || rows > Data::kMaxNumbers || numbers > Data::kMaxNumbers)
+  const auto fits = [](std::int64_t n) { return n >= 0 && n <= Data::kMaxNumbers; };
+  // At least one row is counted, so that columns alone are bounded too.
+  if (!fits(rows) || !fits(inputs) || !fits(outputs) ||
+      !fits(std::max<std::int64_t>(rows, 1) * (inputs + outputs)))
     throw TException("Invalid Data Size", "Bad Parameter", "Data::Data");
   return static_cast<int>(rows);
 }
@@ -35,11 +34,11 @@ std::span<T> RowOfBlock(std::span<T> block, int index, int columns) {
 
 }  // namespace
 
-Data::Data(int rows, int inputs, int outputs, bool has_labels)
+Data::Data(std::int64_t rows, std::int64_t inputs, std::int64_t outputs, bool has_labels)
     : MbrNdxRows(CheckedRows(rows, inputs, outputs)),
       MbrBolHasLabels(has_labels),
-      MbrSidInputs(rows, inputs, "Invalid Input Data Column"),
-      MbrSidOutputs(rows, outputs, "Invalid Output Data Column"),
+      MbrSidInputs(MbrNdxRows, static_cast<int>(inputs), "Invalid Input Data Column"),
+      MbrSidOutputs(MbrNdxRows, static_cast<int>(outputs), "Invalid Output Data Column"),
       MbrDyaLabels(has_labels ? static_cast<std::size_t>(rows) : 0) {}
 
 void Data::CheckRow(int row, const char* function) const {
@@ -75,6 +74,13 @@ void Data::AddBlock(std::span<const double> inputs, std::span<const double> outp
     const auto list = RowOfBlock(labels, i, 1);
     AddRow(RowOfBlock(inputs, i, Inputs()), RowOfBlock(outputs, i, Outputs()),
            list.empty() ? nullptr : list.data());
+  }
+}
+
+void Data::AddRows(const Data& source, int first, int count) {
+  for (int n = first; n < first + count; ++n) {
+    const DataRow row = source.Row(n);
+    AddRow(row.Inputs, row.Outputs, row.Labels);
   }
 }
 

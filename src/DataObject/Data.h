@@ -40,7 +40,7 @@ class Data {
   // An empty set of `rows` positions; column counts of 0 are sides without values.
   // Throws TException "Invalid Data Size" ("Bad Parameter") if a count is negative or the set would
   // have more than kMaxNumbers rows, columns or values; std::bad_alloc.
-  Data(int rows, int inputs, int outputs, bool has_labels);
+  Data(std::int64_t rows, std::int64_t inputs, std::int64_t outputs, bool has_labels);
   Data(const Data&) = delete;
   virtual ~Data() = default;
 
@@ -82,6 +82,11 @@ class Data {
   // a list for each. Throws and requires what AddRow does for each row.
   void AddBlock(std::span<const double> inputs, std::span<const double> outputs, int count,
                 std::span<const LabelList> labels = {});
+
+  // Appends `count` rows of another set, counted from its oldest, from its row `first` on; labels
+  // only when both sets carry them. Throws what AddRow does.
+  // REQUIRES: the rows exist, and the sets have the same columns.
+  void AddRows(const Data& source, int first, int count);
 
   // Overwrites the values at a position; an empty span leaves the side as it is. The labels become
   // a copy of `labels`, none when it is null.

@@ -1,0 +1,110 @@
+#include "DataTools/DataManip/TDataManip.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <iterator>
+#include <numeric>
+
+#include "DataTools/DataManip/ManipChecks.h"
+
+namespace kiln {
+
+namespace {
+
+void CheckColumns(std::span<const int> columns, int available) {
+  const auto missing = [available](int column) { return column < 0 || column >= available; };
+  if (columns.size() > static_cast<std::size_t>(available) ||
+      std::any_of(columns.begin(), columns.end(), missing))
+    ThrowManip("Invalid data column", "Extract");
+}
+
+void Pick(std::span<const double> row, std::span<const int> columns, std::span<double> out) {
+  std::transform(columns.begin(), columns.end(), out.begin(),
+                 [row](int column) { return row[static_cast<std::size_t>(column)]; });
+}
+
+// Rows first, first + 1, ... of the source, as long as there are `steps` rows in `direction` (1 or
+// -1) from each, with the inputs of these rows side by side.
+std::unique_ptr<Data> StackRows(const Data& source, int steps, int first, int direction,
+                                const char* operation) {
+  if (steps < 1) ThrowManip("Invalid number of time steps", operation);
+  if (source.DataRows() < steps) ThrowManip("Insufficient rows", operation);
+  if (steps == 1) return source.Clone();
+  const int rows = source.DataRows() - (steps - 1);
+  auto result = std::make_unique<Data>(rows, std::int64_t{source.Inputs()} * steps,
+                                       source.Outputs(), source.HasLabels());
+  std::vector<double> inputs(static_cast<std::size_t>(result->Inputs()));
+  for (int n = first; n < first + rows; ++n) {
+    auto block = inputs.begin();
+    for (int k = 0; k < steps; ++k) {
+      const auto step = source.Row(n + direction * k).Inputs;
+      block = std::copy(step.begin(), step.end(), block);
+    }
+    const DataRow row = source.Row(n);
+    result->AddRow(inputs, row.Outputs, row.Labels);
+  }
+  return result;
+}
+
+}  // namespace
+
+std::unique_ptr<Data> TDataManip::TimeStepLag(const Data* source, int lag) {
+  return StackRows(CheckedSource(source, "TimeStepLag"), lag, lag - 1, -1, "TimeStepLag");
+}
+
+std::unique_ptr<Data> TDataManip::TimeStepAdvance(const Data* source, int steps) {
+  return StackRows(CheckedSource(source, "TimeStepAdvance"), steps, 0, 1, "TimeStepAdvance");
+}
+
+std::unique_ptr<Data> TDataManip::Extract(const Data* source, std::span<const int> columns) {
+  std::vector<int> outputs(static_cast<std::size_t>(CheckedSource(source, "Extract").Outputs()));
+  std::iota(outputs.begin(), outputs.end(), 0);
+  return Extract(source, columns, outputs);
+}
+
+std::unique_ptr<Data> TDataManip::Extract(const Data* source, std::span<const int> input_columns,
+                                          std::span<const int> output_columns) {
+  const Data& from = CheckedSource(source, "Extract");
+  CheckColumns(input_columns, from.Inputs());
+  CheckColumns(output_columns, from.Outputs());
+  std::vector<double> inputs(input_columns.size());
+  std::vector<double> outputs(output_columns.size());
+  auto result = std::make_unique<Data>(from.Rows(), std::ssize(inputs), std::ssize(outputs),
+                                       from.HasLabels());
+  for (int n = 0; n < from.DataRows(); ++n) {
+    const DataRow row = from.Row(n);
+    Pick(row.Inputs, input_columns, inputs);
+    Pick(row.Outputs, output_columns, outputs);
+    result->AddRow(inputs, outputs);
+  }
+  return result;
+}
+
+std::unique_ptr<Data> TDataManip::GetFirstRows(int n, const Data* source) {
+  const Data& from = CheckedSource(source, "GetFirstRows");
+  if (from.DataRows() < n) ThrowManip("Insufficient rows", "GetFirstRows");
+  auto result = std::make_unique<Data>(n, from.Inputs(), from.Outputs(), from.HasLabels());
+  result->AddRows(from, 0, n);
+  return result;
+}
+
+std::vector<std::unique_ptr<Data>> TDataManip::Divide(const Data* source,
+                                                      std::span<const int> rows_per_subset) {
+  if (rows_per_subset.empty()) ThrowManip("Invalid number of subsets", "Divide");
+  const Data& from = CheckedSource(source, "Divide");
+  if (*std::min_element(rows_per_subset.begin(), rows_per_subset.end()) < 1)
+    ThrowManip("Invalid number of subset rows", "Divide");
+  if (std::accumulate(rows_per_subset.begin(), rows_per_subset.end(), std::int64_t{0}) >
+      from.DataRows())
+    ThrowManip("Total subset rows exceeds data rows in source", "Divide");
+  std::vector<std::unique_ptr<Data>> subsets;
+  int first = 0;
+  for (const int rows : rows_per_subset) {
+    subsets.push_back(std::make_unique<Data>(rows, from.Inputs(), from.Outputs(), false));
+    subsets.back()->AddRows(from, first, rows);
+    first += rows;
+  }
+  return subsets;
+}
+
+}  // namespace kiln

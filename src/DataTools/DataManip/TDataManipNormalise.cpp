@@ -1,0 +1,44 @@
+#include "DataTools/DataManip/TDataManip.h"
+
+#include "DataTools/DataManip/ManipChecks.h"
+
+namespace kiln {
+
+namespace {
+
+using TMapping = void (ColumnBounds::*)(std::span<double>) const;
+
+// The source with each side's values mapped by its bounds.
+std::unique_ptr<Data> Map(const Data* source, const ColumnBounds& input_bounds,
+                          const ColumnBounds& output_bounds, TMapping mapping,
+                          const char* operation) {
+  const Data& from = CheckedSource(source, operation);
+  if (!input_bounds.Fits(from.Inputs()) || !output_bounds.Fits(from.Outputs()))
+    ThrowManip("Invalid number of bounds", operation);
+  auto result =
+      std::make_unique<Data>(from.DataRows(), from.Inputs(), from.Outputs(), from.HasLabels());
+  std::vector<double> inputs, outputs;
+  for (int n = 0; n < from.DataRows(); ++n) {
+    const DataRow row = from.Row(n);
+    inputs.assign(row.Inputs.begin(), row.Inputs.end());
+    outputs.assign(row.Outputs.begin(), row.Outputs.end());
+    (input_bounds.*mapping)(inputs);
+    (output_bounds.*mapping)(outputs);
+    result->AddRow(inputs, outputs, row.Labels);
+  }
+  return result;
+}
+
+}  // namespace
+
+std::unique_ptr<Data> TDataManip::Normalise(const Data* source, const ColumnBounds& inputs,
+                                            const ColumnBounds& outputs) {
+  return Map(source, inputs, outputs, &ColumnBounds::Normalise, "Normalise");
+}
+
+std::unique_ptr<Data> TDataManip::Denormalise(const Data* source, const ColumnBounds& inputs,
+                                              const ColumnBounds& outputs) {
+  return Map(source, inputs, outputs, &ColumnBounds::Denormalise, "Denormalise");
+}
+
+}  // namespace kiln

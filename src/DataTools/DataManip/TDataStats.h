@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "DataObject/Data.h"
+#include "DataTools/DataManip/SideStats.h"
+
+namespace kiln {
+
+// Largest and smallest value, the position of the row of each, and average of every column of a
+// data set. They follow the set: what is asked for after a change is computed anew. A set without
+// rows leaves the figures as they were, at first zeros. Of rows with the same extreme the oldest
+// counts.
+//
+// Computing looks at whole rows and gives up the set's column selections for that; stepping through
+// the set starts over.
+//
+// Every getter of one column throws TException "Invalid Input Data Column" or "Invalid Output Data
+// Column" ("Invalid Data Output Column" in GetMinOutputRow) of category "Bad Parameter" for a
+// column below 0 or beyond the number of columns; the number itself is accepted and gives 0.
+class TDataStats {
+ public:
+  // REQUIRES: there is a source. It lives at least as long as its statistics.
+  explicit TDataStats(std::shared_ptr<Data> source);
+
+  double GetMaxInputs(int column);
+  double GetMinInput(int column);
+  int GetMaxInputRow(int column);
+  int GetMinInputRow(int column);
+  double GetAverageInput(int column);
+
+  double GetMaxOutput(int column);
+  double GetMinOutput(int column);
+  int GetMaxOutputRow(int column);
+  int GetMinOutputRow(int column);
+  double GetAverageOutput(int column);
+
+  // One value a column.
+  std::vector<double> GetInputMaxima();
+  std::vector<double> GetInputMinima();
+  std::vector<double> GetInputAverages();
+  std::vector<double> GetOutputMaxima();
+  std::vector<double> GetOutputMinima();
+  std::vector<double> GetOutputAverages();
+
+ private:
+  // A side's figures as the source is now.
+  const SideStats& Inputs();
+  const SideStats& Outputs();
+  void Update();
+
+  std::shared_ptr<Data> PtrDatSource;
+  SideStats MbrStsInputs;
+  SideStats MbrStsOutputs;
+  std::optional<int> MbrNdxChangeCount;  // of the source when the figures were computed
+};
+
+}  // namespace kiln

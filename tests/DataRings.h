@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DataObject/Data.h"
+#include "Shared/TException.h"
+
+namespace kiln {
+
+using TRow = std::vector<double>;
+using TList = std::vector<int>;
+
+// A ring of `rows` positions to which the rows (n, n + 0.5) -> -n, n = 1..count, were added, each
+// with the label "row" of weight n.
+inline std::shared_ptr<Data> MakeRing(int rows, int count) {
+  auto data = std::make_shared<Data>(rows, 2, 1, true);
+  for (double n = 1; n <= count; ++n) {
+    LabelList labels;
+    labels.Append("row", n);
+    data->AddRow(TRow{n, n + 0.5}, TRow{-n}, &labels);
+  }
+  return data;
+}
+
+// What `operation` throws, or nothing.
+template <typename TOperation>
+std::string FailureOf(const TOperation& operation) {
+  try {
+    operation();
+  } catch (const TException& failure) {
+    return failure.what();
+  }
+  return "";
+}
+
+}  // namespace kiln
