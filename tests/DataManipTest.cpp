@@ -71,7 +71,7 @@ TEST(DataManipTest, RefusesWhatTheSourceCannotGive) {
   };
   const std::vector<const Data*> sources{source, &other};
   refused("Insufficient rows", [&] { TDataManip::TimeStepLag(source, 11); });
-  refused("Invalid number of time steps", [&] { TDataManip::TimeStepAdvance(source, -1); });
+  refused("Invalid number of time steps", [&] { TDataManip::TimeStepLag(source, -1); });
   refused("Invalid data column", [&] { TDataManip::Extract(source, TList{0}, TList{-1}); });
   refused("Invalid Data Size", [&] { TDataManip::GetFirstRows(-1, source); });
   refused("Data source null Null Pointer", [&] { TDataManip::Divide(nullptr, TList{0}); });

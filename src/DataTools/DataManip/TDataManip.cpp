@@ -23,13 +23,14 @@ void Pick(std::span<const double> row, std::span<const int> columns, std::span<d
                  [row](int column) { return row[static_cast<std::size_t>(column)]; });
 }
 
-// Rows first, first + 1, ... of the source, as long as there are `steps` rows in `direction` (1 or
-// -1) from each, with the inputs of these rows side by side.
-std::unique_ptr<Data> StackRows(const Data& source, int steps, int first, int direction,
+// The rows of the source from which there are `steps` rows in `direction` (1 forward, -1 back), the
+// row itself counted, each with the inputs of these rows side by side.
+std::unique_ptr<Data> StackRows(const Data& source, int steps, int direction,
                                 const char* operation) {
   if (steps < 1) ThrowManip("Invalid number of time steps", operation);
   if (source.DataRows() < steps) ThrowManip("Insufficient rows", operation);
   if (steps == 1) return source.Clone();
+  const int first = direction > 0 ? 0 : steps - 1;
   const int rows = source.DataRows() - (steps - 1);
   auto result = std::make_unique<Data>(rows, std::int64_t{source.Inputs()} * steps,
                                        source.Outputs(), source.HasLabels());
@@ -49,11 +50,11 @@ std::unique_ptr<Data> StackRows(const Data& source, int steps, int first, int di
 }  // namespace
 
 std::unique_ptr<Data> TDataManip::TimeStepLag(const Data* source, int lag) {
-  return StackRows(CheckedSource(source, "TimeStepLag"), lag, lag - 1, -1, "TimeStepLag");
+  return StackRows(CheckedSource(source, "TimeStepLag"), lag, -1, "TimeStepLag");
 }
 
 std::unique_ptr<Data> TDataManip::TimeStepAdvance(const Data* source, int steps) {
-  return StackRows(CheckedSource(source, "TimeStepAdvance"), steps, 0, 1, "TimeStepAdvance");
+  return StackRows(CheckedSource(source, "TimeStepAdvance"), steps, 1, "TimeStepAdvance");
 }
 
 std::unique_ptr<Data> TDataManip::Extract(const Data* source, std::span<const int> columns) {

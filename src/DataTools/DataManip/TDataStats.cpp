@@ -88,7 +88,7 @@ double TDataStats::GetAverageInput(int column) {
 }
 
 double TDataStats::GetMaxOutput(int column) {
-  // One colon: programs may know the message by it.
+  // The single colon is part of the fixed text.
   return FigureOf(Outputs().DyaMaxima, column, kOutputColumn, "TDataStats:GetMaxOutput");
 }
 
