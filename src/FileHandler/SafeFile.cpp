@@ -50,11 +50,17 @@ class TemporaryFile {
 
   const fs::path& Path() const { return path_; }
 
-  // Puts the file in the place of `target`, whose status is `old`.
-  bool Replace(const fs::path& target, fs::file_status old) {
+  // Before anything is written: nobody shall read more than the old file showed.
+  bool TakePermissions(fs::file_status old) const {
     std::error_code error;
     if (fs::exists(old)) fs::permissions(path_, old.permissions(), error);
-    if (!error) fs::rename(path_, target, error);
+    return !error;
+  }
+
+  // Puts the file in the place of `target`.
+  bool Replace(const fs::path& target) {
+    std::error_code error;
+    fs::rename(path_, target, error);
     if (!error) path_.clear();
     return !error;
   }
@@ -96,9 +102,9 @@ void SaveFile(const std::string& path, const std::function<void(Writer&)>& write
   if (fs::exists(old) && !IsWritable(target)) throw SaveError(path);
 
   TemporaryFile temporary(target, path);
-  if (!WriteThrough(temporary.Path(), write) || !temporary.Replace(target, old)) {
-    throw SaveError(path);
-  }
+  const bool saved = temporary.TakePermissions(old) && WriteThrough(temporary.Path(), write) &&
+                     temporary.Replace(target);
+  if (!saved) throw SaveError(path);
 }
 
 }  // namespace kiln::FileTools
