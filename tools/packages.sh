@@ -34,10 +34,10 @@ install_missing() {
   local package updated=
   for package in "$@"; do
     have "$package" && continue
-    [ -n "$updated" ] || apt update >/dev/null 2>&1 </dev/null
+    [ -n "$updated" ] || apt update >/dev/null 2>&1 </dev/null || true
     updated=yes
     printf 'Installing %s\n' "$package"
-    apt install --no-install-recommends "$package" >/dev/null 2>&1 </dev/null
+    apt install --no-install-recommends "$package" >/dev/null 2>&1 </dev/null || true
   done
 }
 
