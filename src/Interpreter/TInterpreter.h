@@ -18,7 +18,7 @@ class TInterpreter : public TObjectRegistry {
   // Runs one command. Returns a negative code for a failure, which GetError() explains, a positive
   // one for a command with a value, which GetResult() holds, and 0 for any other. An open
   // transcript takes the line and its answer.
-  int Execute(std::string_view line);
+  int Execute(std::string_view text);
 
   // The messages of the latest command that had one of the kind.
   const std::string& GetError() const { return error_message_; }
