@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <memory>
 #include <system_error>
 #include <utility>
@@ -26,18 +27,16 @@ fs::path FollowLinks(fs::path path) {
 // A new file in the directory of a target. It is removed at the end unless it took its place.
 class TemporaryFile {
  public:
-  // Throws SaveError, for `path` as the user gave it.
-  TemporaryFile(const fs::path& target, const std::string& path) {
+  explicit TemporaryFile(const fs::path& target) {
     constexpr int kMaxTries = 1000;  // files left behind by a crash, or other saves at work
-    for (int i = 0; i < kMaxTries; ++i) {
-      path_ = target.parent_path() / (".kiln-save-" + std::to_string(i));
+    for (int i = 0; i < kMaxTries && path_.empty(); ++i) {
+      const fs::path path = target.parent_path() / (".kiln-save-" + std::to_string(i));
       // Mode "x" alone tells whether the file is new.
-      if (std::FILE* file = std::fopen(path_.c_str(), "wx")) {
+      if (std::FILE* file = std::fopen(path.c_str(), "wx")) {
         std::fclose(file);
-        return;
+        path_ = path;
       }
     }
-    throw SaveError(path);
   }
 
   ~TemporaryFile() {
@@ -48,6 +47,7 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
+  bool WasMade() const { return !path_.empty(); }
   const fs::path& Path() const { return path_; }
 
   // Before anything is written: nobody shall read more than the old file showed.
@@ -69,14 +69,18 @@ class TemporaryFile {
   fs::path path_;
 };
 
-// Whether all of the text reached the file system.
-bool WriteThrough(const fs::path& path, const std::function<void(Writer&)>& write) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  if (!file) return false;
+// Both tell whether all of the text reached the system.
+bool WriteTo(std::ostream& out, const std::function<void(Writer&)>& write) {
   {
-    Writer writer(file);
+    Writer writer(out);
     write(writer);
   }
+  return !out.flush().fail();
+}
+
+bool WriteThrough(const fs::path& path, const std::function<void(Writer&)>& write) {
+  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+  if (!file || !WriteTo(file, write)) return false;
   file.close();
   return !file.fail();
 }
@@ -85,26 +89,34 @@ bool IsWritable(const fs::path& path) {
   return std::ofstream(path, std::ios::app).is_open();
 }
 
+// Puts the text in the place of `target`, a file or nothing yet, and tells whether that went well.
+bool Replace(const fs::path& target, fs::file_status old,
+             const std::function<void(Writer&)>& write) {
+  // Renaming would get past the write protection of the old file.
+  if (fs::exists(old) && !IsWritable(target)) return false;
+  TemporaryFile temporary(target);
+  return temporary.WasMade() && temporary.TakePermissions(old) &&
+         WriteThrough(temporary.Path(), write) && temporary.Replace(target);
+}
+
+// Writes to the file that `path` leads to in the way that its kind asks for.
+bool Save(const std::string& path, const std::function<void(Writer&)>& write) {
+  // Where the output is sent to a file, this path leads there, and the file must not be replaced.
+  if (path == "/dev/stdout") return WriteTo(std::cout, write);
+  const fs::path target = FollowLinks(path);
+  std::error_code missing;
+  const fs::file_status old = fs::status(target, missing);
+  if (fs::exists(old) && !fs::is_regular_file(old)) return WriteThrough(target, write);
+  return Replace(target, old, write);
+}
+
 }  // namespace
 
 SaveError::SaveError(const std::string& path)
     : TException("cannot save to file " + path, "File Error", "FileTools::SaveFile") {}
 
 void SaveFile(const std::string& path, const std::function<void(Writer&)>& write) {
-  const fs::path target = FollowLinks(path);
-  std::error_code missing;
-  const fs::file_status old = fs::status(target, missing);
-  if (fs::exists(old) && !fs::is_regular_file(old)) {
-    if (!WriteThrough(target, write)) throw SaveError(path);
-    return;
-  }
-  // Renaming would get past the write protection of the old file.
-  if (fs::exists(old) && !IsWritable(target)) throw SaveError(path);
-
-  TemporaryFile temporary(target, path);
-  const bool saved = temporary.TakePermissions(old) && WriteThrough(temporary.Path(), write) &&
-                     temporary.Replace(target);
-  if (!saved) throw SaveError(path);
+  if (!Save(path, write)) throw SaveError(path);
 }
 
 }  // namespace kiln::FileTools
