@@ -165,6 +165,7 @@ TEST_F(FilerTest, TellsKindsOfFilesApart) {
        "(data :rows 7 :inputs 0 :actual-outputs -1 :calc-outputs 0 :errors 2)"},
       {"[DataSet][Error = 2][Inputs = 1]", "bad-header"},
       {"[DataSet][Rows = Labels]", "bad-header"},
+      {"[DataSet]]", "bad-header"},
       {"[NeuralNetwork]", "network"},
       {"[FuzzyRules]", "(unknown-header :header FuzzyRules)"},
       {"]", "unknown-header"},

@@ -4,7 +4,9 @@
 #include <cstdint>
 #include <iterator>
 #include <limits>
+#include <optional>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "Shared/TAssertion.h"
@@ -133,15 +135,16 @@ DataSets ReadRows(Reader& reader, const DataHeader& header) {
   return sets;
 }
 
-// The tag that a text starts with; empty where it starts with anything else.
-std::string_view FirstTag(Reader& reader) {
+// What `read` gives, or nothing where the text is faulty.
+template <typename Read>
+std::optional<std::invoke_result_t<Read>> Attempt(Read read) {
   try {
-    const ParseItem item = reader.ReadItem("");
-    if (item.kind == ParseItem::kStartTag) return item.name;
+    return read();
   } catch (const FileTools::Error&) {
+  } catch (const TException&) {
   } catch (const TAssertion&) {
   }
-  return {};
+  return std::nullopt;
 }
 
 TKQstructure DescribeData(Reader& reader) {
@@ -155,6 +158,21 @@ TKQstructure DescribeData(Reader& reader) {
   data.SetLong("calc-outputs", header.generated_outputs);
   data.SetLong("errors", header.errors);
   return data;
+}
+
+TKQstructure Describe(Reader& reader) {
+  const auto first = Attempt([&] { return reader.ReadItem(""); });
+  const bool has_tag = first && first->kind == ParseItem::kStartTag;
+  const std::string_view tag = has_tag ? first->name : std::string_view();
+  if (EqualNoCase(tag, "DataSet")) {
+    return Attempt([&] { return DescribeData(reader); }).value_or(TKQstructure("bad-header"));
+  }
+  if (EqualNoCase(tag, "NeuralNetwork") || EqualNoCase(tag, "Network")) {
+    return TKQstructure("network");
+  }
+  TKQstructure unknown("unknown-header");
+  if (has_tag) unknown.SetString("header", std::string(tag));
+  return unknown;
 }
 
 }  // namespace
@@ -201,20 +219,9 @@ DataSets Load(const std::string& path) {
 TKQstructure DescribeFile(const std::string& path) {
   try {
     Reader reader = Reader::FromFile(path);
-    const std::string_view tag = FirstTag(reader);
-    if (EqualNoCase(tag, "DataSet")) return DescribeData(reader);
-    if (EqualNoCase(tag, "NeuralNetwork") || EqualNoCase(tag, "Network")) {
-      return TKQstructure("network");
-    }
-    TKQstructure unknown("unknown-header");
-    if (!tag.empty()) unknown.SetString("header", std::string(tag));
-    return unknown;
+    return Describe(reader);
   } catch (const FileTools::OpenError&) {
     return TKQstructure("file-read-error");
-  } catch (const FileTools::Error&) {
-    return TKQstructure("bad-header");
-  } catch (const TException&) {
-    return TKQstructure("bad-header");
   }
 }
 
