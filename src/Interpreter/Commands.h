@@ -50,6 +50,9 @@ int Load(TInterpreter& interpreter, const CommandLine& line);
 // QueryCommands.cpp
 int Query(TInterpreter& interpreter, const CommandLine& line);
 
+// QueryStats.cpp, a form of "query"
+int GetStats(TInterpreter& interpreter, const CommandLine& line);
+
 // RowCommands.cpp
 int Append(TInterpreter& interpreter, const CommandLine& line);
 int ResetData(TInterpreter& interpreter, const CommandLine& line);

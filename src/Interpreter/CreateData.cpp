@@ -1,4 +1,5 @@
 #include "DataObject/Data.h"
+#include "DataTools/DataManip/TDataStats.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
 
@@ -20,10 +21,11 @@ int CreateData(TInterpreter& interpreter, const CommandLine& line) {
 }
 
 int CreateDataStats(TInterpreter& interpreter, const CommandLine& line) {
-  RequiredNewAlias(interpreter, line, "alias");
+  const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::string_view source = RequiredAlias(line, "source");
-  RequiredKind<Data>(RequiredEntry(interpreter, source), source, " is not type Data");
-  NotYet("Data statistics");
+  auto set = RequiredKind<Data>(RequiredEntry(interpreter, source), source, " is not type Data");
+  interpreter.Insert({alias, std::make_unique<TDataStats>(std::move(set))});
+  return kDone;
 }
 
 }  // namespace kiln::commands

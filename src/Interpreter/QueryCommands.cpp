@@ -90,12 +90,6 @@ int GetNextRow(TInterpreter& interpreter, const CommandLine& line) {
   return kValue;
 }
 
-int GetStats(TInterpreter& interpreter, const CommandLine& line) {
-  const std::string_view alias = RequiredAlias(line, "alias");
-  RequiredKind<TDataStats>(RequiredEntry(interpreter, alias), alias, " is not of type DataStats");
-  NotYet("Data statistics");
-}
-
 constexpr TCommand kQueries[] = {
     {"aliasexists", AliasExists}, {"classof", ClassOf},   {"structureof", StructureOf},
     {"getnextrow", GetNextRow},   {"getstats", GetStats},
