@@ -1,6 +1,7 @@
 #include "Interpreter/Commands.h"
 
 #include "Interpreter/Checks.h"
+#include "Shared/Random.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -15,6 +16,14 @@ int Dispatch(std::span<const TCommand> table, std::string_view word, std::string
 
 std::string_view Selector(const CommandLine& line, std::string_view command) {
   return Optional(line.Word(command), std::string_view());
+}
+
+void StartRandom(const CommandLine& line) {
+  if (const std::optional<std::int64_t> seed = line.WholeNumber("seed")) {
+    Random::Seed(static_cast<std::uint32_t>(*seed));
+  } else {
+    Random::SeedFromClock();
+  }
 }
 
 }  // namespace kiln

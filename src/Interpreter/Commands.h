@@ -29,6 +29,10 @@ int Dispatch(std::span<const TCommand> table, std::string_view word, std::string
 // The word behind the command word that selects one of its forms, empty when there is none.
 std::string_view Selector(const CommandLine& line, std::string_view command);
 
+// Starts the random numbers of a command: from the whole number behind the tag "seed" or, without
+// one, from the clock.
+void StartRandom(const CommandLine& line);
+
 namespace commands {
 
 // SessionCommands.cpp

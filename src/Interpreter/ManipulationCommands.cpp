@@ -1,30 +1,96 @@
-#include "DataObject/Data.h"
+#include <optional>
+
+#include "DataTools/DataManip/TDataManip.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "Shared/Text.h"
 
 namespace kiln::commands {
+
+namespace {
+
+// The tags of the bounds of one side: a list with a value for each column, or one value for all.
+struct TBoundTags {
+  std::string_view ColumnMaxima;
+  std::string_view ColumnMinima;
+  std::string_view Maximum;
+  std::string_view Minimum;
+};
+
+constexpr TBoundTags kInputTags = {"inputcmaxs", "inputcmins", "inputgmax", "inputgmin"};
+constexpr TBoundTags kOutputTags = {"outputcmaxs", "outputcmins", "outputgmax", "outputgmin"};
+
+constexpr char kNothing[] = "nothing to do";
+
+// A list of bounds, which may be left out.
+Reading<std::vector<double>> ColumnValues(const CommandLine& line, std::string_view tag,
+                                          int columns) {
+  if (line.Word(tag).Code != ReadCode::kRead) return {ReadCode::kTagAbsent, {}};
+  Reading<std::vector<double>> values = line.Doubles(tag);
+  if (values.Code != ReadCode::kRead || std::ssize(values.Value) != columns) {
+    Fail("error parsing array");
+  }
+  return values;
+}
+
+// Whether two bounds that only make sense together are given.
+template <typename T>
+bool ArePair(const Reading<T>& maximum, const Reading<T>& minimum) {
+  if (maximum.Code != minimum.Code) Fail(kNothing);
+  return maximum.Code == ReadCode::kRead;
+}
+
+// The bounds of a side of so many columns. Those of single columns win over those of all.
+std::optional<ColumnBounds> SideBounds(const CommandLine& line, const TBoundTags& tags,
+                                       int columns) {
+  const auto maxima = ColumnValues(line, tags.ColumnMaxima, columns);
+  const auto minima = ColumnValues(line, tags.ColumnMinima, columns);
+  const auto maximum = line.Double(tags.Maximum);
+  const auto minimum = line.Double(tags.Minimum);
+  const bool by_column = ArePair(maxima, minima);
+  const bool for_all = ArePair(maximum, minimum);
+  if (by_column) return ColumnBounds(maxima.Value, minima.Value);
+  if (for_all) return ColumnBounds(columns, maximum.Value, minimum.Value);
+  return std::nullopt;
+}
+
+// One of the two directions between values and the range from 0 to 1.
+using TMapping = std::unique_ptr<Data> (*)(const Data* source, const ColumnBounds& inputs,
+                                           const ColumnBounds& outputs);
+
+int Rescale(TInterpreter& interpreter, const CommandLine& line, TMapping mapping) {
+  const std::string_view source = RequiredAlias(line, "source");
+  const TRegistryNode& node = RequiredEntry(interpreter, source);
+  const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
+  const std::string_view method = Required(line.Word("method"), "tag method not found");
+  if (!EqualNoCase(method, "linear")) Fail("unknown normalisation method");
+  const auto set = RequiredKind<Data>(node, source, " is not of type Data");
+  const auto inputs = SideBounds(line, kInputTags, set->Inputs());
+  const auto outputs = SideBounds(line, kOutputTags, set->Outputs());
+  if (!inputs && !outputs) Fail(kNothing);
+  interpreter.Insert({destination, mapping(set.get(), inputs.value_or(ColumnBounds()),
+                                           outputs.value_or(ColumnBounds()))});
+  return kDone;
+}
+
+}  // namespace
 
 int Shuffle(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view source = RequiredAlias(line, "source");
   const TRegistryNode& node = RequiredEntry(interpreter, source);
-  RequiredNewAlias(interpreter, line, "destination");
-  RequiredKind<Data>(node, source, " is not of type Data");
-  NotYet("Shuffled data sets");
+  const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
+  const auto set = RequiredKind<Data>(node, source, " is not of type Data");
+  StartRandom(line);
+  interpreter.Insert({destination, TDataManip::Shuffle(set.get())});
+  return kDone;
 }
 
 int Normalise(TInterpreter& interpreter, const CommandLine& line) {
-  const std::string_view source = RequiredAlias(line, "source");
-  const TRegistryNode& node = RequiredEntry(interpreter, source);
-  RequiredNewAlias(interpreter, line, "destination");
-  if (Required(line.Word("method"), "tag method not found") != "linear") {
-    Fail("unknown normalisation method");
-  }
-  RequiredKind<Data>(node, source, " is not of type Data");
-  NotYet("Normalised data sets");
+  return Rescale(interpreter, line, TDataManip::Normalise);
 }
 
 int Denormalise(TInterpreter& interpreter, const CommandLine& line) {
-  return Normalise(interpreter, line);
+  return Rescale(interpreter, line, TDataManip::Denormalise);
 }
 
 }  // namespace kiln::commands
