@@ -1,12 +1,10 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "NeuralNets/TIterateObj.h"
@@ -46,8 +44,9 @@ class TBasicConnections {
   void Attach(const TBasicLayer& to, const TBasicLayer& from);
   bool IsAttached() const { return attached_; }
 
-  std::size_t Rows() const { return rows_; }        // neurons of the to-layer
-  std::size_t Columns() const { return columns_; }  // neurons of the from-layer
+  // Neurons of the to-layer and of the from-layer; none in an empty block.
+  std::size_t Rows() const { return rows_; }
+  std::size_t Columns() const { return columns_; }
 
   // One connection. A place that the block does not have holds a connection that does not exist:
   // it weighs 0, and setting anything there throws TAssertion.
@@ -77,8 +76,8 @@ class TBasicConnections {
   void Iterate3(TBasicConnections& conn2, TBasicConnections& conn3, TIterateObj3& operation);
 
   // Follow a neuron that was inserted into, or taken out of, the to-layer (rows) or the from-layer
-  // (columns). New connections exist, are trainable and weigh 0. Kinds whose layers never change
-  // throw TAssertion.
+  // (columns). New connections exist, are trainable and weigh 0. Throw TAssertion for a position
+  // that the block does not have, and in kinds whose layers never change.
   virtual void AddRow(std::size_t position);
   virtual void RemoveRow(std::size_t position);
   virtual void AddColumn(std::size_t position);
@@ -107,16 +106,19 @@ class TBasicConnections {
 
   void CheckAttached() const;
 
-  // Turns a full block into one of other dimensions. `source` names the place (to, from) that a
-  // place of the new block takes its weight and flags from, or none for a new connection.
-  using TSource =
-      std::function<std::optional<std::pair<std::size_t, std::size_t>>(std::size_t, std::size_t)>;
-  void Rearrange(std::size_t rows, std::size_t columns, const TSource& source);
+  // For each row, or column, of a block that is about to change, the one that it was before;
+  // kNew for one that was not there.
+  using TOrigins = std::vector<std::size_t>;
+  static constexpr std::size_t kNew = static_cast<std::size_t>(-1);
+
+  // Gives a full block other rows and columns; what is new exists, is trainable and weighs 0.
+  void Rearrange(const TOrigins& rows, const TOrigins& columns);
 
  private:
   std::optional<std::size_t> Place(std::size_t to, std::size_t from) const;
   std::size_t PlaceAssert(std::size_t to, std::size_t from) const;
   TMask FlagsAt(std::size_t place) const { return masks_.empty() ? FMaskAll : masks_[place]; }
+  void SetFlag(std::size_t to, std::size_t from, TMask flag, bool set);
   void Store(std::size_t place, double weight, TMask flags);
   TWeightPatch PatchOf(const TPatchShape& shape);
   void CheckTwin(const TBasicConnections& twin, const char* expression) const;

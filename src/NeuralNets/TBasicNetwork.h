@@ -26,7 +26,7 @@ class TErrorObj;
 // inside, each block row by row.
 class TBasicNetwork {
  public:
-  static constexpr std::size_t kMaxLayers = 1024;
+  static constexpr std::size_t kMaxLayers = 512;
   static constexpr std::uint64_t kMaxWeights = std::uint64_t{1} << 30;
 
   virtual ~TBasicNetwork() = default;
@@ -43,10 +43,11 @@ class TBasicNetwork {
   // Throws TAssertion when there is no such layer.
   void SetInputAndOutputLayer(std::size_t input_layer, std::size_t output_layer);
 
-  TBasicLayer& Layer(std::size_t index) { return *layers_[index]; }
-  const TBasicLayer& Layer(std::size_t index) const { return *layers_[index]; }
+  // Throw TAssertion when there is no such layer.
+  TBasicLayer& Layer(std::size_t index);
+  const TBasicLayer& Layer(std::size_t index) const;
 
-  // Puts another layer at `index`. REQUIRES: the present one is not connected.
+  // Puts another layer at `index`. Throws TAssertion when the present one is connected.
   void SetLayer(std::size_t index, std::unique_ptr<TBasicLayer> layer);
 
   // How many values a pattern has, and how many a recall gives.
@@ -66,6 +67,7 @@ class TBasicNetwork {
   // --- Connections ---------------------------------------------------------------------------
 
   // The block of a pair, which is an empty one where the layers are not connected.
+  // Throw TAssertion when there is no such pair.
   TBasicConnections& Connections(std::size_t to, std::size_t from);
   const TBasicConnections& Connections(std::size_t to, std::size_t from) const;
 
@@ -115,6 +117,10 @@ class TBasicNetwork {
   // be null (TAssertion). Throws TException when the columns of the set do not fit.
   virtual double RecallError(const Data* in, TErrorObj* err);
 
+  // Throws TException, in the name of `function`, unless the set has a column for each input and
+  // each output.
+  void CheckFits(const Data& data, const char* function) const;
+
  protected:
   // A network of empty simple layers without connections, layer 1 its input and the last one its
   // output (layer 0 where there is but one).
@@ -124,14 +130,14 @@ class TBasicNetwork {
   TBasicNetwork& operator=(const TBasicNetwork& other);
 
  private:
-  std::size_t Cell(std::size_t to, std::size_t from) const { return to * layers_.size() + from; }
+  std::size_t Cell(std::size_t to, std::size_t from) const;
   std::uint64_t NumPlaces() const;
-  void CheckHiddenLayer(int layer_num) const;
+  std::size_t CheckedHiddenLayer(int layer_num) const;
 
-  std::size_t input_layer_;
-  std::size_t output_layer_;
+  std::size_t input_layer_ = 0;
+  std::size_t output_layer_ = 0;
   std::vector<std::unique_ptr<TBasicLayer>> layers_;
-  std::vector<std::unique_ptr<TBasicConnections>> blocks_;  // at Cell(to, from), null where empty
+  std::vector<std::unique_ptr<TBasicConnections>> blocks_;  // that of a pair at Cell(to, from)
   std::vector<std::vector<std::size_t>> sources_;           // connected from-layers of each layer
 };
 

@@ -17,10 +17,13 @@ class TBasicLayer;
 class TBasicNeuron {
  public:
   TBasicNeuron() = default;
-  virtual ~TBasicNeuron() = default;
-  TBasicNeuron& operator=(const TBasicNeuron&) = delete;
 
-  // A neuron of the same kind and settings that belongs to no layer yet.
+  // A neuron of the same settings that belongs to no layer yet.
+  TBasicNeuron(const TBasicNeuron& other) : function_(other.function_) {}
+  TBasicNeuron& operator=(const TBasicNeuron&) = delete;
+  virtual ~TBasicNeuron() = default;
+
+  // The same for whatever kind the neuron is of.
   virtual std::unique_ptr<TBasicNeuron> Clone() const;
 
   // Puts the neuron at `index` of `layer`, which outlives it.
@@ -52,9 +55,6 @@ class TBasicNeuron {
   virtual std::string_view ParameterName(std::size_t index) const;
   virtual double GetParameter(std::size_t index) const;
   virtual void SetParameter(std::size_t index, double value);
-
- protected:
-  TBasicNeuron(const TBasicNeuron& other) : function_(other.function_) {}
 
  private:
   friend class TBasicLayer;  // sets the function of all its neurons at once

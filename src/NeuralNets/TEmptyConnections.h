@@ -11,6 +11,11 @@ class TEmptyConnections : public TBasicConnections {
   std::string_view KindName() const override { return "Empty"; }
   std::unique_ptr<TBasicConnections> Clone() const override;
 
+  void AddRow(std::size_t) override {}
+  void RemoveRow(std::size_t) override {}
+  void AddColumn(std::size_t) override {}
+  void RemoveColumn(std::size_t) override {}
+
  private:
   std::vector<TPatchShape> Layout(const TBasicLayer& to, const TBasicLayer& from) const override;
   const char* Module() const override { return "NeuralNets/TBasicConnections"; }

@@ -14,9 +14,6 @@ class TGainLayer : public TSimpleLayer {
 
   std::string_view KindName() const override { return "Gain"; }
   std::unique_ptr<TBasicLayer> Clone() const override;
-
- protected:
-  TGainLayer(const TGainLayer&) = default;
 };
 
 }  // namespace kiln

@@ -15,9 +15,9 @@ class TGainNeuron : public TBasicNeuron {
   double Gain() const override { return gain_; }
 
   std::size_t NumParameters() const override { return 1; }
-  std::string_view ParameterName(std::size_t index) const override;
-  double GetParameter(std::size_t index) const override;
-  void SetParameter(std::size_t index, double value) override;
+  std::string_view ParameterName(std::size_t) const override { return "Gain"; }
+  double GetParameter(std::size_t) const override { return gain_; }
+  void SetParameter(std::size_t, double value) override { gain_ = value; }
 
  private:
   double gain_;

@@ -14,9 +14,6 @@ class TSimpleInputLayer : public TBasicLayer {
   void Compute(std::span<const double> pattern) override;
   std::string_view KindName() const override { return "Input"; }
   std::unique_ptr<TBasicLayer> Clone() const override;
-
- protected:
-  TSimpleInputLayer(const TSimpleInputLayer&) = default;
 };
 
 }  // namespace kiln

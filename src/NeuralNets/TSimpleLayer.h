@@ -20,7 +20,6 @@ class TSimpleLayer : public TBasicLayer {
  protected:
   TSimpleLayer(std::size_t neurons, const TBasicNeuron& prototype)
       : TBasicLayer(neurons, prototype) {}
-  TSimpleLayer(const TSimpleLayer&) = default;
 };
 
 }  // namespace kiln

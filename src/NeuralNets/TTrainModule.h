@@ -6,6 +6,7 @@
 #include <span>
 
 #include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/TTrainIterators.h"
 #include "NeuralNets/TTrainRun.h"
 
 namespace kiln {
@@ -43,8 +44,10 @@ class TTrainModule {
   // Trains for `epochs` epochs and returns the error of the last one, 0 when there was none. When
   // THRESHOLD or the observer ends training early, `epochs` becomes the number, counted from 0, of
   // the last epoch that was run. A missing WEIGHTPENALTY is written back into `params` as NONE.
-  // Throws TException when the columns of the set do not fit the network or a parameter is not a
-  // number, TAssertion for unknown words and for activation functions that cannot be trained.
+  //
+  // Throws TException when the set has no rows, its columns do not fit the network or a parameter
+  // is not a number; TAssertion for unknown words and for activation functions that cannot be
+  // trained. No weight has changed then.
   virtual double Train(const Data& data, TKQstructure& params, int& epochs,
                        const TEpochObserver& observer = {});
 
@@ -52,45 +55,50 @@ class TTrainModule {
   double Epoch(const Data& data, TKQstructure& params);
 
  protected:
-  // Turns the error terms of a layer (Errors) into the gradients of the connections from lower
-  // layers, by TrainBlock, and adds what the layer passes back to the error terms of these layers.
-  // The base does not know how: TAssertion.
+  // Checks, before the first pattern, that every layer can be trained.
+  virtual void CheckLayers(const TTrainRun& run) const;
+
+  // Turns the error terms of a layer into the gradients of its connections from lower layers, by
+  // TrainBlock, and adds what it passes back to the error terms of these layers. The outputs of the
+  // network's layers are those of the pattern at hand.
   virtual void TrainLayer(const TTrainRun& run, std::size_t layer);
 
-  // Checks before the first pattern that every layer can be trained.
-  virtual void CheckLayers(const TTrainRun& run) const = 0;
-
-  // Called after each change of the weights.
+  // Called after each update of the weights.
   virtual void WeightsChanged() {}
 
   // Whether the weight penalty acts on the block of a pair.
   virtual bool IsPenalised(std::size_t to, std::size_t from) const;
 
-  // For a block whose net input is sum(weight * input): adds weight * delta to the errors of the
-  // inputs, unless `errors` is empty, and handles the gradient delta * input as the run asks for:
-  // adds it up, or changes the weight at once.
-  void TrainBlock(const TTrainRun& run, std::size_t to, std::size_t from,
-                  std::span<const double> deltas, std::span<const double> inputs,
-                  std::span<double> errors);
+  // Passes error terms back through the weights of a block, and handles its gradient as the run
+  // asks for: adds it up, or changes the weights at once.
+  void TrainBlock(const TTrainRun& run, std::size_t to, std::size_t from, const TBlockTerms& terms);
 
-  // The error term of each neuron of a layer during the training on a pattern.
+  // The error term of each neuron of a layer for the pattern at hand.
   std::span<double> Errors(std::size_t layer) { return deltas_->Layer(layer).NetInputs(); }
 
-  // The same where errors must be passed back to: empty for a layer below which nothing is trained.
-  std::span<double> ErrorsWanted(std::size_t layer);
+  // The same for a layer to pass errors back to; empty where nothing below is trained.
+  std::span<double> ErrorsBelow(std::size_t layer);
+
+  // Whether the layer is connected from a lower one.
+  bool IsTrained(std::size_t layer) const;
 
   TBasicNetwork& Network() { return *network_; }
 
  private:
+  TTrainRun StartRun(const Data& data, TKQstructure& params);
   double RunEpoch(const Data& data, TTrainRun& run);
   void TrainPattern(TTrainRun& run, std::span<const double> input, std::span<const double> desired);
-  void AddPenaltyGradient(const TTrainRun& run, double patterns, double all_patterns);
-  void AddPenaltyToError(TTrainRun& run) const;
+  void AddPenaltyGradient(const TTrainRun& run, double share);
+  void AddPenaltyToError(TTrainRun& run);
   void UpdateWeights(const TTrainRun& run);
+  bool IsFeedForward() const;
+
+  template <typename TVisit>
+  void ForEachBlock(const TVisit& visit);
 
   std::shared_ptr<TBasicNetwork> network_;
-  std::unique_ptr<TBasicNetwork> previous_;  // the last change of every weight
-  std::unique_ptr<TBasicNetwork> deltas_;    // gradients; the net inputs hold the error terms
+  std::unique_ptr<TBasicNetwork> changes_;  // the last change of every weight
+  std::unique_ptr<TBasicNetwork> deltas_;   // gradients; the net inputs hold the error terms
 };
 
 }  // namespace kiln

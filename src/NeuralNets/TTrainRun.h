@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "NeuralNets/TErrorObj.h"
@@ -11,24 +10,27 @@ namespace kiln {
 
 class TKQstructure;
 
-// The weight penalty of one training run.
+// The weight penalty of one training run; see TErrorObj::Penalty.
 struct TPenaltyTerm {
   enum class TKind { kNone, kQuadratic, kForgetting };
 
-  TKind kind = TKind::kNone;
-  double epsilon1 = 0.0;
-  double epsilon2 = 0.0;
-  double beta = 1.0;
-  double forgetting_rate = 0.0;
-  const TKQstructure* description = nullptr;  // in the caller's parameters
+  // Throws TAssertion when the head of the description is unknown.
+  explicit TPenaltyTerm(const TKQstructure& message);
 
   bool IsActive() const { return kind != TKind::kNone; }
+
+  const TKQstructure* description;  // in the parameters of the caller
+  TKind kind;
+  double epsilon1;
+  double epsilon2;
+  double beta;
+  double forgetting_rate;
 };
 
-// What one call of a trainer works with, read from its parameters once: a model is not changed by
-// how it is trained.
+// What one call of a trainer works with: the settings, read once, and the buffers. How a network is
+// trained leaves no trace in the network or its trainer but the weights.
 struct TTrainRun {
-  // Reads the parameters (see TTrainModule) for patterns of `outputs` values.
+  // Reads `params`, which outlive the run, as TTrainModule documents them.
   TTrainRun(TKQstructure& params, std::size_t outputs);
 
   double learning_rate;          // of the update
@@ -37,12 +39,11 @@ struct TTrainRun {
   double threshold;
   bool batch;
   bool cross_entropy;
+  bool at_once =
+      false;  // each pattern changes the weights in the same pass that finds the gradient
   TPenaltyTerm penalty;
   std::unique_ptr<TErrorObj> error;
   std::vector<double> output;  // of the pattern at hand
-
-  // Whether each pattern changes the weights at once, gradient and update in one pass.
-  bool AtOnce() const { return !batch && !penalty.IsActive(); }
 };
 
 }  // namespace kiln

@@ -1,0 +1,202 @@
+#include "NeuralNets/TBasicConnections.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "NeuralNets/Kernels.h"
+#include "NeuralNets/TBasicLayer.h"
+#include "Shared/TAssertion.h"
+
+namespace kiln {
+
+std::size_t TBasicConnections::SizeBetween(const TBasicLayer& to, const TBasicLayer& from) const {
+  std::size_t size = 0;
+  for (const TPatchShape& patch : Layout(to, from)) size += patch.Size();
+  return size;
+}
+
+void TBasicConnections::Attach(const TBasicLayer& to, const TBasicLayer& from) {
+  patches_ = Layout(to, from);
+  rows_ = IsConnected() ? to.NumNeurons() : 0;
+  columns_ = IsConnected() ? from.NumNeurons() : 0;
+  std::size_t size = 0;
+  for (TPatchShape& patch : patches_) {
+    patch.offset = size;
+    size += patch.Size();
+  }
+  weights_.assign(size, 0.0);
+  masks_.assign(HasFlags() ? size : 0, FMaskAll);
+  exceptions_ = 0;
+  attached_ = true;
+}
+
+bool TBasicConnections::Exists(std::size_t to, std::size_t from) const {
+  const std::optional<std::size_t> place = Place(to, from);
+  return place && (FlagsAt(*place) & FMaskExists) != 0;
+}
+
+bool TBasicConnections::IsTrainable(std::size_t to, std::size_t from) const {
+  const std::optional<std::size_t> place = Place(to, from);
+  return place && (FlagsAt(*place) & FMaskTrainable) != 0;
+}
+
+double TBasicConnections::GetWeight(std::size_t to, std::size_t from) const {
+  const std::optional<std::size_t> place = Place(to, from);
+  return place ? weights_[*place] : 0.0;
+}
+
+void TBasicConnections::SetWeight(std::size_t to, std::size_t from, double weight) {
+  const std::size_t place = PlaceAssert(to, from);
+  Store(place, weight, FlagsAt(place));
+}
+
+void TBasicConnections::SetTrainable(std::size_t to, std::size_t from, bool trainable) {
+  SetFlag(to, from, FMaskTrainable, trainable);
+}
+
+void TBasicConnections::SetExists(std::size_t to, std::size_t from, bool exists) {
+  SetFlag(to, from, FMaskExists, exists);
+}
+
+void TBasicConnections::Accumulate(std::span<const double> outputs, std::span<double> net) const {
+  CheckAttached();
+  const TMask* masks = exceptions_ != 0 ? masks_.data() : nullptr;
+  const TKernels& kernels = Kernels();
+  for (const TPatchShape& patch : patches_) {
+    kernels.accumulate(weights_.data() + patch.offset, masks ? masks + patch.offset : nullptr,
+                       patch.rows, patch.columns, outputs.data() + patch.from,
+                       net.data() + patch.to);
+  }
+}
+
+template <typename TVisit>
+void TBasicConnections::ForEachPlace(const TVisit& visit) const {
+  CheckAttached();
+  for (const TPatchShape& patch : patches_) {
+    for (std::size_t i = 0; i < patch.Size(); ++i) {
+      const std::size_t place = patch.offset + i;
+      visit(place, TConnection{patch.to + i / patch.columns, patch.from + i % patch.columns,
+                               weights_[place], FlagsAt(place)});
+    }
+  }
+}
+
+void TBasicConnections::Iterate(TIterateObj& operation) {
+  ForEachPlace([&](std::size_t place, TConnection connection) {
+    operation.Connection(connection);
+    Store(place, connection.weight, connection.flags);
+  });
+}
+
+void TBasicConnections::Iterate(TIterateObjRead& operation) const {
+  ForEachPlace([&](std::size_t, const TConnection& connection) { operation.Read(connection); });
+}
+
+void TBasicConnections::Iterate2(TBasicConnections& conn2, TIterateObj2& operation) {
+  CheckTwin(conn2, "conn1 -> GetConnectionsNType() == conn2 -> GetConnectionsNType()");
+  for (const TPatchShape& patch : patches_) {
+    operation.Patch(PatchOf(patch), conn2.weights_.data() + patch.offset);
+  }
+}
+
+void TBasicConnections::Iterate3(TBasicConnections& conn2, TBasicConnections& conn3,
+                                 TIterateObj3& operation) {
+  CheckTwin(conn2, "conn1 -> GetConnectionsNType() == conn2 -> GetConnectionsNType()");
+  CheckTwin(conn3, "conn1 -> GetConnectionsNType() == conn3 -> GetConnectionsNType()");
+  for (const TPatchShape& patch : patches_) {
+    operation.Patch(PatchOf(patch), conn2.weights_.data() + patch.offset,
+                    conn3.weights_.data() + patch.offset);
+  }
+}
+
+void TBasicConnections::AddRow(std::size_t) {
+  AssertFalse(Module());
+}
+
+void TBasicConnections::RemoveRow(std::size_t) {
+  AssertFalse(Module());
+}
+
+void TBasicConnections::AddColumn(std::size_t) {
+  AssertFalse(Module());
+}
+
+void TBasicConnections::RemoveColumn(std::size_t) {
+  AssertFalse(Module());
+}
+
+void TBasicConnections::CheckAttached() const {
+  Assert(attached_, "attached", Module());
+}
+
+void TBasicConnections::Rearrange(const TOrigins& rows, const TOrigins& columns) {
+  CheckAttached();
+  std::vector<double> weights(rows.size() * columns.size(), 0.0);
+  std::vector<TMask> masks(HasFlags() ? weights.size() : 0, FMaskAll);
+  for (std::size_t i = 0; i < weights.size(); ++i) {
+    const std::size_t to = rows[i / columns.size()];
+    const std::size_t from = columns[i % columns.size()];
+    if (to == kNew || from == kNew) continue;
+    const std::size_t place = PlaceAssert(to, from);
+    weights[i] = weights_[place];
+    if (HasFlags()) masks[i] = masks_[place];
+  }
+  rows_ = rows.size();
+  columns_ = columns.size();
+  patches_ = {{0, 0, rows_, columns_}};
+  weights_ = std::move(weights);
+  masks_ = std::move(masks);
+  exceptions_ = static_cast<std::size_t>(
+      std::ranges::count_if(masks_, [](TMask flags) { return flags != FMaskAll; }));
+}
+
+std::optional<std::size_t> TBasicConnections::Place(std::size_t to, std::size_t from) const {
+  CheckAttached();
+  for (const TPatchShape& patch : patches_) {
+    // Unsigned differences: a neuron in front of the patch is beyond its end as well.
+    const std::size_t row = to - patch.to;
+    const std::size_t column = from - patch.from;
+    if (row < patch.rows && column < patch.columns) {
+      return patch.offset + row * patch.columns + column;
+    }
+  }
+  return std::nullopt;
+}
+
+std::size_t TBasicConnections::PlaceAssert(std::size_t to, std::size_t from) const {
+  const std::optional<std::size_t> place = Place(to, from);
+  if (!place) AssertFalse(Module());
+  return *place;
+}
+
+void TBasicConnections::SetFlag(std::size_t to, std::size_t from, TMask flag, bool set) {
+  const std::size_t place = PlaceAssert(to, from);
+  const int flags = set ? FlagsAt(place) | flag : FlagsAt(place) & ~flag;
+  Store(place, weights_[place], static_cast<TMask>(flags));
+}
+
+void TBasicConnections::Store(std::size_t place, double weight, TMask flags) {
+  weights_[place] = (flags & FMaskExists) != 0 ? weight : 0.0;
+  if (flags == FlagsAt(place)) return;
+  if (masks_.empty()) AssertFalse(Module());
+  if (masks_[place] != FMaskAll) --exceptions_;
+  if (flags != FMaskAll) ++exceptions_;
+  masks_[place] = flags;
+}
+
+TWeightPatch TBasicConnections::PatchOf(const TPatchShape& shape) {
+  return {shape.to,
+          shape.from,
+          shape.rows,
+          shape.columns,
+          weights_.data() + shape.offset,
+          exceptions_ != 0 ? masks_.data() + shape.offset : nullptr};
+}
+
+void TBasicConnections::CheckTwin(const TBasicConnections& twin, const char* expression) const {
+  CheckAttached();
+  Assert(KindName() == twin.KindName(), expression, Module());
+  Assert(weights_.size() == twin.weights_.size(), "conn1 -> Size() == conn2 -> Size()", Module());
+}
+
+}  // namespace kiln

@@ -1,0 +1,80 @@
+// Recall of single patterns and of data sets, the same for every kind of network.
+
+#include <algorithm>
+#include <string>
+
+#include "DataObject/Data.h"
+#include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/TErrorObj.h"
+#include "Shared/TAssertion.h"
+#include "Shared/TException.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr char kModule[] = "NeuralNets/TBasicNetwork";
+
+void CheckColumns(int columns, std::size_t needed, const char* side, const char* function) {
+  if (static_cast<std::size_t>(columns) == needed) return;
+  throw TException("the data set has " + std::to_string(columns) + " " + side +
+                       " but the network has " + std::to_string(needed),
+                   "Invalid Parameter", function);
+}
+
+}  // namespace
+
+void TBasicNetwork::RecallPattern(std::span<const double> input, std::span<double> output) {
+  for (const auto& layer : layers_) layer->Compute(input);
+  std::ranges::copy(layers_[output_layer_]->Outputs(), output.begin());
+}
+
+void TBasicNetwork::CheckFits(const Data& data, const char* function) const {
+  CheckColumns(data.Inputs(), NumInputs(), "inputs", function);
+  CheckColumns(data.Outputs(), NumOutputs(), "outputs", function);
+}
+
+std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
+  Assert(in != nullptr, "in != nil", kModule);
+  CheckColumns(in->Inputs(), NumInputs(), "inputs", "TBasicNetwork::Recall");
+  std::vector<double> output(NumOutputs());
+  auto result =
+      std::make_unique<Data>(in->DataRows(), in->Inputs(), static_cast<int>(output.size()), false);
+  for (int n = 0; n < in->DataRows(); ++n) {
+    const DataRow row = in->Row(n);
+    RecallPattern(row.Inputs, output);
+    result->AddRow(row.Inputs, output);
+  }
+  return result;
+}
+
+std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
+  // Every kind of network reports the name that callers have come to look for.
+  constexpr char kFunction[] = "TTarn::RecallOutputOnly";
+  if (in == nullptr) {
+    throw TException("Null data pointer", "Null Pointer Parameter", kFunction);
+  }
+  CheckColumns(in->Inputs(), NumInputs(), "inputs", kFunction);
+  std::vector<double> output(NumOutputs());
+  auto result = std::make_unique<Data>(in->DataRows(), 0, static_cast<int>(output.size()), false);
+  for (int n = 0; n < in->DataRows(); ++n) {
+    RecallPattern(in->Row(n).Inputs, output);
+    result->AddRow({}, output);
+  }
+  return result;
+}
+
+double TBasicNetwork::RecallError(const Data* in, TErrorObj* err) {
+  Assert(in != nullptr, "in != nil", kModule);
+  Assert(err != nullptr, "err != nil", kModule);
+  CheckFits(*in, "TBasicNetwork::RecallError");
+  std::vector<double> output(NumOutputs());
+  for (int n = 0; n < in->DataRows(); ++n) {
+    const DataRow row = in->Row(n);
+    RecallPattern(row.Inputs, output);
+    err->Accumulate(row.Outputs, output);
+  }
+  return err->Value();
+}
+
+}  // namespace kiln

@@ -1,0 +1,186 @@
+#include "NeuralNets/TTrainModule.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "DataObject/Data.h"
+#include "Shared/TAssertion.h"
+#include "Shared/TException.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr char kModule[] = "NeuralNets/TTrainModule";
+
+std::unique_ptr<TBasicNetwork> ClearedCopy(const TBasicNetwork& network) {
+  std::unique_ptr<TBasicNetwork> copy = network.Clone();
+  copy->ClearWeights();
+  return copy;
+}
+
+}  // namespace
+
+TTrainModule::TTrainModule(std::shared_ptr<TBasicNetwork> network)
+    : network_(std::move(network)),
+      changes_(ClearedCopy(*network_)),
+      deltas_(ClearedCopy(*network_)) {}
+
+double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
+                           const TEpochObserver& observer) {
+  TTrainRun run = StartRun(data, params);
+  double error = 0.0;
+  for (int epoch = 0; epoch < epochs; ++epoch) {
+    error = RunEpoch(data, run);
+    const bool goes_on = !observer || observer(epoch, error);
+    if (error < run.threshold || !goes_on) {
+      epochs = epoch;
+      return error;
+    }
+  }
+  return error;
+}
+
+double TTrainModule::Epoch(const Data& data, TKQstructure& params) {
+  TTrainRun run = StartRun(data, params);
+  return RunEpoch(data, run);
+}
+
+TTrainRun TTrainModule::StartRun(const Data& data, TKQstructure& params) {
+  network_->CheckFits(data, "TTrainModule::Train");
+  if (data.DataRows() == 0) {
+    throw TException("the data set has no rows", "Invalid Parameter", "TTrainModule::Train");
+  }
+  TTrainRun run(params, network_->NumOutputs());
+  // Blocks that lead back are not trained, but momentum and penalties act on them: that is for
+  // the pass over all blocks.
+  run.at_once = !run.batch && !run.penalty.IsActive() && IsFeedForward();
+  CheckLayers(run);
+  return run;
+}
+
+double TTrainModule::RunEpoch(const Data& data, TTrainRun& run) {
+  run.error->Reset();
+  const int patterns = data.DataRows();
+  if (run.batch) deltas_->ClearWeights();
+  for (int n = 0; n < patterns; ++n) {
+    const DataRow row = data.Row(n);
+    if (!run.batch && !run.at_once) deltas_->ClearWeights();
+    TrainPattern(run, row.Inputs, row.Outputs);
+    if (run.batch) continue;
+    if (!run.at_once) {
+      AddPenaltyGradient(run, 1.0 / patterns);
+      UpdateWeights(run);
+    }
+    WeightsChanged();
+  }
+  if (run.batch) {
+    AddPenaltyGradient(run, 1.0);
+    UpdateWeights(run);
+    WeightsChanged();
+  }
+  AddPenaltyToError(run);
+  return run.error->Value();
+}
+
+void TTrainModule::TrainPattern(TTrainRun& run, std::span<const double> input,
+                                std::span<const double> desired) {
+  network_->RecallPattern(input, run.output);
+  run.error->Accumulate(desired, run.output);
+  for (std::size_t layer = 0; layer < network_->NumLayers(); ++layer) {
+    std::ranges::fill(ErrorsBelow(layer), 0.0);
+  }
+  std::ranges::transform(run.output, desired, Errors(network_->OutputLayer()).begin(),
+                         std::minus<>());
+  for (std::size_t layer = network_->NumLayers(); layer-- > 0;) TrainLayer(run, layer);
+}
+
+void TTrainModule::CheckLayers(const TTrainRun&) const {
+  AssertFalse(kModule, 79);
+}
+
+void TTrainModule::TrainLayer(const TTrainRun&, std::size_t) {
+  AssertFalse(kModule, 79);
+}
+
+bool TTrainModule::IsPenalised(std::size_t, std::size_t) const {
+  return true;
+}
+
+bool TTrainModule::IsTrained(std::size_t layer) const {
+  const auto sources = network_->Sources(layer);
+  return !sources.empty() && sources.front() < layer;
+}
+
+bool TTrainModule::IsFeedForward() const {
+  for (std::size_t layer = 0; layer < network_->NumLayers(); ++layer) {
+    const auto sources = network_->Sources(layer);
+    if (!sources.empty() && sources.back() >= layer) return false;
+  }
+  return true;
+}
+
+std::span<double> TTrainModule::ErrorsBelow(std::size_t layer) {
+  return IsTrained(layer) ? Errors(layer) : std::span<double>();
+}
+
+void TTrainModule::TrainBlock(const TTrainRun& run, std::size_t to, std::size_t from,
+                              const TBlockTerms& terms) {
+  TBasicConnections& block = network_->Connections(to, from);
+  if (run.at_once) {
+    TIterateObj2Step step(terms, run.learning_rate, run.momentum);
+    block.Iterate2(changes_->Connections(to, from), step);
+  } else {
+    TIterateObj2ErrorsAndDeltas gradient(terms);
+    block.Iterate2(deltas_->Connections(to, from), gradient);
+  }
+}
+
+template <typename TVisit>
+void TTrainModule::ForEachBlock(const TVisit& visit) {
+  for (std::size_t from = 0; from < network_->NumLayers(); ++from) {
+    for (std::size_t to = 0; to < network_->NumLayers(); ++to) {
+      if (network_->Connections(to, from).IsConnected()) visit(to, from);
+    }
+  }
+}
+
+// `share` is the part of the data set that the gradient stands for.
+void TTrainModule::AddPenaltyGradient(const TTrainRun& run, double share) {
+  if (!run.penalty.IsActive()) return;
+  const TPenaltyTerm& penalty = run.penalty;
+  const double scale = share * run.penalty_learning_rate;
+  TIterateObj2CalcPenaltyTerm quadratic(scale * penalty.epsilon1, scale * penalty.epsilon2,
+                                        penalty.beta);
+  TIterateObjLWFCalcPenaltyTerm forgetting(penalty.forgetting_rate, run.penalty_learning_rate);
+  const bool is_quadratic = penalty.kind == TPenaltyTerm::TKind::kQuadratic;
+  TIterateObj2& term = is_quadratic ? static_cast<TIterateObj2&>(quadratic) : forgetting;
+  ForEachBlock([&](std::size_t to, std::size_t from) {
+    if (!IsPenalised(to, from)) return;
+    network_->Connections(to, from).Iterate2(deltas_->Connections(to, from), term);
+  });
+}
+
+void TTrainModule::AddPenaltyToError(TTrainRun& run) {
+  if (!run.penalty.IsActive()) return;
+  ForEachBlock([&](std::size_t to, std::size_t from) {
+    if (!IsPenalised(to, from)) return;
+    run.error->AddPenalty(network_->Connections(to, from).Weights(), run.penalty.description);
+  });
+}
+
+void TTrainModule::UpdateWeights(const TTrainRun& run) {
+  TIterateObj2Update plain(run.learning_rate);
+  TIterateObj3UpdateMomentum with_momentum(run.learning_rate, run.momentum);
+  ForEachBlock([&](std::size_t to, std::size_t from) {
+    TBasicConnections& block = network_->Connections(to, from);
+    TBasicConnections& gradients = deltas_->Connections(to, from);
+    if (run.momentum == 0.0) {
+      block.Iterate2(gradients, plain);
+    } else {
+      block.Iterate3(gradients, changes_->Connections(to, from), with_momentum);
+    }
+  });
+}
+
+}  // namespace kiln
