@@ -88,7 +88,7 @@ void TBasicConnections::Iterate(TIterateObj& operation) {
   });
 }
 
-void TBasicConnections::Iterate(TIterateObjRead& operation) const {
+void TBasicConnections::Read(TIterateObjRead& operation) const {
   ForEachPlace([&](std::size_t, const TConnection& connection) { operation.Read(connection); });
 }
 

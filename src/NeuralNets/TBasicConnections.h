@@ -68,7 +68,7 @@ class TBasicConnections {
   void Accumulate(std::span<const double> outputs, std::span<double> net) const;
 
   void Iterate(TIterateObj& operation);
-  void Iterate(TIterateObjRead& operation) const;
+  void Read(TIterateObjRead& operation) const;
 
   // Walk this block and others of the same kind and shape in step.
   // Throw TAssertion when kind or shape differ.

@@ -208,22 +208,22 @@ void TBasicNetwork::Iterate(TIterateObj& operation) {
   }
 }
 
-void TBasicNetwork::Iterate(TIterateObjRead& operation) const {
+void TBasicNetwork::Read(TIterateObjRead& operation) const {
   for (std::size_t from = 0; from < NumLayers(); ++from) {
-    for (std::size_t to = 0; to < NumLayers(); ++to) Connections(to, from).Iterate(operation);
+    for (std::size_t to = 0; to < NumLayers(); ++to) Connections(to, from).Read(operation);
   }
 }
 
 std::size_t TBasicNetwork::GetNumWeights(TMask val) const {
   TIterateObjGetNumWeights count(val);
-  Iterate(count);
+  Read(count);
   return count.Count();
 }
 
 std::vector<double> TBasicNetwork::GetWeights(TMask val) const {
   std::vector<double> weights;
   TIterateObjGetWeights get(weights, val);
-  Iterate(get);
+  Read(get);
   return weights;
 }
 

@@ -80,7 +80,7 @@ class TBasicNetwork {
 
   // Apply an operation to every connection in the one order of weights.
   void Iterate(TIterateObj& operation);
-  void Iterate(TIterateObjRead& operation) const;
+  void Read(TIterateObjRead& operation) const;
 
   // Number and values of the weights that `val` selects (see CheckSelector).
   std::size_t GetNumWeights(TMask val) const;

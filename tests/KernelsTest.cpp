@@ -1,0 +1,144 @@
+#include "NeuralNets/Kernels.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "Networks.h"
+
+namespace kiln {
+namespace {
+
+struct TBuffers {
+  TBuffers(std::size_t to, std::size_t from)
+      : rows(to),
+        columns(from),
+        w(to * from),
+        g(to * from),
+        p(to * from),
+        m(to * from),
+        d(to),
+        y(to),
+        x(from),
+        e(from) {
+    for (TValues* values : {&w, &g, &p, &d, &y, &x, &e}) {
+      for (double& value : *values) value = Random::Uniform(-1.0, 1.0);
+    }
+    for (std::size_t i = 0; i < m.size(); ++i) {
+      m[i] = static_cast<TMask>(Random::Below(4));
+      if ((m[i] & FMaskExists) == 0) w[i] = 0.0;
+    }
+  }
+
+  void ExpectNear(const TBuffers& other) const {
+    const TValues* const mine[] = {&w, &g, &p, &y, &e};
+    const TValues* const others[] = {&other.w, &other.g, &other.p, &other.y, &other.e};
+    for (std::size_t k = 0; k < 5; ++k) {
+      for (std::size_t i = 0; i < mine[k]->size(); ++i) {
+        ASSERT_NEAR((*mine[k])[i], (*others[k])[i], 1e-12)
+            << rows << " x " << columns << ", buffer " << k << ", place " << i;
+      }
+    }
+  }
+
+  std::size_t rows, columns;
+  TValues w, g, p;
+  std::vector<TMask> m;
+  TValues d, y, x, e;
+};
+
+constexpr double kRate = 0.3;
+constexpr double kMomentum = 0.7;
+
+void RunKernels(const TKernels& k, TBuffers& b, bool masked, bool propagates) {
+  const TMask* m = masked ? b.m.data() : nullptr;
+  double* e = propagates ? b.e.data() : nullptr;
+  k.accumulate(b.w.data(), m, b.rows, b.columns, b.x.data(), b.y.data());
+  k.propagate(b.w.data(), m, b.rows, b.columns, b.d.data(), b.e.data());
+  k.add_gradient(b.g.data(), b.rows, b.columns, b.d.data(), b.x.data());
+  k.update(b.w.data(), m, b.w.size(), b.g.data(), kRate);
+  k.update_momentum(b.w.data(), m, b.w.size(), b.g.data(), b.p.data(), kRate, kMomentum);
+  k.step(b.w.data(), m, b.rows, b.columns, b.d.data(), b.x.data(), e, kRate);
+  k.step_momentum(b.w.data(), m, b.rows, b.columns, b.d.data(), b.x.data(), e, b.p.data(), kRate,
+                  kMomentum);
+}
+
+void RunByHand(TBuffers& b, bool masked, bool propagates) {
+  const auto sweep = [&](const auto& visit) {
+    for (std::size_t i = 0; i < b.w.size(); ++i) {
+      visit(i, i / b.columns, i % b.columns, !masked || (b.m[i] & FMaskExists) != 0,
+            !masked || b.m[i] == FMaskAll);
+    }
+  };
+  const auto back = [&](auto i, auto r, auto c, bool exists, bool) {
+    if (exists) b.e[c] += b.w[i] * b.d[r];
+  };
+  const auto move = [&](std::size_t i, double gradient, double momentum) {
+    const double change = momentum * b.p[i] - kRate * gradient;
+    if (momentum != 0.0) b.p[i] = change;
+    b.w[i] += change;
+  };
+  sweep([&](auto i, auto r, auto c, bool exists, bool) {
+    if (exists) b.y[r] += b.w[i] * b.x[c];
+  });
+  sweep(back);
+  sweep([&](auto i, auto r, auto c, bool, bool) { b.g[i] += b.d[r] * b.x[c]; });
+  for (const double momentum : {0.0, kMomentum}) {
+    sweep([&](auto i, auto, auto, bool, bool learns) {
+      if (learns) move(i, b.g[i], momentum);
+    });
+  }
+  for (const double momentum : {0.0, kMomentum}) {
+    if (propagates) sweep(back);
+    sweep([&](auto i, auto r, auto c, bool, bool learns) {
+      if (learns) move(i, b.d[r] * b.x[c], momentum);
+    });
+  }
+}
+
+TEST(KernelsTest, EveryLevelDoesWhatItsFormulasSay) {
+  for (const TKernelLevel level :
+       {TKernelLevel::kBaseline, TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
+    const TKernels* kernels = KernelsOf(level);
+    if (kernels == nullptr) continue;
+    for (const std::size_t rows : {0u, 1u, 2u, 3u, 4u, 5u, 8u, 9u, 70u}) {
+      for (std::size_t columns = 0; columns <= 70; ++columns) {
+        for (const bool masked : {false, true}) {
+          TBuffers fast(rows, columns);
+          TBuffers slow = fast;
+          RunKernels(*kernels, fast, masked, columns % 2 == 1);
+          RunByHand(slow, masked, columns % 2 == 1);
+          fast.ExpectNear(slow);
+        }
+      }
+    }
+    for (std::size_t n = 0; n <= 70; ++n) {
+      TValues a(n), b(n), y(n);
+      double distance = 0.0;
+      for (std::size_t i = 0; i < n; ++i) {
+        a[i] = Random::Uniform(-600.0, 800.0) / (i % 2 == 0 ? 1.0 : 100.0);
+        b[i] = Random::Uniform(-1.0, 1.0);
+        distance += (a[i] - b[i]) * (a[i] - b[i]);
+      }
+      EXPECT_NEAR(distance, kernels->squared_distance(a.data(), b.data(), n), 1e-12 * distance);
+      kernels->sigmoid(a.data(), y.data(), n);
+      for (std::size_t i = 0; i < n; ++i) {
+        const double expected = a[i] < -500.0 ? 1e-300 : 1.0 / (1.0 + std::exp(-a[i]));
+        EXPECT_NEAR(expected, y[i], 5e-16 * expected) << a[i];
+      }
+    }
+  }
+}
+
+TEST(KernelsTest, AForcedLevelIsTheOneInUse) {
+  const TKernels* chosen = &Kernels();
+  EXPECT_TRUE(ForceKernels(TKernelLevel::kBaseline));
+  EXPECT_EQ(KernelsOf(TKernelLevel::kBaseline), &Kernels());
+  for (const TKernelLevel level : {TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
+    EXPECT_EQ(KernelsOf(level) != nullptr, ForceKernels(level));
+  }
+  EXPECT_EQ(chosen, &Kernels());
+}
+
+}  // namespace
+}  // namespace kiln

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "DataObject/Data.h"
+#include "NeuralNets/TMLPNetwork.h"
+#include "Shared/Random.h"
+
+namespace kiln {
+
+using TValues = std::vector<double>;
+using TSizes = std::vector<int>;
+
+// The text of the failure of `operation`, or nothing.
+template <typename TOperation>
+std::string WhatOf(const TOperation& operation) {
+  try {
+    operation();
+  } catch (const std::exception& failure) {
+    return failure.what();
+  }
+  return "";
+}
+
+inline std::string AssertionText(const std::string& expression, const std::string& module,
+                                 int line) {
+  return "Assertion failed: " + expression + ", file " + module + ", line " + std::to_string(line);
+}
+
+// A perceptron whose weights are drawn from [-1, 1].
+inline std::shared_ptr<TMLPNetwork> MakePerceptron(const TSizes& sizes, bool bias) {
+  auto network = std::make_shared<TMLPNetwork>(sizes, bias);
+  network->Randomize(-1.0, 1.0);
+  return network;
+}
+
+// A ring that has wrapped, with random rows in [lower, upper].
+inline std::unique_ptr<Data> MakePatterns(int rows, int inputs, int outputs, double lower,
+                                          double upper) {
+  auto data = std::make_unique<Data>(rows, inputs, outputs, false);
+  for (int n = 0; n < rows + rows / 2; ++n) {
+    TValues input(static_cast<std::size_t>(inputs));
+    TValues output(static_cast<std::size_t>(outputs));
+    for (double& value : input) value = Random::Uniform(lower, upper);
+    for (double& value : output) value = Random::Uniform(lower, upper);
+    data->AddRow(input, output);
+  }
+  return data;
+}
+
+}  // namespace kiln

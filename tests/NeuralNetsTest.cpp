@@ -1,0 +1,405 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <numeric>
+
+#include "KQmessage/TKQstructure.h"
+#include "Networks.h"
+#include "NeuralNets/TConnectedConnections.h"
+#include "NeuralNets/TErrorObj.h"
+#include "NeuralNets/TGainLayer.h"
+#include "NeuralNets/TIterateObjFlags.h"
+#include "NeuralNets/TIterateObjWeights.h"
+#include "NeuralNets/TPrunedConnections.h"
+#include "NeuralNets/TSimpleInputLayer.h"
+#include "NeuralNets/TSimpleLayer.h"
+
+namespace kiln {
+namespace {
+
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+
+TValues RecallOf(TBasicNetwork& network, const TValues& input) {
+  TValues output(network.NumOutputs());
+  network.RecallPattern(input, output);
+  return output;
+}
+
+// --- Activation functions --------------------------------------------------------------------
+
+TEST(ActFunctionsTest, NeuronsAndWholeLayersComputeTheFunctionOfTheName) {
+  const struct {
+    const char* name;
+    double gain, x, y;
+  } cases[] = {{"BIAS", 2, -7, 1},
+               {"linear", 2, -1.5, -1.5},
+               {"saturated-linear", 2, 0, 0},
+               {"saturated-linear", 2, -3, 0},
+               {"Saturated-Linear", 2, 7, 1},
+               {"saturated-linear", 2, 0.25, 0.25},
+               {"saturated-linear", 2, kNaN, 0},
+               {"sigmoid", 2, 0, 0.5},
+               {"Sigmoid", 2, 1, 0.7310585786300049},
+               {"SIGMOID", 2, -20, 2.061153618190204e-09},
+               {"sigmoid", 2, -500, 7.124576406741286e-218},
+               {"sigmoid", 2, -500.5, 1e-300},
+               {"sigmoid", 2, -kInfinity, 1e-300},
+               {"sigmoid", 2, 800, 1},
+               {"tanh", 2, 0.5, 0.46211715726000973},
+               {"linear-gain", 2, -1.5, -3},
+               {"sigmoid-gain", 2, 0.5, 0.7310585786300049},
+               {"sigmoid-gain", 2, -300, 2.6503965530043108e-261},
+               {"tanh-gain", 0.5, 1, 0.46211715726000973}};
+  for (const auto& c : cases) {
+    const TActFunction function = TFnRegistry::Instance().Lookup(c.name);
+    EXPECT_EQ(function, TFnRegistry::Instance().Lookup(TFnRegistry::Instance().Lookup(function)));
+    TGainLayer whole(3, c.gain);
+    TGainLayer mixed(3, c.gain);
+    whole.SetActivation(function);
+    for (std::size_t i = 0; i < 3; ++i) {
+      mixed.Neuron(i).SetActivation(i == 1 ? function : ActBias);
+      whole.NetInputs()[i] = mixed.NetInputs()[i] = c.x;
+    }
+    whole.Activate();
+    mixed.Activate();
+    EXPECT_NEAR(c.y, whole.Outputs()[2], 1e-14 * std::abs(c.y)) << c.name << c.x;
+    EXPECT_NEAR(c.y, mixed.Outputs()[1], 1e-14 * std::abs(c.y)) << c.name << c.x;
+    EXPECT_EQ(1.0, mixed.Outputs()[2]);
+  }
+}
+
+TEST(ActFunctionsTest, PlaceholdersAndUnknownEntriesAreAssertions) {
+  constexpr char kModule[] = "NeuralNets/ActFunctions";
+  const auto line = [&](int n) { return AssertionText("false", kModule, n); };
+  TSimpleLayer layer(1);
+  TBasicNeuron& neuron = layer.Neuron(0);
+  EXPECT_EQ(line(37), WhatOf([&] { layer.Activate(); }));
+  EXPECT_EQ(line(45), WhatOf([&] { ActNull(neuron, 1); }));
+  EXPECT_EQ(line(151), WhatOf([&] { ActCog(neuron, 0.25); }));
+  EXPECT_EQ(0.25, layer.Outputs()[0]);
+  EXPECT_NE("", WhatOf([&] { ActTarnCondition(neuron, 1); }));
+  ActSigmoidGain(neuron, 0.0);
+  EXPECT_EQ(0.5, layer.Outputs()[0]);
+
+  TFnRegistry registry;
+  registry.Register(ActTanh, "mine");
+  EXPECT_TRUE(registry.Contains("MINE") && !registry.Contains("tanh"));
+  EXPECT_EQ(line(223), WhatOf([&] { registry.Lookup("tanh"); }));
+  EXPECT_EQ(line(239), WhatOf([&] { registry.Lookup(ActLinear); }));
+  EXPECT_EQ(AssertionText("strcasecmp(p,pp->name)!=0", kModule, 252),
+            WhatOf([&] { registry.Register(ActLinear, "Mine"); }));
+  registry.Register(ActTanh, "alias");
+  EXPECT_EQ("alias", registry.Lookup(ActTanh));
+}
+
+// --- Error measures --------------------------------------------------------------------------
+
+TEST(TErrorObjTest, MeasuresByHand) {
+  TErrorRMSObj rms(2);
+  rms.Accumulate(TValues{1, 0}, TValues{0, 0});
+  EXPECT_DOUBLE_EQ(std::sqrt(0.5), rms.Value());
+  rms.Accumulate(TValues{1, 3}, TValues{0, 1});
+  EXPECT_DOUBLE_EQ(std::sqrt(6.0 / 2 / 2), rms.Value());
+  rms.Reset();
+  EXPECT_TRUE(std::isnan(rms.Value()));
+
+  TErrorCrossEntropyObj entropy(2);
+  entropy.Accumulate(TValues{1, 0}, TValues{1, 1});
+  EXPECT_EQ(1000000.0, entropy.Value());
+  entropy.Reset();
+  entropy.Accumulate(TValues{0.25, 1}, TValues{0.5, 0.125});
+  EXPECT_DOUBLE_EQ(std::log(2.0) + std::log(8.0), entropy.Value());
+  entropy.Accumulate(TValues{0.5, 0.5}, TValues{0, 0.5});
+  EXPECT_EQ(kInfinity, entropy.Value());
+}
+
+TEST(TErrorObjTest, PenaltiesByHand) {
+  const struct {
+    const char* description;
+    double penalty;  // of the weights 1 and -2 at the scale 3
+  } cases[] = {
+      {"none", 0},
+      {"QUADPENALTY", 0},
+      {"(quadpenalty :epsilon1 1)", 3 * (0.5 + 0.8)},
+      {"(QuadPenalty :EPSILON1 0.5 :EPSILON2 0.25 :BETA 2)", 3 * (1.0 / 3 + 0.25 + 4.0 / 9 + 1.0)},
+      {"(LWF :ForgettingRate 0.5)", 0},
+      {"(lwf :ForgettingRate 0.5 :LearningRate 0.1)", 0.15}};
+  const TValues weights = {1, -2};
+  for (const auto& c : cases) {
+    const TKQstructure description = TKQstructure::Parse(c.description);
+    EXPECT_DOUBLE_EQ(c.penalty, TErrorObj::Penalty(weights, &description, 3.0)) << c.description;
+  }
+  EXPECT_EQ(0.0, TErrorObj::Penalty(weights, nullptr, 3.0));
+  const TKQstructure unknown("decay");
+  EXPECT_EQ(AssertionText("false", "NeuralNets/TErrorObj", 94),
+            WhatOf([&] { TErrorObj::Penalty(weights, &unknown, 1.0); }));
+
+  const TKQstructure lwf = TKQstructure::Parse("(LWF :FORGETTINGRATE 1 :LEARNINGRATE 1)");
+  TErrorRMSObj error(1);
+  error.Accumulate(TValues{1}, TValues{0});
+  error.AddPenalty(weights, &lwf);
+  EXPECT_DOUBLE_EQ(2.0, error.Value());
+}
+
+// --- Structure -------------------------------------------------------------------------------
+
+// Bias, two inputs, three hidden neurons, one output, a connection from the output back to the
+// hidden layer, and the weights 0, 1, 2, ... in the one order.
+TMLPNetwork MakeNumbered() {
+  TMLPNetwork network(TSizes{2, 3, 1}, true);
+  network.Connect(3, 2);
+  TValues weights(network.GetNumWeights(FMaskAll));
+  std::iota(weights.begin(), weights.end(), 0.0);
+  network.SetWeights(weights, FMaskAll);
+  return network;
+}
+
+TEST(TBasicNetworkTest, WalksWeightsFromLayerByFromLayerAndRowByRow) {
+  TMLPNetwork network = MakeNumbered();
+  ASSERT_EQ(16u, network.GetNumWeights(FMaskExists));
+  const struct {
+    std::size_t to_layer, from_layer, to, from;
+    double weight;
+  } cases[] = {{2, 0, 2, 0, 2}, {3, 0, 0, 0, 3},  {2, 1, 0, 1, 5}, {2, 1, 1, 0, 6},
+               {2, 1, 2, 1, 9}, {3, 2, 0, 2, 12}, {2, 3, 0, 0, 13}};
+  for (const auto& c : cases) {
+    EXPECT_EQ(c.weight, network.Connections(c.to_layer, c.from_layer).GetWeight(c.to, c.from));
+  }
+  std::vector<TConnection> seen;
+  TIterateObjSaveWeights save([&](const TConnection& connection) { seen.push_back(connection); });
+  network.Connections(2, 1).Read(save);
+  EXPECT_EQ((TValues{6, 2, 1, 0}), (TValues{double(seen.size()), seen[2].weight - 4,
+                                            double(seen[2].to), double(seen[2].from)}));
+  EXPECT_NE("", WhatOf([&] { network.SetWeights(TValues(15), FMaskAll); }));
+  EXPECT_NE("", WhatOf([&] { network.GetNumWeights(FMaskTrainable); }));
+}
+
+TEST(TBasicNetworkTest, PrunedAndFrozenConnections) {
+  TMLPNetwork network = MakeNumbered();
+  network.PruneNode(2, 1);
+  TBasicConnections& block = network.Connections(2, 1);
+  block.SetTrainable(0, 0, false);
+  EXPECT_FALSE(block.Exists(1, 0) || network.Connections(3, 2).Exists(0, 1) ||
+               block.IsTrainable(0, 0));
+  EXPECT_TRUE(block.IsTrainable(0, 1) && block.Exists(0, 0));
+  block.SetWeight(1, 0, 77);
+  EXPECT_EQ(0.0, block.GetWeight(1, 0));
+  TIterateObjCount count;
+  network.Read(count);
+  EXPECT_EQ(11u, count.Existing());
+  EXPECT_EQ(10u, count.Trainable());
+
+  // An absent connection stands in the vector of all weights, not in that of the existing ones.
+  EXPECT_EQ(16u, network.GetNumWeights(FMaskAll));
+  TValues existing = network.GetWeights(FMaskExists);
+  EXPECT_EQ((TValues{0, 2, 3, 4, 5, 8, 9, 10, 12, 13, 15}), existing);
+  for (double& weight : existing) weight += 1;
+  network.SetWeights(existing, FMaskExists);
+  EXPECT_EQ(existing, network.GetWeights(FMaskExists));
+  network.SetWeights(TValues(16, 7.0), FMaskAll);
+  EXPECT_EQ(TValues(11, 7.0), network.GetWeights(FMaskExists));
+  network.Randomize(1.0, 1.0);
+  EXPECT_EQ((TValues{1, 0, 1}), (TValues{network.GetWeights(FMaskAll)[0],
+                                         network.GetWeights(FMaskAll)[1], block.GetWeight(0, 1)}));
+
+  std::vector<TMask> flags;
+  TIterateObjGetFlags get(flags, FMaskAll);
+  network.Read(get);
+  TMLPNetwork other = MakeNumbered();
+  TIterateObjSetFlags set(flags, FMaskAll);
+  other.Iterate(set);
+  EXPECT_TRUE(!other.Connections(2, 1).IsTrainable(0, 0) && !other.Connections(2, 3).Exists(1, 0));
+  TIterateObjAllUntrainable freeze;
+  TIterateObjCount recount;
+  TIterateObjAggregate both({&freeze, &recount});
+  other.Iterate(both);
+  EXPECT_EQ(0u, recount.Trainable());
+}
+
+TEST(TBasicNetworkTest, AbsentConnectionsContributeNothingWhateverMeetsThere) {
+  TMLPNetwork network(TSizes{2, 1}, false);
+  network.Layer(2).SetActivation(ActLinear);
+  network.SetWeights(TValues{3, 4}, FMaskAll);
+  network.Connections(2, 1).SetExists(0, 0, false);
+  EXPECT_EQ(TValues{8}, RecallOf(network, {kNaN, 2}));
+}
+
+TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
+  TSimpleLayer two(2);
+  TSimpleLayer three(3);
+  TPrunedConnections pruned;
+  EXPECT_NE(std::string::npos, WhatOf([&] { pruned.Exists(0, 0); }).find("attached"));
+  pruned.Attach(two, three);
+  EXPECT_FALSE(pruned.Exists(2, 0) || pruned.Exists(0, 3));
+  EXPECT_NE("", WhatOf([&] { pruned.SetWeight(0, 3, 1.0); }));
+  TConnectedConnections full;
+  full.Attach(two, three);
+  full.SetExists(1, 2, true);
+  EXPECT_NE("", WhatOf([&] { full.SetExists(1, 2, false); }));
+  struct : TIterateObj2 {
+  } walk;
+  EXPECT_NE(std::string::npos,
+            WhatOf([&] { full.Iterate2(pruned, walk); }).find("GetConnectionsN"));
+  TPrunedConnections other;
+  other.Attach(two, two);
+  EXPECT_NE("", WhatOf([&] { pruned.Iterate2(other, walk); }));
+}
+
+TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
+  TMLPNetwork network = MakeNumbered();
+  network.Connections(2, 1).SetTrainable(1, 0, false);
+  const TValues weights = network.GetWeights(FMaskAll);
+  const TValues before = RecallOf(network, {0.5, -0.25});
+  network.AddNeuron(2, 1);
+  EXPECT_EQ((TValues{0, 0, 1, 2, 3, 4, 5, 0, 0, 6, 7, 8, 9, 10, 0, 11, 12, 13, 0, 14, 15}),
+            network.GetWeights(FMaskAll));
+  EXPECT_TRUE(network.Connections(2, 1).IsTrainable(1, 0) &&
+              !network.Connections(2, 1).IsTrainable(2, 0));
+  network.Layer(3).Outputs()[0] = 0.0;
+  EXPECT_EQ(before, RecallOf(network, {0.5, -0.25}));
+  network.RemoveNeuron(2, 1);
+  EXPECT_EQ(weights, network.GetWeights(FMaskAll));
+  network.Layer(3).Outputs()[0] = 0.0;
+  EXPECT_EQ(before, RecallOf(network, {0.5, -0.25}));
+
+  const struct {
+    int layer, node;
+    const char* expression;
+  } refused[] = {{-1, 0, "LayerNum>=0"},      {4, 0, "LayerNum<numLayers"},
+                 {1, 0, "LayerNum!=inLayer"}, {3, 0, "LayerNum!=outLayer"},
+                 {2, -1, "node>=0"},          {2, 8, "node<=GetNumNeurons()"},
+                 {2, 4, "node<=numneurons"}};
+  for (const auto& c : refused) {
+    EXPECT_EQ(0u, WhatOf([&] {
+                    network.AddNeuron(c.layer, c.node);
+                  }).find("Assertion failed: " + std::string(c.expression)));
+  }
+  EXPECT_NE("", WhatOf([&] { network.RemoveNeuron(2, 3); }));
+  EXPECT_EQ(weights, network.GetWeights(FMaskAll));
+}
+
+TEST(TBasicNetworkTest, NeuronsHaveNumbersThroughTheWholeNetwork) {
+  TMLPNetwork network = MakeNumbered();
+  EXPECT_EQ(7, network.GetNumNeurons());
+  EXPECT_EQ(&network.Layer(0).Neuron(0), &network.Neuron(0));
+  EXPECT_EQ(&network.Layer(2).Neuron(1), &network.Neuron(4));
+  EXPECT_EQ(&network.Layer(3).Neuron(0), &network.Neuron(6));
+  EXPECT_NE("", WhatOf([&] { network.Neuron(-1); }));
+  EXPECT_NE("", WhatOf([&] { network.Neuron(7); }));
+}
+
+TEST(TBasicNetworkTest, LayersKnowTheFunctionTheirNeuronsShare) {
+  TGainLayer layer(2);
+  EXPECT_EQ(ActError, layer.GetActivation());
+  layer.SetActivation(ActTanh);
+  layer.Neuron(1).SetActivation(ActLinear);
+  EXPECT_EQ(nullptr, layer.GetActivation());
+  layer.Neuron(0).SetActivation(ActLinear);
+  EXPECT_EQ(ActLinear, layer.GetActivation());
+  EXPECT_EQ(ActNull, TSimpleLayer(0).GetActivation());
+  layer.Neuron(1).SetParameter(0, 3.0);
+  EXPECT_EQ("Gain", layer.Neuron(1).ParameterName(0));
+  EXPECT_EQ(3.0, layer.Clone()->Neuron(1).GetParameter(0));
+}
+
+TEST(TBasicNetworkTest, CopiesStandOnTheirOwn) {
+  TMLPNetwork network = MakeNumbered();
+  network.Connections(2, 1).SetExists(0, 0, false);
+  network.Layer(2).Neuron(1).SetParameter(0, 2.0);
+  RecallOf(network, {1, 2});
+  const auto copy = network.Clone();
+  const TValues expected = RecallOf(network, {-1, 0.5});
+  network.ClearWeights();
+  network.Layer(2).SetActivation(ActLinear);
+  EXPECT_EQ(expected, RecallOf(*copy, {-1, 0.5}));
+  EXPECT_EQ(2.0, copy->Layer(2).Neuron(1).Gain());
+  network.Assign(*copy);
+  EXPECT_EQ(copy->GetWeights(FMaskExists), network.GetWeights(FMaskExists));
+  EXPECT_EQ(RecallOf(*copy, {3, 4}), RecallOf(network, {3, 4}));
+  EXPECT_NE("", WhatOf([&] { network.Assign(TConnectedNetwork(3)); }));
+}
+
+TEST(TBasicNetworkTest, SizesAreCheckedBeforeMemoryIsTaken) {
+  for (const TSizes& sizes : {TSizes{}, TSizes{0}, TSizes{2, -1}, TSizes{1 << 25, 1},
+                              TSizes{1 << 20, 1 << 11}, TSizes(600, 1)}) {
+    EXPECT_NE(std::string::npos, WhatOf([&] { TMLPNetwork(sizes, true); }).find("Bad Parameter"));
+  }
+  EXPECT_NE("", WhatOf([] { TConnectedNetwork(0); }));
+}
+
+// --- Recall ----------------------------------------------------------------------------------
+
+TEST(TBasicNetworkTest, ConnectionsFromLaterLayersRememberOneStep) {
+  TConnectedNetwork network(3);
+  network.SetLayer(1, std::make_unique<TSimpleInputLayer>(1));
+  network.SetLayer(2, std::make_unique<TSimpleLayer>(1));
+  network.Layer(2).SetActivation(ActLinear);
+  network.Connect(1, 2);
+  network.Connect(2, 2);
+  network.SetWeights(TValues{1, 0.5}, FMaskAll);
+  EXPECT_EQ(TValues{4}, RecallOf(network, {4}));
+  EXPECT_EQ(TValues{2}, RecallOf(network, {0}));
+  Data patterns(2, 1, 0, false);
+  patterns.AddRow(TValues{1}, {});
+  patterns.AddRow(TValues{0}, {});
+  const auto recalled = network.Recall(&patterns);
+  EXPECT_EQ(2.0, recalled->GetOutputDatum(0, 0));
+  EXPECT_EQ(1.0, recalled->GetOutputDatum(1, 0));
+}
+
+TEST(TBasicNetworkTest, UnusualLayersStillCompute) {
+  TConnectedNetwork network(3);
+  network.SetLayer(1, std::make_unique<TSimpleLayer>(2));
+  network.SetLayer(2, std::make_unique<TSimpleInputLayer>(1));
+  network.Layer(1).SetActivation(ActLinear);
+  network.Layer(2).Outputs()[0] = 9.0;
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(TValues{0}, RecallOf(network, {5, 6}));
+  EXPECT_EQ(
+      "!Warning: changed input layer (TSimpleLayer)\n"
+      "!Warning: changed input layer (TSimpleInputLayer)\n",
+      testing::internal::GetCapturedStdout());
+  EXPECT_EQ(6.0, network.Layer(1).Outputs()[1]);
+
+  TConnectedNetwork unconnected(3);
+  unconnected.SetLayer(2, std::make_unique<TSimpleLayer>(2));
+  unconnected.SetLayer(1, std::make_unique<TSimpleInputLayer>(1));
+  unconnected.Layer(2).SetActivation(ActSigmoid);
+  EXPECT_EQ((TValues{0.5, 0.5}), RecallOf(unconnected, {3}));
+}
+
+TEST(TBasicNetworkTest, RecallsWholeSetsOldestRowFirst) {
+  const auto network = MakePerceptron({3, 5, 2}, true);
+  const auto data = MakePatterns(7, 3, 2, 0.0, 1.0);
+  const auto rows = network->Recall(data.get());
+  const auto outputs = network->RecallOutputOnly(data.get());
+  double sum = 0.0;
+  for (int n = 0; n < 7; ++n) {
+    const DataRow row = data->Row(n);
+    const TValues expected = RecallOf(*network, TValues(row.Inputs.begin(), row.Inputs.end()));
+    for (std::size_t i = 0; i < 2; ++i) {
+      EXPECT_DOUBLE_EQ(expected[i], rows->Row(n).Outputs[i]);
+      EXPECT_DOUBLE_EQ(expected[i], outputs->Row(n).Outputs[i]);
+      sum += std::pow(expected[i] - row.Outputs[i], 2);
+    }
+    EXPECT_EQ(row.Inputs[2], rows->Row(n).Inputs[2]);
+  }
+  TErrorRMSObj error(2);
+  EXPECT_NEAR(std::sqrt(sum / 14), network->RecallError(data.get(), &error), 1e-12);
+
+  EXPECT_EQ("Null data pointer Null Pointer Parameter TTarn::RecallOutputOnly",
+            WhatOf([&] { network->RecallOutputOnly(nullptr); }));
+  EXPECT_EQ(0u, WhatOf([&] { network->Recall(nullptr); }).find("Assertion failed: in != nil"));
+  EXPECT_EQ(0u, WhatOf([&] {
+                  network->RecallError(data.get(), nullptr);
+                }).find("Assertion failed: err != nil"));
+  const auto narrow = MakePatterns(2, 2, 2, 0.0, 1.0);
+  EXPECT_NE("", WhatOf([&] { network->Recall(narrow.get()); }));
+  EXPECT_NE("", WhatOf([&] { network->RecallOutputOnly(narrow.get()); }));
+  EXPECT_NE("", WhatOf([&] { network->RecallError(narrow.get(), &error); }));
+}
+
+}  // namespace
+}  // namespace kiln
