@@ -35,41 +35,41 @@ TEST(Registry, ReservesTheWordsThatCommandsSearchFor) {
 }
 
 TEST(CommandLine, FindsTagsAsWholeWordsFromTheLeft) {
-  EXPECT_EQ(CommandLine("create Data alias alias inputs 2").Word("alias").Value, "alias");
-  EXPECT_EQ(CommandLine("x myalias a aliased b alias   c d").Word("alias").Value, "c");
-  EXPECT_EQ(CommandLine("alias c").Word("alias").Value, "c");
-  EXPECT_EQ(CommandLine("a rows 1 rows 2").Long("rows").Value, 1);
+  EXPECT_EQ(CommandLine("create Data alias alias inputs 2").Word("alias").value, "alias");
+  EXPECT_EQ(CommandLine("x myalias a aliased b alias   c d").Word("alias").value, "c");
+  EXPECT_EQ(CommandLine("alias c").Word("alias").value, "c");
+  EXPECT_EQ(CommandLine("a rows 1 rows 2").Long("rows").value, 1);
   for (const char* line : {"", "x", "alias", "x Alias c", "x\talias c", "x alias", "x alias   "})
-    EXPECT_EQ(CommandLine(line).Word("alias").Code, ReadCode::kTagAbsent) << line;
+    EXPECT_EQ(CommandLine(line).Word("alias").code, ReadCode::kTagAbsent) << line;
   EXPECT_EQ(CommandLine("  two words").CommandWord(), "two");
-  EXPECT_EQ(CommandLine("a " + std::string(90, 'x')).Word("a").Value.size(), 80U);
+  EXPECT_EQ(CommandLine("a " + std::string(90, 'x')).Word("a").value.size(), 80U);
 }
 
 TEST(CommandLine, ConvertsWithoutComplaint) {
-  EXPECT_EQ(CommandLine("n 12abc").Long("n").Value, 12);
-  EXPECT_EQ(CommandLine("n abc").Long("n").Value, 0);
-  EXPECT_EQ(CommandLine("n -99999999999999999999").Long("n").Value, INT64_MIN);
-  EXPECT_DOUBLE_EQ(CommandLine("n +.5e1,").Double("n").Value, 5.0);
-  EXPECT_TRUE(CommandLine("b ON").Boolean("b").Value);
-  EXPECT_FALSE(CommandLine("b False").Boolean("b").Value);
-  EXPECT_EQ(CommandLine("b yes").Boolean("b").Code, ReadCode::kNotABoolean);
+  EXPECT_EQ(CommandLine("n 12abc").Long("n").value, 12);
+  EXPECT_EQ(CommandLine("n abc").Long("n").value, 0);
+  EXPECT_EQ(CommandLine("n -99999999999999999999").Long("n").value, INT64_MIN);
+  EXPECT_DOUBLE_EQ(CommandLine("n +.5e1,").Double("n").value, 5.0);
+  EXPECT_TRUE(CommandLine("b ON").Boolean("b").value);
+  EXPECT_FALSE(CommandLine("b False").Boolean("b").value);
+  EXPECT_EQ(CommandLine("b yes").Boolean("b").code, ReadCode::kNotABoolean);
   EXPECT_EQ(CommandLine("seed inputs seed 1x seed -7 seed 8").WholeNumber("seed"), -7);
   EXPECT_FALSE(CommandLine("alias seed network seed").WholeNumber("seed"));
 }
 
 TEST(CommandLine, ReadsListsAndParentheses) {
   const CommandLine line("f (a b) l { 1,x , 3} b {on, OFF } bad {on, 2} empty { } open {1");
-  EXPECT_EQ(line.Parenthesised("f").Value, "a b");
-  EXPECT_EQ(line.Parenthesised("l").Code, ReadCode::kNoParentheses);
-  EXPECT_EQ(line.Parenthesised("F").Code, ReadCode::kTagAbsent);
-  EXPECT_EQ(line.Longs("l").Value, (std::vector<std::int64_t>{1, 0, 3}));
-  EXPECT_EQ(line.Words("l").Value, (std::vector<std::string_view>{" 1", "x ", " 3"}));
-  EXPECT_EQ(line.Booleans("b").Value, (std::vector<bool>{true, false}));
-  EXPECT_EQ(line.Booleans("bad").Code, ReadCode::kNotABoolean);
-  EXPECT_EQ(line.Doubles("empty").Code, ReadCode::kRead);
-  EXPECT_TRUE(line.Doubles("empty").Value.empty());
-  EXPECT_EQ(line.Doubles("open").Code, ReadCode::kTagAbsent);
-  EXPECT_EQ(CommandLine("l {" + std::string(300, '1') + "}").Words("l").Value[0].size(), 254U);
+  EXPECT_EQ(line.Parenthesised("f").value, "a b");
+  EXPECT_EQ(line.Parenthesised("l").code, ReadCode::kNoParentheses);
+  EXPECT_EQ(line.Parenthesised("F").code, ReadCode::kTagAbsent);
+  EXPECT_EQ(line.Longs("l").value, (std::vector<std::int64_t>{1, 0, 3}));
+  EXPECT_EQ(line.Words("l").value, (std::vector<std::string_view>{" 1", "x ", " 3"}));
+  EXPECT_EQ(line.Booleans("b").value, (std::vector<bool>{true, false}));
+  EXPECT_EQ(line.Booleans("bad").code, ReadCode::kNotABoolean);
+  EXPECT_EQ(line.Doubles("empty").code, ReadCode::kRead);
+  EXPECT_TRUE(line.Doubles("empty").value.empty());
+  EXPECT_EQ(line.Doubles("open").code, ReadCode::kTagAbsent);
+  EXPECT_EQ(CommandLine("l {" + std::string(300, '1') + "}").Words("l").value[0].size(), 254U);
 }
 
 TEST(Interpreter, AnErrorLeavesTheCursorOfAWrappedSetWhereItWas) {

@@ -9,9 +9,9 @@ namespace kiln {
 
 bool RequiredBoolean(const CommandLine& line, std::string_view tag) {
   const Reading<bool> reading = line.Boolean(tag);
-  if (reading.Code == ReadCode::kTagAbsent) Fail("tag ", tag, " not found");
-  if (reading.Code == ReadCode::kNotABoolean) Fail("bad argument to tag ", tag);
-  return reading.Value;
+  if (reading.code == ReadCode::kTagAbsent) Fail("tag ", tag, " not found");
+  if (reading.code == ReadCode::kNotABoolean) Fail("bad argument to tag ", tag);
+  return reading.value;
 }
 
 std::string RequiredPath(const CommandLine& line, std::string_view message) {
@@ -36,9 +36,9 @@ std::string_view RequiredAlias(const CommandLine& line, std::string_view tag,
 
 std::string_view RequiredAlias(const CommandLine& line, std::string_view tag) {
   const Reading<std::string_view> alias = line.Word(tag);
-  if (alias.Code != ReadCode::kRead) Fail("tag ", tag, " not found");
-  RefuseReserved(alias.Value);
-  return alias.Value;
+  if (alias.code != ReadCode::kRead) Fail("tag ", tag, " not found");
+  RefuseReserved(alias.value);
+  return alias.value;
 }
 
 std::string_view RequiredNewAlias(const TObjectRegistry& registry, const CommandLine& line,
@@ -52,6 +52,13 @@ const TRegistryNode& RequiredEntry(const TObjectRegistry& registry, std::string_
   const TRegistryNode* node = registry.Find(alias);
   if (!node) Fail(alias, " does not exist");
   return *node;
+}
+
+void RequireColumns(std::string_view set, int columns, std::string_view side,
+                    std::string_view owner, std::size_t wanted) {
+  if (static_cast<std::size_t>(columns) == wanted) return;
+  Fail(set, " has ", std::to_string(columns), " ", side, " but ", owner, " has ",
+       std::to_string(wanted));
 }
 
 }  // namespace kiln

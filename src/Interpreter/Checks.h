@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <stdexcept>
@@ -39,16 +40,16 @@ template <typename... TParts>
 // An argument without which the command cannot go on.
 template <typename T>
 T Required(Reading<T> reading, std::string_view message) {
-  if (reading.Code != ReadCode::kRead) Fail(message);
-  return std::move(reading.Value);
+  if (reading.code != ReadCode::kRead) Fail(message);
+  return std::move(reading.value);
 }
 
 // An argument that may be left out. One that is there but cannot be read is TAssertion.
 template <typename T>
 T Optional(Reading<T> reading, T fallback) {
-  if (reading.Code == ReadCode::kTagAbsent) return fallback;
-  Assert(reading.Code == ReadCode::kRead, "IntReturn == SUCCESS", "Interpreter/Checks");
-  return std::move(reading.Value);
+  if (reading.code == ReadCode::kTagAbsent) return fallback;
+  Assert(reading.code == ReadCode::kRead, "IntReturn == SUCCESS", "Interpreter/Checks");
+  return std::move(reading.value);
 }
 
 bool RequiredBoolean(const CommandLine& line, std::string_view tag);
@@ -83,5 +84,10 @@ std::shared_ptr<T> RequiredKind(const TRegistryNode& node, std::string_view alia
   if (!object) Fail(alias, what);
   return object;
 }
+
+// Fails unless a side of the data set `set`, "inputs" or "outputs", has as many columns as that of
+// `owner`, which is a network.
+void RequireColumns(std::string_view set, int columns, std::string_view side,
+                    std::string_view owner, std::size_t wanted);
 
 }  // namespace kiln

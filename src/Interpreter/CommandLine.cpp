@@ -62,9 +62,9 @@ template <typename TConvert>
 auto ConvertElements(const std::optional<std::string_view>& list, TConvert convert) {
   Reading<std::vector<decltype(convert(*list))>> reading{ReadCode::kTagAbsent, {}};
   if (!list) return reading;
-  reading.Code = ReadCode::kRead;
+  reading.code = ReadCode::kRead;
   ForEachElement(*list,
-                 [&](std::string_view element) { reading.Value.push_back(convert(element)); });
+                 [&](std::string_view element) { reading.value.push_back(convert(element)); });
   return reading;
 }
 
@@ -92,18 +92,18 @@ Reading<std::string_view> CommandLine::Word(std::string_view tag) const {
 
 Reading<bool> CommandLine::Boolean(std::string_view tag) const {
   const Reading<std::string_view> word = Word(tag);
-  if (word.Code != ReadCode::kRead) return {word.Code, false};
-  return ToBoolean(word.Value);
+  if (word.code != ReadCode::kRead) return {word.code, false};
+  return ToBoolean(word.value);
 }
 
 Reading<std::int64_t> CommandLine::Long(std::string_view tag) const {
   const Reading<std::string_view> word = Word(tag);
-  return {word.Code, ToLong(word.Value)};
+  return {word.code, ToLong(word.value)};
 }
 
 Reading<double> CommandLine::Double(std::string_view tag) const {
   const Reading<std::string_view> word = Word(tag);
-  return {word.Code, ToDouble(word.Value)};
+  return {word.code, ToDouble(word.value)};
 }
 
 Reading<std::string_view> CommandLine::Parenthesised(std::string_view tag) const {
@@ -133,11 +133,11 @@ Reading<std::vector<double>> CommandLine::Doubles(std::string_view tag) const {
 
 Reading<std::vector<bool>> CommandLine::Booleans(std::string_view tag) const {
   const Reading<std::vector<std::string_view>> words = Words(tag);
-  Reading<std::vector<bool>> reading{words.Code, {}};
-  for (const std::string_view word : words.Value) {
+  Reading<std::vector<bool>> reading{words.code, {}};
+  for (const std::string_view word : words.value) {
     const Reading<bool> element = ToBoolean(word);
-    if (element.Code != ReadCode::kRead) return {element.Code, {}};
-    reading.Value.push_back(element.Value);
+    if (element.code != ReadCode::kRead) return {element.code, {}};
+    reading.value.push_back(element.value);
   }
   return reading;
 }

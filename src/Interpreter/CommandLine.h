@@ -15,11 +15,11 @@ enum class ReadCode {
   kNoParentheses = -203,
 };
 
-// What an argument reader found: `Value` counts when `Code` is kRead.
+// What an argument reader found: `value` counts when `code` is kRead.
 template <typename T>
 struct Reading {
-  ReadCode Code;
-  T Value;
+  ReadCode code;
+  T value;
 };
 
 // A command and its arguments, "create Data alias d inputs 2 ...": a word that names the command,

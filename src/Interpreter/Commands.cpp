@@ -9,7 +9,7 @@ namespace kiln {
 int Dispatch(std::span<const TCommand> table, std::string_view word, std::string_view unknown,
              TInterpreter& interpreter, const CommandLine& line) {
   for (const TCommand& command : table) {
-    if (EqualNoCase(command.Word, word)) return command.Handler(interpreter, line);
+    if (EqualNoCase(command.word, word)) return command.handler(interpreter, line);
   }
   Fail(unknown);
 }

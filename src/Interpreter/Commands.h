@@ -18,8 +18,8 @@ using THandler = int (*)(TInterpreter& interpreter, const CommandLine& line);
 
 // A word and what it stands for; words are compared ignoring case.
 struct TCommand {
-  std::string_view Word;
-  THandler Handler;
+  std::string_view word;
+  THandler handler;
 };
 
 // Runs the first entry for `word`; fails with the message `unknown` when there is none.

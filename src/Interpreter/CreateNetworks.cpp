@@ -1,5 +1,6 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
+#include "NeuralNets/TMLPNetwork.h"
 
 namespace kiln::commands {
 
@@ -17,8 +18,11 @@ int CreateMLP(TInterpreter& interpreter, const CommandLine& line) {
   std::vector<int> sizes = {AtLeast(1, inputs, "inputs")};
   for (const std::int64_t size : hidden) sizes.push_back(AtLeast(1, size, "hidden"));
   sizes.push_back(AtLeast(1, outputs, "outputs"));
-  static_cast<void>(bias);
-  NotYet("Perceptrons");
+  auto network = std::make_unique<TMLPNetwork>(sizes, bias);
+  StartRandom(line);
+  network->Randomize(-1.0, 1.0);
+  interpreter.Insert({alias, std::move(network)});
+  return kDone;
 }
 
 int CreateTarn(TInterpreter& interpreter, const CommandLine& line) {

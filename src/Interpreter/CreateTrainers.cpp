@@ -1,5 +1,7 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
+#include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/TMLPNetwork.h"
 
 namespace kiln::commands {
 
@@ -9,7 +11,11 @@ int CreateBPTrainer(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network", "cannot find network tag");
   const TRegistryNode* network = interpreter.Find(name);
   if (!network) Fail("cannot find network ", name);
-  Fail("cannot BP train this object");
+  if (network->As<TTarn>()) NotYet("Trainers of Tarn networks");
+  const auto perceptron = network->As<TMLPNetwork>();
+  if (!perceptron) Fail("cannot BP train this object");
+  interpreter.Insert({alias, std::make_unique<TBackpropModule>(perceptron)});
+  return kDone;
 }
 
 int CreateLWFTrainer(TInterpreter& interpreter, const CommandLine& line) {

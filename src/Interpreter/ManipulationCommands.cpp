@@ -11,10 +11,10 @@ namespace {
 
 // The tags of the bounds of one side: a list with a value for each column, or one value for all.
 struct TBoundTags {
-  std::string_view ColumnMaxima;
-  std::string_view ColumnMinima;
-  std::string_view Maximum;
-  std::string_view Minimum;
+  std::string_view column_maxima;
+  std::string_view column_minima;
+  std::string_view maximum;
+  std::string_view minimum;
 };
 
 constexpr TBoundTags kInputTags = {"inputcmaxs", "inputcmins", "inputgmax", "inputgmin"};
@@ -25,9 +25,9 @@ constexpr char kNothing[] = "nothing to do";
 // A list of bounds, which may be left out.
 Reading<std::vector<double>> ColumnValues(const CommandLine& line, std::string_view tag,
                                           int columns) {
-  if (line.Word(tag).Code != ReadCode::kRead) return {ReadCode::kTagAbsent, {}};
+  if (line.Word(tag).code != ReadCode::kRead) return {ReadCode::kTagAbsent, {}};
   Reading<std::vector<double>> values = line.Doubles(tag);
-  if (values.Code != ReadCode::kRead || std::ssize(values.Value) != columns) {
+  if (values.code != ReadCode::kRead || std::ssize(values.value) != columns) {
     Fail("error parsing array");
   }
   return values;
@@ -36,21 +36,21 @@ Reading<std::vector<double>> ColumnValues(const CommandLine& line, std::string_v
 // Whether two bounds that only make sense together are given.
 template <typename T>
 bool ArePair(const Reading<T>& maximum, const Reading<T>& minimum) {
-  if (maximum.Code != minimum.Code) Fail(kNothing);
-  return maximum.Code == ReadCode::kRead;
+  if (maximum.code != minimum.code) Fail(kNothing);
+  return maximum.code == ReadCode::kRead;
 }
 
 // The bounds of a side of so many columns. Those of single columns win over those of all.
 std::optional<ColumnBounds> SideBounds(const CommandLine& line, const TBoundTags& tags,
                                        int columns) {
-  const auto maxima = ColumnValues(line, tags.ColumnMaxima, columns);
-  const auto minima = ColumnValues(line, tags.ColumnMinima, columns);
-  const auto maximum = line.Double(tags.Maximum);
-  const auto minimum = line.Double(tags.Minimum);
+  const auto maxima = ColumnValues(line, tags.column_maxima, columns);
+  const auto minima = ColumnValues(line, tags.column_minima, columns);
+  const auto maximum = line.Double(tags.maximum);
+  const auto minimum = line.Double(tags.minimum);
   const bool by_column = ArePair(maxima, minima);
   const bool for_all = ArePair(maximum, minimum);
-  if (by_column) return ColumnBounds(maxima.Value, minima.Value);
-  if (for_all) return ColumnBounds(columns, maximum.Value, minimum.Value);
+  if (by_column) return ColumnBounds(maxima.value, minima.value);
+  if (for_all) return ColumnBounds(columns, maximum.value, minimum.value);
   return std::nullopt;
 }
 

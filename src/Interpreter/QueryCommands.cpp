@@ -5,6 +5,7 @@
 #include "Interpreter/Answers.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "NeuralNets/TMLPNetwork.h"
 #include "Shared/TException.h"
 
 namespace kiln::commands {
@@ -20,8 +21,8 @@ static_assert(std::size(kClassNames) == std::variant_size_v<TObject>);
 
 // An object whose alias stands behind the word of the query.
 struct TSubject {
-  std::string_view Alias;
-  const TRegistryNode& Node;
+  std::string_view alias;
+  const TRegistryNode& node;
 };
 
 TSubject Subject(const TInterpreter& interpreter, const CommandLine& line, std::string_view query) {
@@ -37,7 +38,7 @@ int AliasExists(TInterpreter& interpreter, const CommandLine& line) {
 }
 
 int ClassOf(TInterpreter& interpreter, const CommandLine& line) {
-  const int tag = Subject(interpreter, line, "classof").Node.Type();
+  const int tag = Subject(interpreter, line, "classof").node.Type();
   const std::string_view name = kClassNames[static_cast<std::size_t>(tag) - 1];
   if (!name.empty()) interpreter.SetResult(std::string(name));
   return kValue;
@@ -50,10 +51,25 @@ std::string Structure(const Data& set) {
   return text.str();
 }
 
+std::string Structure(const TMLPNetwork& network) {
+  std::vector<std::int64_t> hidden;
+  for (std::size_t i = 1; i < network.NumLayers(); ++i) {
+    if (i == network.InputLayer() || i == network.OutputLayer()) continue;
+    hidden.push_back(static_cast<std::int64_t>(network.Layer(i).NumNeurons()));
+  }
+  std::ostringstream text;
+  text << "layers " << network.NumLayers() - 1 << " inputs " << network.NumInputs() << " hidden "
+       << AnswerArray(hidden) << " outputs " << network.NumOutputs() << " bias "
+       << AnswerSwitch(network.Layer(0).NumNeurons() > 0);
+  return text.str();
+}
+
 int StructureOf(TInterpreter& interpreter, const CommandLine& line) {
-  const TRegistryNode& node = Subject(interpreter, line, "structureof").Node;
+  const TRegistryNode& node = Subject(interpreter, line, "structureof").node;
   if (const auto set = node.As<Data>()) {
     interpreter.SetResult(Structure(*set));
+  } else if (const auto perceptron = node.As<TMLPNetwork>()) {
+    interpreter.SetResult(Structure(*perceptron));
   } else {
     Fail("no structure for this type of object");
   }
@@ -84,8 +100,8 @@ std::string StepToNextRow(Data& set) {
 
 int GetNextRow(TInterpreter& interpreter, const CommandLine& line) {
   const TSubject subject = Subject(interpreter, line, "getnextrow");
-  const auto set = RequiredKind<Data>(subject.Node, subject.Alias, " is not of type Data");
-  if (set->DataRows() == 0) Fail(subject.Alias, " has no rows");
+  const auto set = RequiredKind<Data>(subject.node, subject.alias, " is not of type Data");
+  if (set->DataRows() == 0) Fail(subject.alias, " has no rows");
   interpreter.SetResult(StepToNextRow(*set));
   return kValue;
 }

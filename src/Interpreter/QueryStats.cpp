@@ -12,9 +12,9 @@ namespace {
 using TFigures = std::vector<double> (TDataStats::*)();
 
 struct TStatistic {
-  std::string_view Word;
-  TFigures Inputs;
-  TFigures Outputs;
+  std::string_view word;
+  TFigures inputs;
+  TFigures outputs;
 };
 
 constexpr TStatistic kStatistics[] = {
@@ -26,7 +26,7 @@ constexpr TStatistic kStatistics[] = {
 const TStatistic& RequiredStatistic(const CommandLine& line) {
   const std::string_view word = Selector(line, "getstats");
   for (const TStatistic& statistic : kStatistics) {
-    if (EqualNoCase(statistic.Word, word)) return statistic;
+    if (EqualNoCase(statistic.word, word)) return statistic;
   }
   Fail("unknown statistics type");
 }
@@ -41,9 +41,9 @@ int GetStats(TInterpreter& interpreter, const CommandLine& line) {
   const bool inputs = RequiredBoolean(line, "inputs");
   const bool outputs = RequiredBoolean(line, "outputs");
   std::string answer;
-  if (inputs) answer = "inputs " + AnswerArray((*stats.*statistic.Inputs)());
+  if (inputs) answer = "inputs " + AnswerArray((*stats.*statistic.inputs)());
   if (inputs && outputs) answer += ' ';
-  if (outputs) answer += "outputs " + AnswerArray((*stats.*statistic.Outputs)());
+  if (outputs) answer += "outputs " + AnswerArray((*stats.*statistic.outputs)());
   interpreter.SetResult(answer);
   return kValue;
 }

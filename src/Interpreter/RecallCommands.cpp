@@ -1,8 +1,24 @@
 #include "DataObject/Data.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "Interpreter/NetworkObjects.h"
+#include "NeuralNets/TBasicNetwork.h"
 
 namespace kiln::commands {
+
+int Recall(TInterpreter& interpreter, const CommandLine& line) {
+  const std::string_view name = RequiredAlias(line, "network", "cannot find tag network");
+  const auto network = AsNetwork(RequiredEntry(interpreter, name));
+  if (!network) Fail(name, " is not an ANN");
+  const std::string_view input = RequiredAlias(line, "input", "cannot find tag input");
+  const auto set =
+      RequiredKind<Data>(RequiredEntry(interpreter, input), input, " must be type data");
+  const std::string_view output = RequiredAlias(line, "output", "cannot find tag output");
+  if (interpreter.Exists(output)) Fail("object ", output, " already exists");
+  RequireColumns(input, set->Inputs(), "inputs", name, network->NumInputs());
+  interpreter.Insert({output, network->Recall(set.get())});
+  return kDone;
+}
 
 int Map(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view network = RequiredAlias(line, "network");

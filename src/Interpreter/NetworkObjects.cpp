@@ -1,0 +1,36 @@
+#include "Interpreter/NetworkObjects.h"
+
+#include <utility>
+
+#include "Interpreter/Checks.h"
+#include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/TMLPNetwork.h"
+
+namespace kiln {
+
+std::shared_ptr<TBasicNetwork> AsNetwork(const TRegistryNode& node) {
+  if (auto perceptron = node.As<TMLPNetwork>()) return perceptron;
+  return nullptr;
+}
+
+std::shared_ptr<TTrainModule> AsGradientTrainer(const TRegistryNode& node) {
+  if (auto trainer = node.As<TBackpropModule>()) return trainer;
+  return nullptr;
+}
+
+const TBasicNetwork* TrainedNetwork(const TRegistryNode& node) {
+  const std::shared_ptr<const TTrainModule> trainer = AsGradientTrainer(node);
+  return trainer ? &trainer->Network() : nullptr;
+}
+
+void InsertNetwork(TInterpreter& interpreter, std::string_view alias,
+                   std::unique_ptr<TBasicNetwork> network) {
+  const std::shared_ptr<TBasicNetwork> shared = std::move(network);
+  if (auto perceptron = std::dynamic_pointer_cast<TMLPNetwork>(shared)) {
+    interpreter.Insert({alias, std::move(perceptron)});
+  } else {
+    Fail("unknown network type");
+  }
+}
+
+}  // namespace kiln
