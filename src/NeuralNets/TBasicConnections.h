@@ -86,10 +86,10 @@ class TBasicConnections {
  protected:
   // A rectangle of connections; its weights stand behind those of the patches before it.
   struct TPatchShape {
-    std::size_t to;
-    std::size_t from;
-    std::size_t rows;
-    std::size_t columns;
+    std::size_t to = 0;
+    std::size_t from = 0;
+    std::size_t rows = 0;
+    std::size_t columns = 0;
     std::size_t offset = 0;  // of its first weight; filled in by Attach
 
     std::size_t Size() const { return rows * columns; }
