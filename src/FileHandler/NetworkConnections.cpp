@@ -1,0 +1,242 @@
+#include <algorithm>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "FileHandler/NetworkKinds.h"
+#include "FileHandler/NetworkSections.h"
+#include "NeuralNets/TBasicNetwork.h"
+#include "Shared/TAssertion.h"
+#include "Shared/Text.h"
+
+namespace kiln::NetworkFiler {
+
+namespace {
+
+using FileTools::ParseItem;
+using FileTools::Reader;
+
+constexpr std::string_view kBlock = "ConnectionLayer";
+
+bool IsStartTag(const ParseItem& item, std::string_view name) {
+  return item.kind == ParseItem::kStartTag && EqualNoCase(item.name, name);
+}
+
+// One connection as the file has it. Without a mark it is trainable.
+struct Cell {
+  std::optional<double> weight;  // none where there is no connection
+  bool trainable = true;
+};
+
+// Removes every connection; those that the file has come back one by one.
+class RemoveAll : public TIterateObj {
+ public:
+  void Connection(TConnection& connection) override { connection.flags = FMaskTrainable; }
+};
+
+// Reads the block of one pair of layers.
+class ConnectionsReader {
+ public:
+  ConnectionsReader(Reader& reader, TBasicNetwork& network) : reader_(reader), network_(network) {}
+
+  void Read();
+
+ private:
+  enum class TColumn { kWeight, kTrainable };
+
+  ParseItem ReadDescription();
+  void SetDescription(const ParseItem& statement);
+  void SkipAttributes(ParseItem item);
+  void Connect(std::unique_ptr<TBasicConnections> block);
+  std::vector<TColumn> ReadColumns(ParseItem item);
+  void CheckRoom(std::size_t columns) const;
+  void ReadMatrix(const std::vector<TColumn>& columns);
+  Cell ReadCell(const std::vector<TColumn>& columns);
+  void ReadWeightList();
+  void ReadEntry(ParseItem item);
+  void SetConnection(std::size_t to, std::size_t from, const Cell& cell);
+
+  Reader& reader_;
+  TBasicNetwork& network_;
+  std::optional<std::size_t> from_;
+  std::optional<std::size_t> to_;
+  std::string_view kind_;
+  TBasicConnections* block_ = nullptr;  // from when it stands in the network
+};
+
+void ConnectionsReader::Read() {
+  const ParseItem section = ReadDescription();
+  std::unique_ptr<TBasicConnections> block = MakeConnections(kind_);
+  if (!from_ || !to_ || !block) FailLoad(reader_, "Insufficient information to construct layer");
+  if (network_.Connections(*to_, *from_).IsConnected()) {
+    FailLoad(reader_, "Connections already defined");
+  }
+  if (IsStartTag(section, "Matrix")) {
+    const std::vector<TColumn> columns = ReadColumns(section);
+    CheckRoom(columns.size());
+    Connect(std::move(block));
+    ReadMatrix(columns);
+  } else {
+    ExpectStartTag(section, reader_, "WeightList");
+    Connect(std::move(block));
+    ReadWeightList();
+  }
+  ExpectEndTag(reader_.ReadItem(kBlock), reader_);
+}
+
+// --- Description -----------------------------------------------------------------------------
+
+// Returns the item that opens the section of weights.
+ParseItem ConnectionsReader::ReadDescription() {
+  for (;;) {
+    const ParseItem item = reader_.ReadItem(kBlock);
+    if (item.kind == ParseItem::kStatement) {
+      CheckClosed(item, reader_);
+      SetDescription(item);
+    } else if (IsStartTag(item, "Attributes")) {
+      SkipAttributes(item);
+    } else {
+      return item;
+    }
+  }
+}
+
+void ConnectionsReader::SetDescription(const ParseItem& statement) {
+  if (EqualNoCase(statement.name, "LayerFrom")) {
+    from_ = ReadIndex(statement, reader_, network_.NumLayers());
+  } else if (EqualNoCase(statement.name, "LayerTo")) {
+    to_ = ReadIndex(statement, reader_, network_.NumLayers());
+  } else if (EqualNoCase(statement.name, "ConnectionType")) {
+    kind_ = statement.value;
+  } else {
+    FailLoad(reader_, "Unknown keyword in connections");
+  }
+}
+
+// The attributes say no more than the kind of the connections does.
+void ConnectionsReader::SkipAttributes(ParseItem item) {
+  while (item.unbracketed) item = reader_.ReadUnbracketedItem(kBlock);
+}
+
+// Puts the block into the network, in a kind that can be pruned without any connection.
+void ConnectionsReader::Connect(std::unique_ptr<TBasicConnections> block) {
+  block_ = block.get();
+  network_.SetConnections(*to_, *from_, std::move(block));
+  RemoveAll remove_all;
+  if (block_->HasFlags()) block_->Iterate(remove_all);
+}
+
+void ConnectionsReader::SetConnection(std::size_t to, std::size_t from, const Cell& cell) {
+  if (!block_->HasFlags() && (!cell.weight || !cell.trainable)) {
+    FailLoad(reader_, std::string(kind_) + " connections cannot be pruned or frozen");
+  }
+  if (!cell.weight) return;
+  block_->SetExists(to, from, true);
+  block_->SetTrainable(to, from, cell.trainable);
+  block_->SetWeight(to, from, *cell.weight);
+}
+
+// --- Matrix ----------------------------------------------------------------------------------
+
+// What each connection shows, in the order of its tokens. `item` opens the matrix.
+std::vector<ConnectionsReader::TColumn> ConnectionsReader::ReadColumns(ParseItem item) {
+  constexpr std::size_t kEnd = 10;
+  std::vector<TColumn> columns;
+  while (item.unbracketed) {
+    item = reader_.ReadUnbracketedItem("Matrix");
+    if (item.kind != ParseItem::kStartTag) break;
+    if (EqualNoCase(item.name, "Weights")) {
+      columns.push_back(TColumn::kWeight);
+    } else if (EqualNoCase(item.name, "TrainableInfo")) {
+      columns.push_back(TColumn::kTrainable);
+    } else {
+      FailLoad(reader_, "Unknown matric attribute");
+    }
+    Assert(columns.size() < kEnd, "wnum < 10", kModule);
+  }
+  const bool has_weights = std::ranges::find(columns, TColumn::kWeight) != columns.end();
+  if (item.kind != ParseItem::kStartTag || !has_weights) {
+    FailLoad(reader_, "Keyword expected in matrix parameter");
+  }
+  return columns;
+}
+
+// A failure unless the rest of the file can hold the matrix: all its tokens, of a character at
+// least, and what separates them.
+void ConnectionsReader::CheckRoom(std::size_t columns) const {
+  const std::uint64_t cells =
+      std::uint64_t{network_.Layer(*to_).NumNeurons()} * network_.Layer(*from_).NumNeurons();
+  if (cells * columns > reader_.Remaining() / 2 + 1) {
+    FailLoad(reader_,
+             "matrix of " + std::to_string(cells) + " weights is more than the file holds");
+  }
+}
+
+void ConnectionsReader::ReadMatrix(const std::vector<TColumn>& columns) {
+  for (std::size_t from = 0; from < block_->Columns(); ++from) {
+    for (std::size_t to = 0; to < block_->Rows(); ++to) {
+      SetConnection(to, from, ReadCell(columns));
+    }
+  }
+  ExpectEndTag(reader_.ReadItem("Matrix"), reader_);
+}
+
+Cell ConnectionsReader::ReadCell(const std::vector<TColumn>& columns) {
+  Cell cell;
+  for (const TColumn column : columns) {
+    const ParseItem item = reader_.ReadItem("Matrix");
+    if (item.kind != ParseItem::kToken) FailLoad(reader_, "Token Expected");
+    if (item.name == "-") continue;
+    if (column == TColumn::kWeight) {
+      cell.weight = FileTools::ParseNumber(item.name, reader_);
+    } else if (EqualNoCase(item.name, "T") || EqualNoCase(item.name, "F")) {
+      cell.trainable = EqualNoCase(item.name, "T");
+    } else {
+      FailLoad(reader_, "T, F or - expected in trainable column");
+    }
+  }
+  return cell;
+}
+
+// --- Weight list -----------------------------------------------------------------------------
+
+void ConnectionsReader::ReadWeightList() {
+  ParseItem item = reader_.ReadItem("WeightList");
+  for (; item.kind != ParseItem::kEnd; item = reader_.ReadItem("WeightList")) ReadEntry(item);
+}
+
+void ConnectionsReader::ReadEntry(ParseItem item) {
+  std::optional<std::size_t> from;
+  std::optional<std::size_t> to;
+  Cell cell;
+  for (;; item = reader_.ReadUnbracketedItem("WeightList")) {
+    const bool is_statement = item.kind == ParseItem::kStatement;
+    if (is_statement && EqualNoCase(item.name, "From")) {
+      from = ReadIndex(item, reader_, block_->Columns());
+    } else if (is_statement && EqualNoCase(item.name, "To")) {
+      to = ReadIndex(item, reader_, block_->Rows());
+    } else if (is_statement && EqualNoCase(item.name, "Weight")) {
+      cell.weight = FileTools::ParseNumber(item.value, reader_);
+    } else if (IsStartTag(item, "Trainable") || IsStartTag(item, "UnTrainable")) {
+      cell.trainable = EqualNoCase(item.name, "Trainable");
+    } else {
+      FailLoad(reader_, "Unknown keyword in weights list");
+    }
+    if (!item.unbracketed) break;
+  }
+  if (!from || !to || !cell.weight) {
+    FailLoad(reader_, "Insufficient information in weights list");
+  }
+  SetConnection(*to, *from, cell);
+}
+
+}  // namespace
+
+ParseItem ReadConnections(Reader& reader, ParseItem next, TBasicNetwork& network) {
+  for (; IsStartTag(next, kBlock); next = reader.ReadItem("NeuralNetwork")) {
+    ConnectionsReader(reader, network).Read();
+  }
+  return next;
+}
+
+}  // namespace kiln::NetworkFiler

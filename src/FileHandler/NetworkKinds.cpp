@@ -1,0 +1,102 @@
+#include "FileHandler/NetworkKinds.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "NeuralNets/TConnectedConnections.h"
+#include "NeuralNets/TConnectedNetwork.h"
+#include "NeuralNets/TGainLayer.h"
+#include "NeuralNets/TMLPNetwork.h"
+#include "NeuralNets/TPrunedConnections.h"
+#include "NeuralNets/TSimpleInputLayer.h"
+#include "NeuralNets/TSimpleLayer.h"
+#include "Shared/Text.h"
+
+namespace kiln::NetworkFiler {
+
+namespace {
+
+using FileTools::Reader;
+
+// --- Networks --------------------------------------------------------------------------------
+
+template <typename TNetwork>
+std::unique_ptr<TBasicNetwork> MakeLayered(const NetworkHeader& header, Reader&) {
+  return std::make_unique<TNetwork>(header.layers);
+}
+
+// The bias layer is not one of the layers that a perceptron is asked for.
+std::unique_ptr<TBasicNetwork> MakePerceptron(const NetworkHeader& header, Reader&) {
+  return std::make_unique<TMLPNetwork>(header.layers - 1);
+}
+
+struct NetworkKind {
+  std::string_view name;
+  std::unique_ptr<TBasicNetwork> (*make)(const NetworkHeader& header, Reader& reader);
+};
+constexpr NetworkKind kNetworks[] = {
+    {"BASIC", MakeLayered<TBasicNetwork>},
+    {"CONNECTED", MakeLayered<TConnectedNetwork>},
+    {"MLP", MakePerceptron},
+};
+
+// --- Layers ----------------------------------------------------------------------------------
+
+template <typename TLayer>
+std::unique_ptr<TBasicLayer> MakeSized(std::size_t neurons) {
+  return std::make_unique<TLayer>(neurons);
+}
+
+struct LayerKind {
+  std::string_view name;
+  std::unique_ptr<TBasicLayer> (*make)(std::size_t neurons);
+};
+constexpr LayerKind kLayers[] = {
+    {"SIMPLE", MakeSized<TSimpleLayer>},
+    {"INPUT", MakeSized<TSimpleInputLayer>},
+    {"GAIN", MakeSized<TGainLayer>},
+};
+
+// --- Connections -----------------------------------------------------------------------------
+
+template <typename TConnections>
+std::unique_ptr<TBasicConnections> MakeUnattached() {
+  return std::make_unique<TConnections>();
+}
+
+struct ConnectionsKind {
+  std::string_view name;
+  std::unique_ptr<TBasicConnections> (*make)();
+};
+constexpr ConnectionsKind kConnections[] = {
+    {"FullyConnected", MakeUnattached<TConnectedConnections>},
+    {"Pruneable", MakeUnattached<TPrunedConnections>},
+};
+
+// The line of a table that has the name, or null.
+template <typename TKind, std::size_t size>
+const TKind* Find(const TKind (&kinds)[size], std::string_view name) {
+  const TKind* kind = std::find_if(std::begin(kinds), std::end(kinds), [&](const TKind& candidate) {
+    return EqualNoCase(candidate.name, name);
+  });
+  return kind == std::end(kinds) ? nullptr : kind;
+}
+
+}  // namespace
+
+std::unique_ptr<TBasicNetwork> MakeNetwork(const NetworkHeader& header, Reader& reader) {
+  const NetworkKind* kind = Find(kNetworks, header.kind);
+  return kind ? kind->make(header, reader) : nullptr;
+}
+
+std::unique_ptr<TBasicLayer> MakeLayer(std::string_view name, std::size_t neurons) {
+  const LayerKind* kind = Find(kLayers, name);
+  return kind ? kind->make(neurons) : nullptr;
+}
+
+std::unique_ptr<TBasicConnections> MakeConnections(std::string_view name) {
+  const ConnectionsKind* kind = Find(kConnections, name);
+  return kind ? kind->make() : nullptr;
+}
+
+}  // namespace kiln::NetworkFiler

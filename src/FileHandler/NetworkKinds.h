@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+#include "FileHandler/NetworkSections.h"
+#include "NeuralNets/TBasicConnections.h"
+#include "NeuralNets/TBasicLayer.h"
+#include "NeuralNets/TBasicNetwork.h"
+
+// The kinds that a network file can name, in any case: one table each for networks, layers and
+// connections. A new kind is a line in its table.
+namespace kiln::NetworkFiler {
+
+// Each of the following returns null for a kind that nobody knows.
+
+// A network of empty layers without connections. A kind that has a block of its own behind the
+// header reads it here.
+std::unique_ptr<TBasicNetwork> MakeNetwork(const NetworkHeader& header, FileTools::Reader& reader);
+
+std::unique_ptr<TBasicLayer> MakeLayer(std::string_view kind, std::size_t neurons);
+
+std::unique_ptr<TBasicConnections> MakeConnections(std::string_view kind);
+
+}  // namespace kiln::NetworkFiler

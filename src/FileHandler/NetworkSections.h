@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "FileHandler/ParseTools.h"
+
+namespace kiln {
+class TBasicNetwork;
+}
+
+// The sections of a network file, each with its reader, in the order of the file.
+namespace kiln::NetworkFiler {
+
+// Names the source in assertions.
+inline constexpr char kModule[] = "FileHandler/NetworkFile";
+
+// What a file says about the network as a whole.
+struct NetworkHeader {
+  std::string_view kind;  // a view into the reader's text
+  int layers = 0;
+  std::size_t input_layer = 1;
+  std::size_t output_layer = 0;
+  std::optional<std::int64_t> inputs;  // demanded of the input layer where the file has them
+  std::optional<std::int64_t> outputs;
+};
+
+// Reads the kind of the network and the block of information.
+NetworkHeader ReadHeader(FileTools::Reader& reader);
+
+// Read all layers or blocks of connections into an otherwise empty network. Return the first item
+// behind them.
+FileTools::ParseItem ReadLayers(FileTools::Reader& reader, const NetworkHeader& header,
+                                TBasicNetwork& network);
+FileTools::ParseItem ReadConnections(FileTools::Reader& reader, FileTools::ParseItem next,
+                                     TBasicNetwork& network);
+
+// Throws TException with the present place as its detail.
+[[noreturn]] void FailLoad(const FileTools::Reader& reader, const std::string& message);
+
+// A failure unless the statement stands in brackets of its own.
+void CheckClosed(const FileTools::ParseItem& statement, const FileTools::Reader& reader);
+
+// The integer that is the statement's value: a number of things, or the index of one of `end`
+// things. A failure unless it is within 0..max or 0..end-1.
+std::size_t ReadCount(const FileTools::ParseItem& statement, const FileTools::Reader& reader,
+                      std::size_t max);
+std::size_t ReadIndex(const FileTools::ParseItem& statement, const FileTools::Reader& reader,
+                      std::size_t end);
+
+}  // namespace kiln::NetworkFiler
