@@ -56,6 +56,10 @@ TBasicNetwork::TBasicNetwork(const TBasicNetwork& other) : layers_(other.layers_
   Assign(other);
 }
 
+std::unique_ptr<TBasicNetwork> TBasicNetwork::Clone() const {
+  return std::make_unique<TBasicNetwork>(*this);
+}
+
 TBasicNetwork& TBasicNetwork::operator=(const TBasicNetwork& other) {
   Assign(other);
   return *this;

@@ -29,10 +29,15 @@ class TBasicNetwork {
   static constexpr std::size_t kMaxLayers = 512;
   static constexpr std::uint64_t kMaxWeights = std::uint64_t{1} << 30;
 
+  // A network of empty simple layers without connections, layer 1 its input and the last one its
+  // output (layer 0 where there is but one).
+  // Throws TException unless 1 <= layers <= kMaxLayers.
+  explicit TBasicNetwork(int layers);
+  TBasicNetwork(const TBasicNetwork& other);
   virtual ~TBasicNetwork() = default;
 
   virtual std::string_view KindName() const { return "Basic"; }
-  virtual std::unique_ptr<TBasicNetwork> Clone() const = 0;
+  virtual std::unique_ptr<TBasicNetwork> Clone() const;
 
   // --- Layers --------------------------------------------------------------------------------
 
@@ -122,11 +127,6 @@ class TBasicNetwork {
   void CheckFits(const Data& data, const char* function) const;
 
  protected:
-  // A network of empty simple layers without connections, layer 1 its input and the last one its
-  // output (layer 0 where there is but one).
-  // Throws TException unless 1 <= layers <= kMaxLayers.
-  explicit TBasicNetwork(int layers);
-  TBasicNetwork(const TBasicNetwork& other);
   TBasicNetwork& operator=(const TBasicNetwork& other);
 
  private:
