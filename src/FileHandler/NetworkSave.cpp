@@ -187,7 +187,7 @@ std::vector<TConnection> ExistingConnections(const TBasicConnections& block) {
   std::vector<TConnection> connections;
   TIterateObjSaveWeights collect(
       [&](const TConnection& connection) { connections.push_back(connection); });
-  block.Iterate(collect);
+  block.Read(collect);
   std::ranges::stable_sort(connections, {}, &TConnection::from);
   return connections;
 }
@@ -207,7 +207,7 @@ void WriteWeightList(Writer& writer, const TBasicConnections& block) {
 
 bool IsSparse(const TBasicConnections& block) {
   TIterateObjCount count;
-  block.Iterate(count);
+  block.Read(count);
   const double possible = static_cast<double>(block.Rows()) * static_cast<double>(block.Columns());
   return static_cast<double>(count.Existing()) < kSparse * possible;
 }

@@ -1,0 +1,339 @@
+#include "FileHandler/NetworkFile.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <limits>
+
+#include "DataObject/Data.h"
+#include "FileHandler/ParseTools.h"
+#include "FileHandler/SafeFile.h"
+#include "KQmessage/TKQstructure.h"
+#include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/TConnectedConnections.h"
+#include "NeuralNets/TGainLayer.h"
+#include "NeuralNets/TMLPNetwork.h"
+#include "NeuralNets/TSimpleInputLayer.h"
+#include "NeuralNets/TSimpleLayer.h"
+#include "Shared/Random.h"
+#include "Shared/TAssertion.h"
+
+namespace kiln {
+namespace {
+
+using NetworkFiler::LoadNetwork;
+using NetworkFiler::SaveNetwork;
+
+const std::string kLayoutFile = KILN_TEST_DATA "/layout.net";
+
+std::string Contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class NetworkFileTest : public testing::Test {
+ protected:
+  ~NetworkFileTest() override { std::filesystem::remove(path_); }
+
+  void Write(const std::string& text) { std::ofstream(path_, std::ios::binary) << text; }
+
+  std::string Saved(const TBasicNetwork& network) {
+    SaveNetwork(path_, network);
+    return Contents(path_);
+  }
+
+  std::string LoadFailure(const std::string& text) {
+    Write(text);
+    return LoadFailure();
+  }
+
+  // Loads what the file holds and tells what went wrong.
+  std::string LoadFailure() {
+    try {
+      LoadNetwork(path_);
+    } catch (const FileTools::Error& failure) {
+      return failure.Message();
+    } catch (const TException& failure) {
+      EXPECT_EQ(failure.Category(), "Bad Format");
+      EXPECT_EQ(failure.Function(), "NetworkFiler::LoadNetwork");
+      return failure.Message();
+    } catch (const TAssertion& failure) {
+      const std::string message = failure.what();
+      return message.substr(0, message.find(", file"));
+    }
+    return "none";
+  }
+
+  const std::string path_ = testing::TempDir() + "network-" +
+                            testing::UnitTest::GetInstance()->current_test_info()->name() + ".net";
+};
+
+TEST_F(NetworkFileTest, LaysOutEverySection) {
+  const auto network = LoadNetwork(kLayoutFile);
+  EXPECT_EQ(Saved(*network), Contents(kLayoutFile));
+}
+
+TEST_F(NetworkFileTest, ReadsWhatPeopleWrite) {
+  const auto network = LoadNetwork(KILN_TEST_DATA "/memory.net");
+  EXPECT_EQ(network->KindName(), "Basic");
+  EXPECT_EQ(network->InputLayer(), 1U);
+  EXPECT_EQ(network->OutputLayer(), 3U);
+  EXPECT_EQ(network->Layer(2).Neuron(0).Gain(), 4.0);
+  EXPECT_EQ(network->Layer(2).Neuron(1).Gain(), 0.5);
+
+  const TBasicConnections& block = network->Connections(2, 1);
+  EXPECT_FALSE(block.IsTrainable(1, 0));
+  EXPECT_TRUE(block.IsTrainable(1, 1));
+  EXPECT_FALSE(block.Exists(2, 0));
+  EXPECT_FALSE(network->Connections(2, 0).IsTrainable(1, 0));
+  EXPECT_TRUE(network->Connections(2, 3).IsTrainable(0, 0));
+
+  // Hidden: 4 (1 + out/2), 0.5 - 0.5 + 0.25, 4 * 0.025; output: their sum, weighted 1, 2, 10.
+  const double input[] = {1.0, 0.25};
+  double output[1];
+  for (const double expected : {5.5, 16.5}) {
+    network->RecallPattern(input, output);
+    EXPECT_DOUBLE_EQ(output[0], expected);
+  }
+
+  const std::string text = Saved(*network);
+  EXPECT_EQ(Saved(*LoadNetwork(path_)), text);
+}
+
+std::unique_ptr<TMLPNetwork> Perceptron(bool bias) {
+  auto network = std::make_unique<TMLPNetwork>(std::vector{4, 5, 2}, bias);
+  network->Randomize(-1.0, 1.0);
+  return network;
+}
+
+std::unique_ptr<TConnectedNetwork> MixedNetwork() {
+  auto network = std::make_unique<TConnectedNetwork>(4);
+  network->SetLayer(0, std::make_unique<TSimpleInputLayer>(10));
+  network->Layer(0).SetActivation(ActLinear);
+  network->SetLayer(2, std::make_unique<TGainLayer>(10));
+  network->SetLayer(3, std::make_unique<TGainLayer>(1, -3.0));
+  network->SetInputAndOutputLayer(0, 2);
+  for (std::size_t i = 0; i < 10; ++i) {
+    network->Layer(2).Neuron(i).SetActivation(i % 2 == 0 ? ActTanhGain : ActSigmoid);
+    network->Layer(2).Neuron(i).SetParameter(0, static_cast<double>(i / 4) / 3.0);
+  }
+  network->Connect(0, 2);
+  network->Connect(2, 2);
+  network->SetConnections(3, 2, std::make_unique<TConnectedConnections>());
+  network->Connect(3, 1);  // no neurons on one side, no weights
+  network->Randomize(-1e-9, 1e3);
+  TBasicConnections& block = network->Connections(2, 0);
+  block.SetWeight(3, 0, std::numeric_limits<double>::infinity());
+  block.SetWeight(4, 0, std::numeric_limits<double>::quiet_NaN());
+  block.SetTrainable(5, 0, false);
+  return network;
+}
+
+TEST_F(NetworkFileTest, SavesTheSameTextAgain) {
+  auto pruned = Perceptron(true);
+  pruned->PruneNode(2, 3);
+  pruned->Connections(2, 1).SetTrainable(0, 0, false);
+  const std::unique_ptr<TBasicNetwork> networks[] = {Perceptron(false), Perceptron(true),
+                                                     std::move(pruned), MixedNetwork(),
+                                                     LoadNetwork(KILN_TEST_DATA "/memory.net")};
+  for (const auto& network : networks) {
+    const std::string text = Saved(*network);
+    const auto loaded = LoadNetwork(path_);
+    EXPECT_EQ(Saved(*loaded), text);
+    EXPECT_EQ(loaded->KindName(), network->KindName());
+    EXPECT_EQ(loaded->GetNumWeights(FMaskExists), network->GetNumWeights(FMaskExists));
+    const std::vector<double> before = network->GetWeights(FMaskAll);
+    const std::vector<double> after = loaded->GetWeights(FMaskAll);
+    ASSERT_EQ(after.size(), before.size());
+    for (std::size_t i = 0; i < before.size(); ++i) {
+      if (std::isfinite(before[i])) {
+        EXPECT_NEAR(after[i], before[i], 1e-12) << i;
+      }
+    }
+  }
+}
+
+TEST_F(NetworkFileTest, ListsTheWeightsOfSparseBlocks) {
+  const auto network = MixedNetwork();
+  TBasicConnections& block = network->Connections(2, 0);
+  for (std::size_t i = 0; i < 65; ++i) block.SetExists(i % 10, i / 10, false);
+  EXPECT_EQ(Saved(*network).find("WeightList"), std::string::npos);
+  block.SetExists(9, 9, false);
+  EXPECT_NE(Saved(*network).find("WeightList"), std::string::npos);
+  EXPECT_EQ(LoadNetwork(path_)->Connections(2, 0).GetWeight(8, 9),
+            network->Connections(2, 0).GetWeight(8, 9));
+}
+
+TEST_F(NetworkFileTest, LoadedNetworksTrainLikeAnyOther) {
+  const std::shared_ptr<TBasicNetwork> made = Perceptron(true);
+  Saved(*made);
+  const std::shared_ptr<TBasicNetwork> loaded = LoadNetwork(path_);
+  const std::vector<double> start = loaded->GetWeights(FMaskAll);
+  made->SetWeights(start, FMaskAll);
+
+  Data data(3, 4, 2, false);
+  for (const double x : {0.0, 0.3, 0.6}) {
+    data.AddRow(std::vector{x, 1 - x, x * x, 0.5}, std::vector{x, 1 - x});
+  }
+  for (const auto& network : {loaded, made}) {
+    TKQstructure params("Params");
+    params.SetString("LEARNINGRATE", "0.5");
+    int epochs = 20;
+    TBackpropModule(network).Train(data, params, epochs);
+  }
+  EXPECT_EQ(loaded->GetWeights(FMaskAll), made->GetWeights(FMaskAll));
+  EXPECT_NE(loaded->GetWeights(FMaskAll), start);
+}
+
+TEST_F(NetworkFileTest, RefusesToSaveTwoBiasNeurons) {
+  TConnectedNetwork network(2);
+  network.SetLayer(0, std::make_unique<TSimpleLayer>(2));
+  network.Layer(0).SetActivation(ActBias);
+  Write("old");
+  try {
+    SaveNetwork(path_, network);
+    FAIL();
+  } catch (const TException& failure) {
+    EXPECT_STREQ(failure.what(),
+                 "Illegal number of bias nodes Bad Format NetworkFiler::SaveNetwork");
+  }
+  EXPECT_EQ(Contents(path_), "old");
+}
+
+TEST_F(NetworkFileTest, TellsThePlaceOfAFault) {
+  Write("[NeuralNetwork]\n[NetworkType = MLP]\n[NetworkInformation]\n[Rows = 1]");
+  try {
+    LoadNetwork(path_);
+    FAIL();
+  } catch (const TException& failure) {
+    ASSERT_NE(failure.Detail(), nullptr);
+    EXPECT_EQ(failure.Detail()->DerefThrow("file").Name(), path_);
+    EXPECT_EQ(failure.Detail()->DerefThrow("line").Name(), "4");
+  }
+  std::filesystem::remove(path_);
+  try {
+    LoadNetwork(path_);
+    FAIL();
+  } catch (const TException& failure) {
+    EXPECT_STREQ(failure.what(), "Error on file open Bad Format NetworkFiler::LoadNetwork");
+  }
+}
+
+// Each takes a good file and writes something else in the place of what it has.
+TEST_F(NetworkFileTest, RefusesBrokenTexts) {
+  const struct {
+    const char* good;
+    const char* bad;
+    const char* failure;
+  } kCases[] = {
+      {"[NetworkType = MLP]", "[NetworkType = TREE]", "Unknown network type"},
+      {"[NetworkType = MLP]", "[Type = MLP]", "[NetworkType = <string>] expectedType"},
+      {"[InputLayer = 1]", "[InputLayer = 1 /]", "Too complicated statement"},
+      {"[InputLayer = 1]", "[Inlet = 1]", "Unknown keyword"},
+      {"[InputLayer = 1]", "[InputLayer = x]", "integer-expected"},
+      {"[InputLayer = 1]", "[InputLayer]", "End Tag expected"},
+      {"[InputLayer = 1]", "[InputLayer = 4]", "Assertion failed: inlayer < numlayers"},
+      {"[InputLayer = 1]", "[InputLayer = -1]", "Assertion failed: inlayer >= 0"},
+      {"[OutputLayer = 3]", "[OutputLayer = 4]", "Assertion failed: outlayer < numlayers"},
+      {"[OutputLayer = 3]", "[OutputLayer = -1]", "Assertion failed: outlayer >= 0"},
+      {"[NumberOfLayers = 4]", "", "Must specify number of layers"},
+      {"[NumberOfLayers = 4]", "[NumberOfLayers = 5]", "Assertion failed: layers[i] != NULL"},
+      {"[NumberOfLayers = 4]", "[NumberOfLayers = -9223372036854775808]",
+       "Assertion failed: inlayer < numlayers"},
+      {"[NumberOfLayers = 4]", "[NumberOfLayers = 9999999999999999999]",
+       "NumberOfLayers = 9223372036854775807 is out of range"},
+      {"[NumberOfInputs = 2]", "[NumberOfInputs = 3]", "wrong number of inputs in header"},
+      {"[NumberOfOutputs = 1]", "[NumberOfOutputs = 2]", "wrong number outputs in header"},
+      {"[Layer = 3]", "[Layer = 4]", "Assertion failed: layernum < numlayers"},
+      {"[Layer = 3]", "[Layer = -1]", "Assertion failed: layernum >= 0"},
+      {"[Layer = 3]", "[Layer = 2]", "repeated layer"},
+      {"[Layer = 3]", "[Layer = 3 /]", "Too complicated statement"},
+      {"[LayerType = GAIN]", "[LayerType = GRAIN]", "Unknown layer type"},
+      {"[LayerType = GAIN]", "[All]", "[ALL] is incomplete statement"},
+      {"[LayerType = GAIN]", "[All Gain]", "Required syntax is [ALL <keyword>=<val>"},
+      {"[LayerType = GAIN]", "[All Gain=2 ]", "Unknown keyword"},
+      {"[LayerType = GAIN]\n[NumberOfNeurons = 3]", "", "Incomplete Layer information"},
+      {"[NumberOfNeurons = 3]", "[NumberOfNeurons = -1]", "NumberOfNeurons = -1 is out of range"},
+      {"[NumberOfNeurons = 3]", "[NumberOfNeurons = 16777214]",
+       "NumberOfNeurons = 16777214 is out of range"},  // with those of the other layers, too many
+      {"[All ActivationFunction=sigmoid ]", "", "No activation function defined"},
+      {"[All ActivationFunction=sigmoid ]", "[All ActivationFunction=step ]",
+       "Unknown activation function step"},
+      {"[All Gain=1.000000000000000 ]", "", "Incomplete Layer information"},
+      {"[All Gain=1.000000000000000 ]", "[All Gain=0.5 Gain=2 ]", "Too complicated statement"},
+      {"[All Gain=1.000000000000000 ]", "[All Pain=1 ]", "Unknown keyword"},
+      {"[All Gain=1.000000000000000 ]", "[All Gain=one ]", "number-expected"},
+      {"[Neuron=2", "[Neuron=1", "repeated neuron"},
+      {"[Neuron=2", "[Neuron=3", "Assertion failed: neuronnum<numneurons"},
+      {"[Neuron=2", "[Neuron=-1", "Assertion failed: neuronnum>=0"},
+      {"[Neuron=2", "[Neutron=2", "[Neuron = <integer>] expected"},
+      {"[Neuron=2 Gain=1.000000000000000 ]", "", "Neuron not defined"},
+      {"[Neuron=2 Gain=1", "[Neuron=2 Pain=1", "Unknown keyword"},
+      {"[Neuron=2 Gain=1", "[Neuron=2 Gain Gain=1", "Equals clause expected in neuron parameter"},
+      {"[All ActivationFunction=sigmoid-gain ]", "", "No activation function defined"},
+      {"[LayerFrom = 1]", "[LayerFrom = 1 /]", "Too complicated statement"},
+      {"[LayerFrom = 1]", "[LayerFroom = 1]", "Unknown keyword in connections"},
+      {"[LayerFrom = 1]", "", "Insufficient information to construct layer"},
+      {"[LayerFrom = 1]", "[LayerFrom = 4]", "LayerFrom = 4 is out of range"},
+      {"[LayerFrom = 1]", "[LayerFrom = 0]", "Connections already defined"},
+      {"= FullyConnected]", "= Empty]", "Insufficient information to construct layer"},
+      {"[Matrix Weights ]", "[Vector Weights ]", "[WeightList] expected"},
+      {"[Matrix Weights ]", "[Matrix]", "Keyword expected in matrix parameter"},
+      {"[Matrix Weights ]", "[Matrix Weights=1 ]", "Keyword expected in matrix parameter"},
+      {"[Matrix Weights ]", "[Matrix Weights Age ]", "Unknown matric attribute"},
+      {"[Matrix Weights ]",
+       "[Matrix Weights Weights Weights Weights Weights Weights Weights Weights Weights Weights ]",
+       "Assertion failed: wnum < 10"},
+      {"-1.125", "", "Token Expected"},
+      {"-1.125", "[Weight = 1]", "Token Expected"},
+      {"-1.125", "T", "number-expected"},
+      {"-1.125", "-", "FullyConnected connections cannot be pruned or frozen"},
+      {"-1.125", "-1.125 0", "End Tag expected"},
+      {"nan T", "nan 1", "T, F or - expected in trainable column"},
+      {"[From=0 To=1", "[From=0 Too=1", "Unknown keyword in weights list"},
+      {"[From=0 To=1", "[From=0", "Insufficient information in weights list"},
+      {"[From=0 To=1", "[From=1 To=1", "From = 1 is out of range"},
+      {"[From=0 To=1", "[From=0 To=-1", "To = -1 is out of range"},
+      {"[~WeightList]\n[~ConnectionLayer]", "[~WeightList] ]", "Assertion failed: *token != ']'"},
+      {"[~NeuralNetwork]", "[Layer = 0]", "End Tag expected"},
+  };
+  const std::string text = Contents(kLayoutFile);
+  for (const auto& test : kCases) {
+    std::string broken = text;
+    // From behind: later layers have the plainer texts.
+    broken.replace(broken.rfind(test.good), std::string(test.good).size(), test.bad);
+    EXPECT_EQ(LoadFailure(broken), test.failure) << test.good << " -> " << test.bad;
+  }
+}
+
+TEST_F(NetworkFileTest, RefusesTruncatedFiles) {
+  const std::string text = Contents(kLayoutFile);
+  const std::size_t complete = text.rfind(']');  // the bracket itself is not missed
+  Write(text.substr(0, complete));
+  EXPECT_EQ(LoadFailure(), "none");
+  for (std::size_t size = complete; size-- > 0;) {
+    std::filesystem::resize_file(path_, size);
+    EXPECT_NE(LoadFailure(), "none") << size;
+  }
+}
+
+TEST_F(NetworkFileTest, TakesNoMemoryForEmptyPromises) {
+  const std::string header =
+      "[NeuralNetwork][NetworkType=BASIC][NetworkInformation][NumberOfLayers=2][~"
+      "NetworkInformation]";
+  const std::string layer =
+      "][LayerType=SIMPLE][NumberOfNeurons=100000]"
+      "[All ActivationFunction=tanh ][~Layer]";
+  const std::string network = header + "[Layer=0" + layer + "[Layer=1" + layer +
+                              "[ConnectionLayer][LayerFrom=0][LayerTo=1]"
+                              "[ConnectionType=Pruneable]";
+  EXPECT_EQ(LoadFailure(network + "[Matrix Weights ]"),
+            "matrix of 10000000000 weights is more than the file holds");
+  Write(network + "[WeightList]");
+  EXPECT_THROW(LoadNetwork(path_), TException);
+}
+
+}  // namespace
+}  // namespace kiln
