@@ -9,7 +9,6 @@
 
 #include "DataObject/Data.h"
 #include "FileHandler/ParseTools.h"
-#include "FileHandler/SafeFile.h"
 #include "KQmessage/TKQstructure.h"
 #include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TConnectedConnections.h"
@@ -17,7 +16,6 @@
 #include "NeuralNets/TMLPNetwork.h"
 #include "NeuralNets/TSimpleInputLayer.h"
 #include "NeuralNets/TSimpleLayer.h"
-#include "Shared/Random.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln {
@@ -229,15 +227,11 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
     const char* failure;
   } kCases[] = {
       {"[NetworkType = MLP]", "[NetworkType = TREE]", "Unknown network type"},
-      {"[NetworkType = MLP]", "[Type = MLP]", "[NetworkType = <string>] expectedType"},
       {"[InputLayer = 1]", "[InputLayer = 1 /]", "Too complicated statement"},
       {"[InputLayer = 1]", "[Inlet = 1]", "Unknown keyword"},
-      {"[InputLayer = 1]", "[InputLayer = x]", "integer-expected"},
-      {"[InputLayer = 1]", "[InputLayer]", "End Tag expected"},
       {"[InputLayer = 1]", "[InputLayer = 4]", "Assertion failed: inlayer < numlayers"},
       {"[InputLayer = 1]", "[InputLayer = -1]", "Assertion failed: inlayer >= 0"},
       {"[OutputLayer = 3]", "[OutputLayer = 4]", "Assertion failed: outlayer < numlayers"},
-      {"[OutputLayer = 3]", "[OutputLayer = -1]", "Assertion failed: outlayer >= 0"},
       {"[NumberOfLayers = 4]", "", "Must specify number of layers"},
       {"[NumberOfLayers = 4]", "[NumberOfLayers = 5]", "Assertion failed: layers[i] != NULL"},
       {"[NumberOfLayers = 4]", "[NumberOfLayers = -9223372036854775808]",
@@ -249,7 +243,6 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
       {"[Layer = 3]", "[Layer = 4]", "Assertion failed: layernum < numlayers"},
       {"[Layer = 3]", "[Layer = -1]", "Assertion failed: layernum >= 0"},
       {"[Layer = 3]", "[Layer = 2]", "repeated layer"},
-      {"[Layer = 3]", "[Layer = 3 /]", "Too complicated statement"},
       {"[LayerType = GAIN]", "[LayerType = GRAIN]", "Unknown layer type"},
       {"[LayerType = GAIN]", "[All]", "[ALL] is incomplete statement"},
       {"[LayerType = GAIN]", "[All Gain]", "Required syntax is [ALL <keyword>=<val>"},
@@ -263,17 +256,14 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
        "Unknown activation function step"},
       {"[All Gain=1.000000000000000 ]", "", "Incomplete Layer information"},
       {"[All Gain=1.000000000000000 ]", "[All Gain=0.5 Gain=2 ]", "Too complicated statement"},
-      {"[All Gain=1.000000000000000 ]", "[All Pain=1 ]", "Unknown keyword"},
       {"[All Gain=1.000000000000000 ]", "[All Gain=one ]", "number-expected"},
       {"[Neuron=2", "[Neuron=1", "repeated neuron"},
       {"[Neuron=2", "[Neuron=3", "Assertion failed: neuronnum<numneurons"},
       {"[Neuron=2", "[Neuron=-1", "Assertion failed: neuronnum>=0"},
       {"[Neuron=2", "[Neutron=2", "[Neuron = <integer>] expected"},
       {"[Neuron=2 Gain=1.000000000000000 ]", "", "Neuron not defined"},
-      {"[Neuron=2 Gain=1", "[Neuron=2 Pain=1", "Unknown keyword"},
       {"[Neuron=2 Gain=1", "[Neuron=2 Gain Gain=1", "Equals clause expected in neuron parameter"},
       {"[All ActivationFunction=sigmoid-gain ]", "", "No activation function defined"},
-      {"[LayerFrom = 1]", "[LayerFrom = 1 /]", "Too complicated statement"},
       {"[LayerFrom = 1]", "[LayerFroom = 1]", "Unknown keyword in connections"},
       {"[LayerFrom = 1]", "", "Insufficient information to construct layer"},
       {"[LayerFrom = 1]", "[LayerFrom = 4]", "LayerFrom = 4 is out of range"},
@@ -281,21 +271,17 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
       {"= FullyConnected]", "= Empty]", "Insufficient information to construct layer"},
       {"[Matrix Weights ]", "[Vector Weights ]", "[WeightList] expected"},
       {"[Matrix Weights ]", "[Matrix]", "Keyword expected in matrix parameter"},
-      {"[Matrix Weights ]", "[Matrix Weights=1 ]", "Keyword expected in matrix parameter"},
       {"[Matrix Weights ]", "[Matrix Weights Age ]", "Unknown matric attribute"},
       {"[Matrix Weights ]",
        "[Matrix Weights Weights Weights Weights Weights Weights Weights Weights Weights Weights ]",
        "Assertion failed: wnum < 10"},
       {"-1.125", "", "Token Expected"},
-      {"-1.125", "[Weight = 1]", "Token Expected"},
-      {"-1.125", "T", "number-expected"},
       {"-1.125", "-", "FullyConnected connections cannot be pruned or frozen"},
       {"-1.125", "-1.125 0", "End Tag expected"},
       {"nan T", "nan 1", "T, F or - expected in trainable column"},
       {"[From=0 To=1", "[From=0 Too=1", "Unknown keyword in weights list"},
       {"[From=0 To=1", "[From=0", "Insufficient information in weights list"},
       {"[From=0 To=1", "[From=1 To=1", "From = 1 is out of range"},
-      {"[From=0 To=1", "[From=0 To=-1", "To = -1 is out of range"},
       {"[~WeightList]\n[~ConnectionLayer]", "[~WeightList] ]", "Assertion failed: *token != ']'"},
       {"[~NeuralNetwork]", "[Layer = 0]", "End Tag expected"},
   };
@@ -331,8 +317,8 @@ TEST_F(NetworkFileTest, TakesNoMemoryForEmptyPromises) {
                               "[ConnectionType=Pruneable]";
   EXPECT_EQ(LoadFailure(network + "[Matrix Weights ]"),
             "matrix of 10000000000 weights is more than the file holds");
-  Write(network + "[WeightList]");
-  EXPECT_THROW(LoadNetwork(path_), TException);
+  EXPECT_EQ(LoadFailure(network + "[WeightList]"),
+            "a network of 10000000000 weights is more than 1073741824");
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "FileHandler/NetworkSections.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"
+#include "Shared/TException.h"
 #include "Shared/Text.h"
 
 namespace kiln::NetworkFiler {
@@ -121,7 +122,11 @@ void ConnectionsReader::SkipAttributes(ParseItem item) {
 // Puts the block into the network, in a kind that can be pruned without any connection.
 void ConnectionsReader::Connect(std::unique_ptr<TBasicConnections> block) {
   block_ = block.get();
-  network_.SetConnections(*to_, *from_, std::move(block));
+  try {
+    network_.SetConnections(*to_, *from_, std::move(block));
+  } catch (const TException& too_large) {
+    FailLoad(reader_, too_large.Message());
+  }
   RemoveAll remove_all;
   if (block_->HasFlags()) block_->Iterate(remove_all);
 }

@@ -89,13 +89,13 @@ std::unique_ptr<TBasicNetwork> MakeNetwork(const NetworkHeader& header, Reader& 
   return kind ? kind->make(header, reader) : nullptr;
 }
 
-std::unique_ptr<TBasicLayer> MakeLayer(std::string_view name, std::size_t neurons) {
-  const LayerKind* kind = Find(kLayers, name);
+std::unique_ptr<TBasicLayer> MakeLayer(std::string_view kind_name, std::size_t neurons) {
+  const LayerKind* kind = Find(kLayers, kind_name);
   return kind ? kind->make(neurons) : nullptr;
 }
 
-std::unique_ptr<TBasicConnections> MakeConnections(std::string_view name) {
-  const ConnectionsKind* kind = Find(kConnections, name);
+std::unique_ptr<TBasicConnections> MakeConnections(std::string_view kind_name) {
+  const ConnectionsKind* kind = Find(kConnections, kind_name);
   return kind ? kind->make() : nullptr;
 }
 

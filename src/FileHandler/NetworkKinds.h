@@ -19,8 +19,8 @@ namespace kiln::NetworkFiler {
 // header reads it here.
 std::unique_ptr<TBasicNetwork> MakeNetwork(const NetworkHeader& header, FileTools::Reader& reader);
 
-std::unique_ptr<TBasicLayer> MakeLayer(std::string_view kind, std::size_t neurons);
+std::unique_ptr<TBasicLayer> MakeLayer(std::string_view kind_name, std::size_t neurons);
 
-std::unique_ptr<TBasicConnections> MakeConnections(std::string_view kind);
+std::unique_ptr<TBasicConnections> MakeConnections(std::string_view kind_name);
 
 }  // namespace kiln::NetworkFiler
