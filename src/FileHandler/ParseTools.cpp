@@ -4,6 +4,7 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
+#include <limits>
 #include <optional>
 #include <system_error>
 #include <utility>
@@ -256,6 +257,23 @@ std::int64_t ExpectInteger(const ParseItem& item, const Reader& reader, std::str
 double ExpectNumber(const ParseItem& item, const Reader& reader, std::string_view keyword) {
   if (!IsStatement(item, keyword)) reader.Fail(StatementExpected(keyword, "<number>"));
   return ParseNumber(item.value, reader);
+}
+
+std::int32_t ExpectInteger32(const ParseItem& item, const Reader& reader,
+                             std::string_view keyword) {
+  using TLimits = std::numeric_limits<std::int32_t>;
+  const std::int64_t value = ExpectInteger(item, reader, keyword);
+  return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, TLimits::min(), TLimits::max()));
+}
+
+std::int32_t ExpectCount(const ParseItem& item, const Reader& reader, std::string_view keyword) {
+  const std::int32_t count = ExpectInteger32(item, reader, keyword);
+  const auto promise = [&] { return std::string(keyword) + " = " + std::string(item.value); };
+  if (count < 0) reader.Fail(promise() + " is negative");
+  if (static_cast<std::size_t>(count) > reader.Remaining()) {
+    reader.Fail(promise() + " is more than the file holds");
+  }
+  return count;
 }
 
 double ExpectNumberToken(const ParseItem& item, const Reader& reader) {
