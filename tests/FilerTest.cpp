@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "FileTestTools.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
@@ -18,11 +19,6 @@ namespace kiln {
 namespace {
 
 using Table = std::vector<std::pair<std::string, std::string>>;
-
-std::string Contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class FilerTest : public testing::Test {
  protected:

@@ -3,11 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <functional>
 #include <utility>
 #include <vector>
 
 #include "FileHandler/SafeFile.h"
+#include "FileTestTools.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln::FileTools {
@@ -16,16 +16,6 @@ namespace {
 namespace fs = std::filesystem;
 
 using Table = std::vector<std::pair<std::string, std::string>>;
-
-// What the action throws, as text.
-std::string Failure(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const std::exception& failure) {
-    return failure.what();
-  }
-  return "none";
-}
 
 // Every item up to the end of `block`, "tag[", "name=value" or a word, with "+" behind those that
 // were not closed, and the fault that ends the reading.

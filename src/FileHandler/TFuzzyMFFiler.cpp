@@ -180,7 +180,10 @@ void ReadMF(Reader& reader, TBasicMFSet& set) {
   THeading heading = ReadHeading(reader, "MF");
   if (!heading.type) reader.Fail("[Type = <string>] expected");
   const TMFKind* kind = FindKind(*heading.type);
-  if (!kind) return SkipParameters(reader);
+  if (!kind) {
+    SkipParameters(reader);
+    return;
+  }
   const TValues values = ReadParameters(reader, *kind);
   set.SetMF(heading.index, kind->make(std::move(heading.name), values));
   ExpectEndTag(reader.ReadItem("MF"), reader);
