@@ -26,7 +26,7 @@ struct TBuffers {
     }
     for (std::size_t i = 0; i < m.size(); ++i) {
       m[i] = static_cast<TMask>(Random::Below(4));
-      if ((m[i] & FMaskExists) == 0) w[i] = 0.0;
+      if ((m[i] & FMaskExists) == 0 || i % 5 == 0) w[i] = 0.0;
     }
   }
 
@@ -47,8 +47,8 @@ struct TBuffers {
   TValues d, y, x, e;
 };
 
-constexpr double kRate = 0.3;
-constexpr double kMomentum = 0.7;
+// The four ways to move a weight.
+constexpr TRates kWays[] = {{0.3, 0.0, 0.0}, {0.3, 0.7, 0.0}, {0.3, 0.0, 0.01}, {0.3, 0.7, 0.01}};
 
 void RunKernels(const TKernels& k, TBuffers& b, bool masked, bool propagates) {
   const TMask* m = masked ? b.m.data() : nullptr;
@@ -56,43 +56,35 @@ void RunKernels(const TKernels& k, TBuffers& b, bool masked, bool propagates) {
   k.accumulate(b.w.data(), m, b.rows, b.columns, b.x.data(), b.y.data());
   k.propagate(b.w.data(), m, b.rows, b.columns, b.d.data(), b.e.data());
   k.add_gradient(b.g.data(), b.rows, b.columns, b.d.data(), b.x.data());
-  k.update(b.w.data(), m, b.w.size(), b.g.data(), kRate);
-  k.update_momentum(b.w.data(), m, b.w.size(), b.g.data(), b.p.data(), kRate, kMomentum);
-  k.step(b.w.data(), m, b.rows, b.columns, b.d.data(), b.x.data(), e, kRate);
-  k.step_momentum(b.w.data(), m, b.rows, b.columns, b.d.data(), b.x.data(), e, b.p.data(), kRate,
-                  kMomentum);
+  for (const TRates& rates : kWays) {
+    k.update(b.w.data(), m, b.w.size(), b.g.data(), b.p.data(), rates);
+    k.step(b.w.data(), m, b.rows, b.columns, b.d.data(), b.x.data(), e, b.p.data(), rates);
+  }
 }
 
 void RunByHand(TBuffers& b, bool masked, bool propagates) {
   const auto sweep = [&](const auto& visit) {
-    for (std::size_t i = 0; i < b.w.size(); ++i) {
-      visit(i, i / b.columns, i % b.columns, !masked || (b.m[i] & FMaskExists) != 0,
-            !masked || b.m[i] == FMaskAll);
-    }
+    for (std::size_t i = 0; i < b.w.size(); ++i) visit(i, i / b.columns, i % b.columns);
   };
-  const auto back = [&](auto i, auto r, auto c, bool exists, bool) {
-    if (exists) b.e[c] += b.w[i] * b.d[r];
+  const auto propagate = [&](auto i, auto r, auto c) {
+    if (!masked || (b.m[i] & FMaskExists) != 0) b.e[c] += b.w[i] * b.d[r];
   };
-  const auto move = [&](std::size_t i, double gradient, double momentum) {
-    const double change = momentum * b.p[i] - kRate * gradient;
-    if (momentum != 0.0) b.p[i] = change;
+  const auto move = [&](std::size_t i, double gradient, const TRates& rates) {
+    if (masked && b.m[i] != FMaskAll) return;
+    const double sign = b.w[i] > 0.0 ? 1.0 : b.w[i] < 0.0 ? -1.0 : 0.0;
+    const double change = rates.momentum * b.p[i] - rates.rate * gradient - rates.pull * sign;
+    if (rates.momentum != 0.0) b.p[i] = change;
     b.w[i] += change;
   };
-  sweep([&](auto i, auto r, auto c, bool exists, bool) {
-    if (exists) b.y[r] += b.w[i] * b.x[c];
+  sweep([&](auto i, auto r, auto c) {
+    if (!masked || (b.m[i] & FMaskExists) != 0) b.y[r] += b.w[i] * b.x[c];
   });
-  sweep(back);
-  sweep([&](auto i, auto r, auto c, bool, bool) { b.g[i] += b.d[r] * b.x[c]; });
-  for (const double momentum : {0.0, kMomentum}) {
-    sweep([&](auto i, auto, auto, bool, bool learns) {
-      if (learns) move(i, b.g[i], momentum);
-    });
-  }
-  for (const double momentum : {0.0, kMomentum}) {
-    if (propagates) sweep(back);
-    sweep([&](auto i, auto r, auto c, bool, bool learns) {
-      if (learns) move(i, b.d[r] * b.x[c], momentum);
-    });
+  sweep(propagate);
+  sweep([&](auto i, auto r, auto c) { b.g[i] += b.d[r] * b.x[c]; });
+  for (const TRates& rates : kWays) {
+    sweep([&](auto i, auto, auto) { move(i, b.g[i], rates); });
+    if (propagates) sweep(propagate);
+    sweep([&](auto i, auto r, auto c) { move(i, b.d[r] * b.x[c], rates); });
   }
 }
 
@@ -113,7 +105,7 @@ TEST(KernelsTest, EveryLevelDoesWhatItsFormulasSay) {
       }
     }
     for (std::size_t n = 0; n <= 70; ++n) {
-      TValues a(n), b(n), y(n);
+      TValues a(PaddedSize(n)), b(n), y(PaddedSize(n));
       double distance = 0.0;
       for (std::size_t i = 0; i < n; ++i) {
         a[i] = Random::Uniform(-600.0, 800.0) / (i % 2 == 0 ? 1.0 : 100.0);

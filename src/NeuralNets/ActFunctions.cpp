@@ -67,7 +67,10 @@ void ActSaturatedLinear(TBasicNeuron& neuron, double x) {
 }
 
 void ActSigmoid(TBasicNeuron& neuron, double x) {
-  Kernels().sigmoid(&x, &neuron.Output(), 1);
+  const double net[PaddedSize(1)] = {x};
+  double output[PaddedSize(1)];
+  Kernels().sigmoid(net, output, 1);
+  neuron.Output() = output[0];
 }
 
 void ActTanh(TBasicNeuron& neuron, double x) {

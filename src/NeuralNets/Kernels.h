@@ -6,6 +6,20 @@
 
 namespace kiln {
 
+// `n` rounded up to a multiple of the values that the largest register holds.
+constexpr std::size_t PaddedSize(std::size_t n) {
+  return (n + 7) / 8 * 8;
+}
+
+// How far an update moves a weight w of gradient g, whose last change was p:
+//   change = momentum p - rate g - pull sign(w)
+// A momentum of exactly 0 is the plain update, which neither reads nor writes last changes.
+struct TRates {
+  double rate;
+  double momentum;
+  double pull = 0.0;
+};
+
 // The loops in which recall and training spend their time, over plain buffers. Several
 // implementations of the table, for different instruction sets, are in the program; the best one
 // that the processor has is chosen at start.
@@ -28,33 +42,33 @@ struct TKernels {
   // g[r][c] += d[r] x[c]
   void (*add_gradient)(double* g, TSize rows, TSize columns, const double* d, const double* x);
 
-  // w -= rate g, for n weights
-  void (*update)(double* w, const TMask* m, TSize n, const double* g, double rate);
+  // w += p = change, for n weights
+  void (*update)(double* w, const TMask* m, TSize n, const double* g, double* p,
+                 const TRates& rates);
 
-  // p = momentum p - rate g; w += p
-  void (*update_momentum)(double* w, const TMask* m, TSize n, const double* g, double* p,
-                          double rate, double momentum);
-
-  // propagate, with the weights as they are, then update with the gradient d[r] x[c]. Without
-  // propagation where e is null.
+  // propagate, with the weights as they are, unless e is null; then update by the gradient
+  // d[r] x[c].
   void (*step)(double* w, const TMask* m, TSize rows, TSize columns, const double* d,
-               const double* x, double* e, double rate);
-
-  // propagate, then update_momentum in the same way.
-  void (*step_momentum)(double* w, const TMask* m, TSize rows, TSize columns, const double* d,
-                        const double* x, double* e, double* p, double rate, double momentum);
+               const double* x, double* e, double* p, const TRates& rates);
 
   // sum over i of (a[i] - b[i])^2
   double (*squared_distance)(const double* a, const double* b, TSize n);
 
   // y[i] = 1 / (1 + exp(-x[i])), or 1e-300 where x[i] < -500; within 2 units in the last place.
+  // Works on whole registers: both buffers have room for PaddedSize(n) values.
   void (*sigmoid)(const double* x, double* y, TSize n);
 };
 
 enum class TKernelLevel { kBaseline, kAvx2, kAvx512 };
 
+namespace kernels_internal {
+extern const TKernels* active;
+}
+
 // The table in use.
-const TKernels& Kernels();
+inline const TKernels& Kernels() {
+  return *kernels_internal::active;
+}
 
 // The table of a level, or null where the program or the processor does not have it.
 const TKernels* KernelsOf(TKernelLevel level);

@@ -1,6 +1,7 @@
 #include "NeuralNets/TBasicConnections.h"
 
 #include <algorithm>
+#include <typeinfo>
 #include <utility>
 
 #include "NeuralNets/Kernels.h"
@@ -125,10 +126,6 @@ void TBasicConnections::RemoveColumn(std::size_t) {
   AssertFalse(Module());
 }
 
-void TBasicConnections::CheckAttached() const {
-  Assert(attached_, "attached", Module());
-}
-
 void TBasicConnections::Rearrange(const TOrigins& rows, const TOrigins& columns) {
   CheckAttached();
   std::vector<double> weights(rows.size() * columns.size(), 0.0);
@@ -195,8 +192,10 @@ TWeightPatch TBasicConnections::PatchOf(const TPatchShape& shape) {
 
 void TBasicConnections::CheckTwin(const TBasicConnections& twin, const char* expression) const {
   CheckAttached();
-  Assert(KindName() == twin.KindName(), expression, Module());
-  Assert(weights_.size() == twin.weights_.size(), "conn1 -> Size() == conn2 -> Size()", Module());
+  if (typeid(*this) != typeid(twin)) Assert(false, expression, Module());
+  if (weights_.size() != twin.weights_.size()) {
+    Assert(false, "conn1 -> Size() == conn2 -> Size()", Module());
+  }
 }
 
 }  // namespace kiln

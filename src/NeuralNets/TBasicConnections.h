@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "NeuralNets/TIterateObj.h"
+#include "Shared/TAssertion.h"
 
 namespace kiln {
 
@@ -104,7 +105,9 @@ class TBasicConnections {
   // The name of the kind's source, for assertions.
   virtual const char* Module() const = 0;
 
-  void CheckAttached() const;
+  void CheckAttached() const {
+    if (!attached_) Assert(false, "attached", Module());
+  }
 
   // For each row, or column, of a block that is about to change, the one that it was before;
   // kNew for one that was not there.

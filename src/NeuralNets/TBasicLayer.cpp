@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "NeuralNets/Kernels.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
@@ -25,8 +26,6 @@ std::size_t CheckedNeurons(std::size_t neurons) {
 
 TBasicLayer::TBasicLayer(std::size_t neurons, const TBasicNeuron& prototype)
     : prototype_(prototype.Clone()), neurons_(CheckedNeurons(neurons)) {
-  net_inputs_.resize(neurons);
-  outputs_.resize(neurons);
   for (auto& neuron : neurons_) neuron = prototype_->Clone();
   AttachNeurons();
 }
@@ -97,6 +96,8 @@ void TBasicLayer::ForgetCommonActivation() {
 }
 
 void TBasicLayer::AttachNeurons() {
+  net_inputs_.resize(PaddedSize(neurons_.size()));
+  outputs_.resize(PaddedSize(neurons_.size()));
   for (std::size_t i = 0; i < neurons_.size(); ++i) neurons_[i]->Attach(*this, i);
 }
 

@@ -44,11 +44,11 @@ class TBasicLayer {
   TBasicNeuron& Neuron(std::size_t index) { return *neurons_[index]; }
   const TBasicNeuron& Neuron(std::size_t index) const { return *neurons_[index]; }
 
-  // One value a neuron.
-  std::span<double> NetInputs() { return net_inputs_; }
-  std::span<const double> NetInputs() const { return net_inputs_; }
-  std::span<double> Outputs() { return outputs_; }
-  std::span<const double> Outputs() const { return outputs_; }
+  // One value a neuron, at the start of buffers that have room for PaddedSize of them.
+  std::span<double> NetInputs() { return {net_inputs_.data(), NumNeurons()}; }
+  std::span<const double> NetInputs() const { return {net_inputs_.data(), NumNeurons()}; }
+  std::span<double> Outputs() { return {outputs_.data(), NumNeurons()}; }
+  std::span<const double> Outputs() const { return {outputs_.data(), NumNeurons()}; }
 
   // Sets the function of every neuron, those that are added later included.
   void SetActivation(TActFunction function);

@@ -91,16 +91,6 @@ void TBasicNetwork::SetInputAndOutputLayer(std::size_t input_layer, std::size_t 
   output_layer_ = output_layer;
 }
 
-TBasicLayer& TBasicNetwork::Layer(std::size_t index) {
-  Assert(index < NumLayers(), "index<numLayers", kModule);
-  return *layers_[index];
-}
-
-const TBasicLayer& TBasicNetwork::Layer(std::size_t index) const {
-  Assert(index < NumLayers(), "index<numLayers", kModule);
-  return *layers_[index];
-}
-
 void TBasicNetwork::SetLayer(std::size_t index, std::unique_ptr<TBasicLayer> layer) {
   Assert(layer != nullptr, "layer != NULL", kModule);
   for (std::size_t k = 0; k < NumLayers(); ++k) {
@@ -168,18 +158,8 @@ void TBasicNetwork::RemoveNeuron(int layer_num, int node) {
 
 // --- Connections -----------------------------------------------------------------------------
 
-TBasicConnections& TBasicNetwork::Connections(std::size_t to, std::size_t from) {
-  return *blocks_[Cell(to, from)];
-}
-
-const TBasicConnections& TBasicNetwork::Connections(std::size_t to, std::size_t from) const {
-  return *blocks_[Cell(to, from)];
-}
-
-std::size_t TBasicNetwork::Cell(std::size_t to, std::size_t from) const {
-  Assert(to < NumLayers(), "to<numLayers", kModule);
-  Assert(from < NumLayers(), "from<numLayers", kModule);
-  return to * NumLayers() + from;
+void TBasicNetwork::RefuseLayer() const {
+  throw TAssertion("index<numLayers", kModule, __LINE__);
 }
 
 void TBasicNetwork::SetConnections(std::size_t to, std::size_t from,

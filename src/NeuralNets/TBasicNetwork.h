@@ -49,8 +49,8 @@ class TBasicNetwork {
   void SetInputAndOutputLayer(std::size_t input_layer, std::size_t output_layer);
 
   // Throw TAssertion when there is no such layer.
-  TBasicLayer& Layer(std::size_t index);
-  const TBasicLayer& Layer(std::size_t index) const;
+  TBasicLayer& Layer(std::size_t index) { return *layers_[CheckedLayer(index)]; }
+  const TBasicLayer& Layer(std::size_t index) const { return *layers_[CheckedLayer(index)]; }
 
   // Puts another layer at `index`. Throws TAssertion when the present one is connected.
   void SetLayer(std::size_t index, std::unique_ptr<TBasicLayer> layer);
@@ -73,8 +73,12 @@ class TBasicNetwork {
 
   // The block of a pair, which is an empty one where the layers are not connected.
   // Throw TAssertion when there is no such pair.
-  TBasicConnections& Connections(std::size_t to, std::size_t from);
-  const TBasicConnections& Connections(std::size_t to, std::size_t from) const;
+  TBasicConnections& Connections(std::size_t to, std::size_t from) {
+    return *blocks_[Cell(to, from)];
+  }
+  const TBasicConnections& Connections(std::size_t to, std::size_t from) const {
+    return *blocks_[Cell(to, from)];
+  }
 
   // Puts a block in place of the present one and attaches it. Throws TException when the network
   // would have more than kMaxWeights weights.
@@ -130,7 +134,14 @@ class TBasicNetwork {
   TBasicNetwork& operator=(const TBasicNetwork& other);
 
  private:
-  std::size_t Cell(std::size_t to, std::size_t from) const;
+  std::size_t CheckedLayer(std::size_t index) const {
+    if (index >= NumLayers()) RefuseLayer();
+    return index;
+  }
+  std::size_t Cell(std::size_t to, std::size_t from) const {
+    return CheckedLayer(to) * NumLayers() + CheckedLayer(from);
+  }
+  [[noreturn]] void RefuseLayer() const;
   std::uint64_t NumPlaces() const;
   std::size_t CheckedHiddenLayer(int layer_num) const;
 

@@ -1,7 +1,5 @@
 #include "NeuralNets/TTrainIterators.h"
 
-#include "NeuralNets/Kernels.h"
-
 namespace kiln {
 
 namespace {
@@ -27,37 +25,34 @@ void TIterateObj2Step::Patch(const TWeightPatch& patch, double* changes) {
   const double* deltas = terms_.deltas.data() + patch.to;
   const double* inputs = terms_.inputs.data() + patch.from;
   double* errors = ErrorsOf(terms_, patch);
-  if (momentum_ == 0.0) {
-    Kernels().step(patch.weights, patch.masks, patch.rows, patch.columns, deltas, inputs, errors,
-                   learning_rate_);
-  } else {
-    Kernels().step_momentum(patch.weights, patch.masks, patch.rows, patch.columns, deltas, inputs,
-                            errors, changes, learning_rate_, momentum_);
+  Kernels().step(patch.weights, patch.masks, patch.rows, patch.columns, deltas, inputs, errors,
+                 changes, rates_);
+}
+
+// The penalties of an absent connection are those of the weight 0: none.
+
+void TIterateObj2CalcPenaltyTerm::Patch(const TWeightPatch& patch, double* gradients) {
+  for (std::size_t i = 0; i < patch.Size(); ++i) {
+    const double weight = patch.weights[i];
+    const double root = beta_ * weight * weight + 1.0;
+    gradients[i] += (epsilon1_ * beta_ / (root * root) + epsilon2_) * 2.0 * weight;
   }
 }
 
-void TIterateObj2CalcPenaltyTerm::Connection(double& weight, double& gradient) {
-  const double root = beta_ * weight * weight + 1.0;
-  gradient += (epsilon1_ * beta_ / (root * root) + epsilon2_) * 2.0 * weight;
-}
-
-TIterateObjLWFCalcPenaltyTerm::TIterateObjLWFCalcPenaltyTerm(double forgetting_rate,
-                                                             double learning_rate)
-    : term_(learning_rate == 0.0 ? 0.0 : forgetting_rate * (forgetting_rate / learning_rate)) {}
-
-void TIterateObjLWFCalcPenaltyTerm::Connection(double& weight, double& gradient) {
-  if (weight < 0.0) gradient -= term_;
-  if (weight > 0.0) gradient += term_;
+void TIterateObjLWFCalcPenaltyTerm::Patch(const TWeightPatch& patch, double* gradients) {
+  for (std::size_t i = 0; i < patch.Size(); ++i) {
+    if (patch.weights[i] < 0.0) gradients[i] -= term_;
+    if (patch.weights[i] > 0.0) gradients[i] += term_;
+  }
 }
 
 void TIterateObj2Update::Patch(const TWeightPatch& patch, double* gradients) {
-  Kernels().update(patch.weights, patch.masks, patch.Size(), gradients, learning_rate_);
+  Kernels().update(patch.weights, patch.masks, patch.Size(), gradients, nullptr, rates_);
 }
 
 void TIterateObj3UpdateMomentum::Patch(const TWeightPatch& patch, double* gradients,
                                        double* changes) {
-  Kernels().update_momentum(patch.weights, patch.masks, patch.Size(), gradients, changes,
-                            learning_rate_, momentum_);
+  Kernels().update(patch.weights, patch.masks, patch.Size(), gradients, changes, rates_);
 }
 
 }  // namespace kiln

@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "NeuralNets/Kernels.h"
 #include "NeuralNets/TIterateObj.h"
 
 namespace kiln {
@@ -25,18 +26,16 @@ class TIterateObj2ErrorsAndDeltas : public TIterateObj2 {
   TBlockTerms terms_;
 };
 
-// On weights and last changes, for training by pattern: e += w d, then the update, with momentum or
-// plain, by the gradient d x at once.
+// On weights and last changes, for training by pattern: e += w d, then the update by the gradient
+// d x at once.
 class TIterateObj2Step : public TIterateObj2 {
  public:
-  TIterateObj2Step(const TBlockTerms& terms, double learning_rate, double momentum)
-      : terms_(terms), learning_rate_(learning_rate), momentum_(momentum) {}
+  TIterateObj2Step(const TBlockTerms& terms, const TRates& rates) : terms_(terms), rates_(rates) {}
   void Patch(const TWeightPatch& patch, double* changes) override;
 
  private:
   TBlockTerms terms_;
-  double learning_rate_;
-  double momentum_;
+  TRates rates_;
 };
 
 // On weights and gradients: g += (epsilon1 beta / (beta w^2 + 1)^2 + epsilon2) 2 w.
@@ -44,7 +43,7 @@ class TIterateObj2CalcPenaltyTerm : public TIterateObj2 {
  public:
   TIterateObj2CalcPenaltyTerm(double epsilon1, double epsilon2, double beta)
       : epsilon1_(epsilon1), epsilon2_(epsilon2), beta_(beta) {}
-  void Connection(double& weight, double& gradient) override;
+  void Patch(const TWeightPatch& patch, double* gradients) override;
 
  private:
   double epsilon1_;
@@ -52,12 +51,11 @@ class TIterateObj2CalcPenaltyTerm : public TIterateObj2 {
   double beta_;
 };
 
-// On weights and gradients: g += sign(w) f (f / r), which an update with the learning rate r turns
-// into a step of f^2 towards 0. Nothing is added when r is 0.
+// On weights and gradients: g += sign(w) term.
 class TIterateObjLWFCalcPenaltyTerm : public TIterateObj2 {
  public:
-  TIterateObjLWFCalcPenaltyTerm(double forgetting_rate, double learning_rate);
-  void Connection(double& weight, double& gradient) override;
+  explicit TIterateObjLWFCalcPenaltyTerm(double term) : term_(term) {}
+  void Patch(const TWeightPatch& patch, double* gradients) override;
 
  private:
   double term_;
@@ -66,23 +64,22 @@ class TIterateObjLWFCalcPenaltyTerm : public TIterateObj2 {
 // On weights and gradients: w -= r g.
 class TIterateObj2Update : public TIterateObj2 {
  public:
-  explicit TIterateObj2Update(double learning_rate) : learning_rate_(learning_rate) {}
+  // REQUIRES: rates without momentum.
+  explicit TIterateObj2Update(const TRates& rates) : rates_(rates) {}
   void Patch(const TWeightPatch& patch, double* gradients) override;
 
  private:
-  double learning_rate_;
+  TRates rates_;
 };
 
 // On weights, gradients and last changes: p = m p - r g, w += p.
 class TIterateObj3UpdateMomentum : public TIterateObj3 {
  public:
-  TIterateObj3UpdateMomentum(double learning_rate, double momentum)
-      : learning_rate_(learning_rate), momentum_(momentum) {}
+  explicit TIterateObj3UpdateMomentum(const TRates& rates) : rates_(rates) {}
   void Patch(const TWeightPatch& patch, double* gradients, double* changes) override;
 
  private:
-  double learning_rate_;
-  double momentum_;
+  TRates rates_;
 };
 
 }  // namespace kiln

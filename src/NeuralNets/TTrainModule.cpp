@@ -54,7 +54,8 @@ TTrainRun TTrainModule::StartRun(const Data& data, TKQstructure& params) {
   TTrainRun run(params, network_->NumOutputs());
   // Blocks that lead back are not trained, but momentum and penalties act on them: that is for
   // the pass over all blocks.
-  run.at_once = !run.batch && !run.penalty.IsActive() && IsFeedForward();
+  run.at_once =
+      !run.batch && run.penalty.kind != TPenaltyTerm::TKind::kQuadratic && IsFeedForward();
   CheckLayers(run);
   return run;
 }
@@ -128,7 +129,10 @@ void TTrainModule::TrainBlock(const TTrainRun& run, std::size_t to, std::size_t 
                               const TBlockTerms& terms) {
   TBasicConnections& block = network_->Connections(to, from);
   if (run.at_once) {
-    TIterateObj2Step step(terms, run.learning_rate, run.momentum);
+    TRates rates = run.rates;
+    // A forgetting term of the gradient, times the rate, is a pull.
+    if (IsPenalised(to, from)) rates.pull = rates.rate * run.penalty.forgetting;
+    TIterateObj2Step step(terms, rates);
     block.Iterate2(changes_->Connections(to, from), step);
   } else {
     TIterateObj2ErrorsAndDeltas gradient(terms);
@@ -145,37 +149,40 @@ void TTrainModule::ForEachBlock(const TVisit& visit) {
   }
 }
 
+template <typename TVisit>
+void TTrainModule::ForEachPenalised(const TTrainRun& run, const TVisit& visit) {
+  if (run.penalty.kind == TPenaltyTerm::TKind::kNone) return;
+  ForEachBlock([&](std::size_t to, std::size_t from) {
+    if (IsPenalised(to, from)) visit(to, from);
+  });
+}
+
 // `share` is the part of the data set that the gradient stands for.
 void TTrainModule::AddPenaltyGradient(const TTrainRun& run, double share) {
-  if (!run.penalty.IsActive()) return;
   const TPenaltyTerm& penalty = run.penalty;
-  const double scale = share * run.penalty_learning_rate;
-  TIterateObj2CalcPenaltyTerm quadratic(scale * penalty.epsilon1, scale * penalty.epsilon2,
+  TIterateObj2CalcPenaltyTerm quadratic(share * penalty.epsilon1, share * penalty.epsilon2,
                                         penalty.beta);
-  TIterateObjLWFCalcPenaltyTerm forgetting(penalty.forgetting_rate, run.penalty_learning_rate);
+  TIterateObjLWFCalcPenaltyTerm forgetting(penalty.forgetting);
   const bool is_quadratic = penalty.kind == TPenaltyTerm::TKind::kQuadratic;
   TIterateObj2& term = is_quadratic ? static_cast<TIterateObj2&>(quadratic) : forgetting;
-  ForEachBlock([&](std::size_t to, std::size_t from) {
-    if (!IsPenalised(to, from)) return;
+  ForEachPenalised(run, [&](std::size_t to, std::size_t from) {
     network_->Connections(to, from).Iterate2(deltas_->Connections(to, from), term);
   });
 }
 
 void TTrainModule::AddPenaltyToError(TTrainRun& run) {
-  if (!run.penalty.IsActive()) return;
-  ForEachBlock([&](std::size_t to, std::size_t from) {
-    if (!IsPenalised(to, from)) return;
+  ForEachPenalised(run, [&](std::size_t to, std::size_t from) {
     run.error->AddPenalty(network_->Connections(to, from).Weights(), run.penalty.description);
   });
 }
 
 void TTrainModule::UpdateWeights(const TTrainRun& run) {
-  TIterateObj2Update plain(run.learning_rate);
-  TIterateObj3UpdateMomentum with_momentum(run.learning_rate, run.momentum);
+  TIterateObj2Update plain(run.rates);
+  TIterateObj3UpdateMomentum with_momentum(run.rates);
   ForEachBlock([&](std::size_t to, std::size_t from) {
     TBasicConnections& block = network_->Connections(to, from);
     TBasicConnections& gradients = deltas_->Connections(to, from);
-    if (run.momentum == 0.0) {
+    if (run.rates.momentum == 0.0) {
       block.Iterate2(gradients, plain);
     } else {
       block.Iterate3(gradients, changes_->Connections(to, from), with_momentum);

@@ -93,8 +93,11 @@ class TTrainModule {
   void UpdateWeights(const TTrainRun& run);
   bool IsFeedForward() const;
 
+  // Visit every block, or those that the penalty of the run acts on, in the one order.
   template <typename TVisit>
   void ForEachBlock(const TVisit& visit);
+  template <typename TVisit>
+  void ForEachPenalised(const TTrainRun& run, const TVisit& visit);
 
   std::shared_ptr<TBasicNetwork> network_;
   std::unique_ptr<TBasicNetwork> changes_;  // the last change of every weight

@@ -43,22 +43,25 @@ std::unique_ptr<TErrorObj> MakeError(bool cross_entropy, std::size_t outputs) {
 
 }  // namespace
 
-TPenaltyTerm::TPenaltyTerm(const TKQstructure& message)
+TPenaltyTerm::TPenaltyTerm(const TKQstructure& message, double learning_rate)
     : description(&message),
       kind(PenaltyKind(message.Name())),
-      epsilon1(NumberOr(message, "EPSILON1", 0.0)),
-      epsilon2(NumberOr(message, "EPSILON2", 0.0)),
+      epsilon1(learning_rate * NumberOr(message, "EPSILON1", 0.0)),
+      epsilon2(learning_rate * NumberOr(message, "EPSILON2", 0.0)),
       beta(NumberOr(message, "BETA", 1.0)),
-      forgetting_rate(NumberOr(message, "FORGETTINGRATE", 0.0)) {}
+      forgetting(0.0) {
+  const double rate = NumberOr(message, "FORGETTINGRATE", 0.0);
+  if (kind == TKind::kForgetting && learning_rate != 0.0)
+    forgetting = rate * (rate / learning_rate);
+}
 
 TTrainRun::TTrainRun(TKQstructure& params, std::size_t outputs)
-    : learning_rate(NumberOr(params, "LEARNINGRATE", 0.0)),
-      penalty_learning_rate(NumberOr(params, "LEARNINGRATE", 1.0)),
-      momentum(NumberOr(params, "MOMENTUM", 0.0)),
+    : rates{.rate = NumberOr(params, "LEARNINGRATE", 0.0),
+            .momentum = NumberOr(params, "MOMENTUM", 0.0)},
       threshold(NumberOr(params, "THRESHOLD", 0.0)),
       batch(IsBatch(params)),
       cross_entropy(IsCrossEntropy(params)),
-      penalty(PenaltyOf(params)),
+      penalty(PenaltyOf(params), NumberOr(params, "LEARNINGRATE", 1.0)),
       error(MakeError(cross_entropy, outputs)),
       output(outputs) {}
 

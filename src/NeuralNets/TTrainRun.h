@@ -4,27 +4,29 @@
 #include <memory>
 #include <vector>
 
+#include "NeuralNets/Kernels.h"
 #include "NeuralNets/TErrorObj.h"
 
 namespace kiln {
 
 class TKQstructure;
 
-// The weight penalty of one training run; see TErrorObj::Penalty.
+// The weight penalty of one training run; see TErrorObj::Penalty. With w a weight, r the learning
+// rate and k the part of the data set that a gradient stands for, its gradient is
+//   quadratic   (e1 beta / (beta w^2 + 1)^2 + e2) 2 w, with e1 = k r EPSILON1 and e2 = k r EPSILON2
+//   forgetting  sign(w) f (f / r), or nothing when r is 0
 struct TPenaltyTerm {
   enum class TKind { kNone, kQuadratic, kForgetting };
 
   // Throws TAssertion when the head of the description is unknown.
-  explicit TPenaltyTerm(const TKQstructure& message);
-
-  bool IsActive() const { return kind != TKind::kNone; }
+  TPenaltyTerm(const TKQstructure& message, double learning_rate);
 
   const TKQstructure* description;  // in the parameters of the caller
   TKind kind;
-  double epsilon1;
-  double epsilon2;
-  double beta;
-  double forgetting_rate;
+  double epsilon1;    // r EPSILON1
+  double epsilon2;    // r EPSILON2
+  double beta;        // BETA
+  double forgetting;  // f (f / r)
 };
 
 // What one call of a trainer works with: the settings, read once, and the buffers. How a network is
@@ -33,14 +35,12 @@ struct TTrainRun {
   // Reads `params`, which outlive the run, as TTrainModule documents them.
   TTrainRun(TKQstructure& params, std::size_t outputs);
 
-  double learning_rate;          // of the update
-  double penalty_learning_rate;  // of the penalty's gradient
-  double momentum;
+  TRates rates;  // of the update by a gradient
   double threshold;
   bool batch;
   bool cross_entropy;
   bool at_once =
-      false;  // each pattern changes the weights in the same pass that finds the gradient
+      false;  // the pass that finds the gradient of a pattern changes the weights as well
   TPenaltyTerm penalty;
   std::unique_ptr<TErrorObj> error;
   std::vector<double> output;  // of the pattern at hand
