@@ -7,13 +7,13 @@
 #include <fstream>
 #include <limits>
 
-#include "DataObject/Data.h"
 #include "FileHandler/ParseTools.h"
+#include "FileTestTools.h"
 #include "KQmessage/TKQstructure.h"
+#include "Networks.h"
 #include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TConnectedConnections.h"
 #include "NeuralNets/TGainLayer.h"
-#include "NeuralNets/TMLPNetwork.h"
 #include "NeuralNets/TSimpleInputLayer.h"
 #include "NeuralNets/TSimpleLayer.h"
 #include "Shared/TAssertion.h"
@@ -25,11 +25,6 @@ using NetworkFiler::LoadNetwork;
 using NetworkFiler::SaveNetwork;
 
 const std::string kLayoutFile = KILN_TEST_DATA "/layout.net";
-
-std::string Contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class NetworkFileTest : public testing::Test {
  protected:
@@ -100,12 +95,6 @@ TEST_F(NetworkFileTest, ReadsWhatPeopleWrite) {
   EXPECT_EQ(Saved(*LoadNetwork(path_)), text);
 }
 
-std::unique_ptr<TMLPNetwork> Perceptron(bool bias) {
-  auto network = std::make_unique<TMLPNetwork>(std::vector{4, 5, 2}, bias);
-  network->Randomize(-1.0, 1.0);
-  return network;
-}
-
 std::unique_ptr<TConnectedNetwork> MixedNetwork() {
   auto network = std::make_unique<TConnectedNetwork>(4);
   network->SetLayer(0, std::make_unique<TSimpleInputLayer>(10));
@@ -130,12 +119,12 @@ std::unique_ptr<TConnectedNetwork> MixedNetwork() {
 }
 
 TEST_F(NetworkFileTest, SavesTheSameTextAgain) {
-  auto pruned = Perceptron(true);
+  const auto pruned = MakePerceptron({4, 5, 2}, true);
   pruned->PruneNode(2, 3);
   pruned->Connections(2, 1).SetTrainable(0, 0, false);
-  const std::unique_ptr<TBasicNetwork> networks[] = {Perceptron(false), Perceptron(true),
-                                                     std::move(pruned), MixedNetwork(),
-                                                     LoadNetwork(KILN_TEST_DATA "/memory.net")};
+  const std::shared_ptr<TBasicNetwork> networks[] = {
+      MakePerceptron({4, 5, 2}, false), MakePerceptron({4, 5, 2}, true), pruned, MixedNetwork(),
+      LoadNetwork(KILN_TEST_DATA "/memory.net")};
   for (const auto& network : networks) {
     const std::string text = Saved(*network);
     const auto loaded = LoadNetwork(path_);
@@ -165,21 +154,18 @@ TEST_F(NetworkFileTest, ListsTheWeightsOfSparseBlocks) {
 }
 
 TEST_F(NetworkFileTest, LoadedNetworksTrainLikeAnyOther) {
-  const std::shared_ptr<TBasicNetwork> made = Perceptron(true);
+  const std::shared_ptr<TBasicNetwork> made = MakePerceptron({4, 5, 2}, true);
   Saved(*made);
   const std::shared_ptr<TBasicNetwork> loaded = LoadNetwork(path_);
   const std::vector<double> start = loaded->GetWeights(FMaskAll);
   made->SetWeights(start, FMaskAll);
 
-  Data data(3, 4, 2, false);
-  for (const double x : {0.0, 0.3, 0.6}) {
-    data.AddRow(std::vector{x, 1 - x, x * x, 0.5}, std::vector{x, 1 - x});
-  }
+  const auto data = MakePatterns(6, 4, 2, 0.0, 1.0);
   for (const auto& network : {loaded, made}) {
     TKQstructure params("Params");
     params.SetString("LEARNINGRATE", "0.5");
     int epochs = 20;
-    TBackpropModule(network).Train(data, params, epochs);
+    TBackpropModule(network).Train(*data, params, epochs);
   }
   EXPECT_EQ(loaded->GetWeights(FMaskAll), made->GetWeights(FMaskAll));
   EXPECT_NE(loaded->GetWeights(FMaskAll), start);
@@ -221,11 +207,7 @@ TEST_F(NetworkFileTest, TellsThePlaceOfAFault) {
 
 // Each takes a good file and writes something else in the place of what it has.
 TEST_F(NetworkFileTest, RefusesBrokenTexts) {
-  const struct {
-    const char* good;
-    const char* bad;
-    const char* failure;
-  } kCases[] = {
+  const Fault kFaults[] = {
       {"[NetworkType = MLP]", "[NetworkType = TREE]", "Unknown network type"},
       {"[InputLayer = 1]", "[InputLayer = 1 /]", "Too complicated statement"},
       {"[InputLayer = 1]", "[Inlet = 1]", "Unknown keyword"},
@@ -286,11 +268,12 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
       {"[~NeuralNetwork]", "[Layer = 0]", "End Tag expected"},
   };
   const std::string text = Contents(kLayoutFile);
-  for (const auto& test : kCases) {
+  for (const Fault& fault : kFaults) {
     std::string broken = text;
     // From behind: later layers have the plainer texts.
-    broken.replace(broken.rfind(test.good), std::string(test.good).size(), test.bad);
-    EXPECT_EQ(LoadFailure(broken), test.failure) << test.good << " -> " << test.bad;
+    const std::string old_part = fault.old_part;
+    broken.replace(broken.rfind(old_part), old_part.size(), fault.part);
+    EXPECT_EQ(LoadFailure(broken), fault.failure) << old_part << " -> " << fault.part;
   }
 }
 
