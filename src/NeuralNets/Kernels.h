@@ -27,7 +27,8 @@ struct TRates {
 // w is a matrix of `rows` x `columns` weights, row-major. m holds the flags of the weights, or is
 // null when every connection exists and is trainable: an absent connection contributes nothing,
 // whatever values meet there, and one that is absent or frozen keeps its weight. Buffers do not
-// overlap. Sums are formed in any order.
+// overlap. Sums are formed in any order, but for maps in that of the formulas, so that every level
+// gives the same result there.
 struct TKernels {
   using TSize = std::size_t;
 
@@ -51,12 +52,21 @@ struct TKernels {
   void (*step)(double* w, const TMask* m, TSize rows, TSize columns, const double* d,
                const double* x, double* e, double* p, const TRates& rates);
 
-  // sum over i of (a[i] - b[i])^2
-  double (*squared_distance)(const double* a, const double* b, TSize n);
-
   // y[i] = 1 / (1 + exp(-x[i])), or 1e-300 where x[i] < -500; within 2 units in the last place.
   // Works on whole registers: both buffers have room for PaddedSize(n) values.
   void (*sigmoid)(const double* x, double* y, TSize n);
+
+  // The units of a map stand side by side in tiles: element i of the prototype of unit u is
+  // t[(u / kTile * columns + i) * kTile + u % kTile]. Places behind the last unit hold NaN.
+  static constexpr TSize kTile = 8;
+
+  // The unit whose prototype has the smallest squared distance from x, the first of equals, or -1
+  // when none is below *distance, which becomes that of the unit.
+  std::ptrdiff_t (*nearest)(const double* t, TSize tiles, TSize columns, const double* x,
+                            double* distance);
+
+  // Moves the prototypes of units first..last-1 towards x: t += rate (x - t)
+  void (*approach)(double* t, TSize columns, TSize first, TSize last, const double* x, double rate);
 };
 
 enum class TKernelLevel { kBaseline, kAvx2, kAvx512 };

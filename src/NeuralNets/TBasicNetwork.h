@@ -126,8 +126,9 @@ class TBasicNetwork {
   // be null (TAssertion). Throws TException when the columns of the set do not fit.
   virtual double RecallError(const Data* in, TErrorObj* err);
 
-  // Throws TException, in the name of `function`, unless the set has a column for each input and
-  // each output.
+  // Throw TException, in the name of `function`, unless the set has a column for each input, or for
+  // each input and each output.
+  void CheckInputsFit(const Data& data, const char* function) const;
   void CheckFits(const Data& data, const char* function) const;
 
  protected:

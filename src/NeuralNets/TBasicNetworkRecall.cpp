@@ -29,14 +29,18 @@ void TBasicNetwork::RecallPattern(std::span<const double> input, std::span<doubl
   std::ranges::copy(layers_[output_layer_]->Outputs(), output.begin());
 }
 
-void TBasicNetwork::CheckFits(const Data& data, const char* function) const {
+void TBasicNetwork::CheckInputsFit(const Data& data, const char* function) const {
   CheckColumns(data.Inputs(), NumInputs(), "inputs", function);
+}
+
+void TBasicNetwork::CheckFits(const Data& data, const char* function) const {
+  CheckInputsFit(data, function);
   CheckColumns(data.Outputs(), NumOutputs(), "outputs", function);
 }
 
 std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
   Assert(in != nullptr, "in != nil", kModule);
-  CheckColumns(in->Inputs(), NumInputs(), "inputs", "TBasicNetwork::Recall");
+  CheckInputsFit(*in, "TBasicNetwork::Recall");
   std::vector<double> output(NumOutputs());
   auto result =
       std::make_unique<Data>(in->DataRows(), in->Inputs(), static_cast<int>(output.size()), false);
@@ -54,7 +58,7 @@ std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
   if (in == nullptr) {
     throw TException("Null data pointer", "Null Pointer Parameter", kFunction);
   }
-  CheckColumns(in->Inputs(), NumInputs(), "inputs", kFunction);
+  CheckInputsFit(*in, kFunction);
   std::vector<double> output(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), 0, static_cast<int>(output.size()), false);
   for (int n = 0; n < in->DataRows(); ++n) {

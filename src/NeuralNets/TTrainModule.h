@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <span>
 
 #include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/TEpochObserver.h"
 #include "NeuralNets/TTrainIterators.h"
 #include "NeuralNets/TTrainRun.h"
 
@@ -13,9 +13,6 @@ namespace kiln {
 
 class Data;
 class TKQstructure;
-
-// Called after each epoch with its number, from 0, and its error; false asks training to stop.
-using TEpochObserver = std::function<bool(int epoch, double error)>;
 
 // Gradient descent on the error of a network over a data set: the loop over epochs and patterns,
 // the weight penalties and the updates. How one layer turns its error terms into gradients is what

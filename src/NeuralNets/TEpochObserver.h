@@ -1,0 +1,10 @@
+#pragma once
+
+#include <functional>
+
+namespace kiln {
+
+// Called after each epoch with its number, from 0, and its error; false asks training to stop.
+using TEpochObserver = std::function<bool(int epoch, double error)>;
+
+}  // namespace kiln
