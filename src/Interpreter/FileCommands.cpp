@@ -1,8 +1,10 @@
 #include "DataObject/Data.h"
 #include "FileHandler/Filer.h"
+#include "FileHandler/NetworkFile.h"
 #include "FileHandler/SafeFile.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "Interpreter/NetworkObjects.h"
 
 namespace kiln::commands {
 
@@ -27,15 +29,40 @@ std::string SavedPath(const CommandLine& line) {
   return RequiredPath(line, "cannot find tag filename or bad format");
 }
 
-int SaveData(TInterpreter& interpreter, const CommandLine& line) {
-  const auto set = SavedEntry(interpreter, line).As<Data>();
-  if (!set) Fail("object not type data");
-  const std::string path = SavedPath(line);
+// Calls write(path).
+template <typename TWrite>
+void SaveTo(const std::string& path, TWrite write) {
   try {
-    Filer::Save(path, set.get());
+    write(path);
   } catch (const FileTools::SaveError&) {
     Fail("cannot save to file ", path);
   }
+}
+
+// What read(path) returns. `cannot_open` stands before the path of a file that cannot be opened.
+template <typename TRead>
+auto LoadFrom(const std::string& path, std::string_view cannot_open, TRead read) {
+  try {
+    return read(path);
+  } catch (const FileTools::OpenError&) {
+    Fail(cannot_open, path);
+  }
+}
+
+int SaveNetwork(TInterpreter& interpreter, const CommandLine& line) {
+  const TRegistryNode* node = interpreter.Find(Required(line.Word("alias"), "alias tag not found"));
+  if (!node) Fail("object not found");
+  const std::string path = RequiredPath(line, "filename tag not found");
+  const auto network = AsNetwork(*node);
+  if (!network) Fail("object not an ANN type");
+  SaveTo(path, [&](const std::string& to) { NetworkFiler::SaveNetwork(to, *network); });
+  return kDone;
+}
+
+int SaveData(TInterpreter& interpreter, const CommandLine& line) {
+  const auto set = SavedEntry(interpreter, line).As<Data>();
+  if (!set) Fail("object not type data");
+  SaveTo(SavedPath(line), [&](const std::string& path) { Filer::Save(path, set.get()); });
   return kDone;
 }
 
@@ -50,14 +77,18 @@ int SaveFuzzyRules(TInterpreter& interpreter, const CommandLine& line) {
   NotYet("Fuzzy rules");
 }
 
+int LoadNetwork(TInterpreter& interpreter, const CommandLine& line) {
+  const std::string_view alias = LoadedAlias(interpreter, line, "cannot find alias tag");
+  const std::string path = RequiredPath(line, "unable to find filename tag");
+  InsertNetwork(interpreter, alias, NetworkFiler::LoadNetwork(path));
+  return kDone;
+}
+
 int LoadData(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
   const std::string path = RequiredPath(line, "tag filename not found");
-  try {
-    interpreter.Insert({alias, Filer::Load(path).expected});
-  } catch (const FileTools::OpenError&) {
-    Fail("Unable to open data file ", path);
-  }
+  auto sets = LoadFrom(path, "Unable to open data file ", Filer::Load);
+  interpreter.Insert({alias, std::move(sets.expected)});
   return kDone;
 }
 
@@ -73,16 +104,15 @@ int LoadFuzzyRules(TInterpreter& interpreter, const CommandLine& line) {
   NotYet("Fuzzy rules");
 }
 
+// The word for a network does not matter: what it is decides what is written and read.
 constexpr TCommand kSavers[] = {
-    {"Data", SaveData},
-    {"TarnLabels", SaveTarnLabels},
-    {"FuzzyRules", SaveFuzzyRules},
+    {"MLP", SaveNetwork}, {"Tarn", SaveNetwork},          {"Kohonen", SaveNetwork},
+    {"Data", SaveData},   {"TarnLabels", SaveTarnLabels}, {"FuzzyRules", SaveFuzzyRules},
 };
 
 constexpr TCommand kLoaders[] = {
-    {"Data", LoadData},
-    {"TarnLabels", LoadTarnLabels},
-    {"FuzzyRules", LoadFuzzyRules},
+    {"MLP", LoadNetwork}, {"Tarn", LoadNetwork},          {"Kohonen", LoadNetwork},
+    {"Data", LoadData},   {"TarnLabels", LoadTarnLabels}, {"FuzzyRules", LoadFuzzyRules},
 };
 
 constexpr char kUnknown[] = "unknown object type";
