@@ -65,6 +65,7 @@ std::unique_ptr<TBasicNetwork> LoadNetwork(const std::string& path) {
   ParseItem next = ReadLayers(reader, header, *network);
   next = ReadConnections(reader, next, *network);
   ExpectEndTag(next, reader);
+  CheckComplete(*network, reader);
   return network;
 }
 

@@ -2,14 +2,18 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "NeuralNets/TConnectedConnections.h"
 #include "NeuralNets/TConnectedNetwork.h"
 #include "NeuralNets/TGainLayer.h"
+#include "NeuralNets/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "NeuralNets/TPrunedConnections.h"
 #include "NeuralNets/TSimpleInputLayer.h"
 #include "NeuralNets/TSimpleLayer.h"
+#include "Shared/TAssertion.h"
+#include "Shared/TException.h"
 #include "Shared/Text.h"
 
 namespace kiln::NetworkFiler {
@@ -17,6 +21,7 @@ namespace kiln::NetworkFiler {
 namespace {
 
 using FileTools::Reader;
+using FileTools::Writer;
 
 // --- Networks --------------------------------------------------------------------------------
 
@@ -30,14 +35,37 @@ std::unique_ptr<TBasicNetwork> MakePerceptron(const NetworkHeader& header, Reade
   return std::make_unique<TMLPNetwork>(header.layers - 1);
 }
 
+std::unique_ptr<TBasicNetwork> MakeMap(const NetworkHeader& header, Reader& reader) {
+  Assert(header.layers == 3, "numlayers == 3", kModule);
+  std::vector<int> sizes = ReadDimensions(reader);
+  try {
+    return std::make_unique<TKohonenNetwork>(std::move(sizes));
+  } catch (const TException& too_large) {
+    FailLoad(reader, too_large.Message());
+  }
+}
+
+void WriteMap(Writer& writer, const TBasicNetwork& network) {
+  WriteDimensions(writer, dynamic_cast<const TKohonenNetwork&>(network).Grid().Sizes());
+}
+
+bool IsCompleteMap(const TBasicNetwork& network) {
+  return dynamic_cast<const TKohonenNetwork&>(network).IsComplete();
+}
+
 struct NetworkKind {
   std::string_view name;
   std::unique_ptr<TBasicNetwork> (*make)(const NetworkHeader& header, Reader& reader);
+
+  // For kinds with a block of their own, and with a shape that all files must give them.
+  void (*write)(Writer& writer, const TBasicNetwork& network) = nullptr;
+  bool (*is_complete)(const TBasicNetwork& network) = nullptr;
 };
 constexpr NetworkKind kNetworks[] = {
     {"BASIC", MakeLayered<TBasicNetwork>},
     {"CONNECTED", MakeLayered<TConnectedNetwork>},
     {"MLP", MakePerceptron},
+    {"KOHONEN", MakeMap, WriteMap, IsCompleteMap},
 };
 
 // --- Layers ----------------------------------------------------------------------------------
@@ -87,6 +115,17 @@ const TKind* Find(const TKind (&kinds)[size], std::string_view name) {
 std::unique_ptr<TBasicNetwork> MakeNetwork(const NetworkHeader& header, Reader& reader) {
   const NetworkKind* kind = Find(kNetworks, header.kind);
   return kind ? kind->make(header, reader) : nullptr;
+}
+
+void WriteOwnBlock(Writer& writer, const TBasicNetwork& network) {
+  const NetworkKind* kind = Find(kNetworks, network.KindName());
+  if (kind && kind->write) kind->write(writer, network);
+}
+
+void CheckComplete(const TBasicNetwork& network, const Reader& reader) {
+  const NetworkKind* kind = Find(kNetworks, network.KindName());
+  if (!kind || !kind->is_complete || kind->is_complete(network)) return;
+  FailLoad(reader, "Layers and connections are not those of a " + std::string(kind->name));
 }
 
 std::unique_ptr<TBasicLayer> MakeLayer(std::string_view kind_name, std::size_t neurons) {

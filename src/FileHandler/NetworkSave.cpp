@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "FileHandler/NetworkFile.h"
+#include "FileHandler/NetworkKinds.h"
 #include "FileHandler/SafeFile.h"
 #include "FileHandler/Writer.h"
 #include "NeuralNets/ActFunctions.h"
@@ -236,6 +237,7 @@ void WriteNetwork(Writer& writer, const TBasicNetwork& network) {
   writer.WriteFormatVersion();
   writer.WriteStartTag("NeuralNetwork");
   WriteHeader(writer, network);
+  WriteOwnBlock(writer, network);
   for (std::size_t i = 0; i < network.NumLayers(); ++i) WriteLayer(writer, network.Layer(i));
   for (std::size_t from = 0; from < network.NumLayers(); ++from) {
     for (std::size_t to = 0; to < network.NumLayers(); ++to) {

@@ -3,13 +3,18 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "FileHandler/ParseTools.h"
 
 namespace kiln {
 class TBasicNetwork;
+}
+namespace kiln::FileTools {
+class Writer;
 }
 
 // The sections of a network file, each with its reader, in the order of the file.
@@ -30,6 +35,10 @@ struct NetworkHeader {
 
 // Reads the kind of the network and the block of information.
 NetworkHeader ReadHeader(FileTools::Reader& reader);
+
+// The sizes of a map, one a dimension.
+std::vector<int> ReadDimensions(FileTools::Reader& reader);
+void WriteDimensions(FileTools::Writer& writer, std::span<const int> sizes);
 
 // Read all layers or blocks of connections into an otherwise empty network. Return the first item
 // behind them.
