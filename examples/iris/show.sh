@@ -18,6 +18,9 @@ fi
 printf 'What Kiln was told, and what it answered:\n\n'
 sed 's/^/  /' iris.log
 
+awk '/^train / { getline
+  printf "\nError on the 100 flowers that it learned from (root mean square): %.4f\n", $2 }' iris.log
+
 # Prints the rows of a data file, one a line.
 rows() { sed -n '/^\[Data\]/,/^\[~Data\]/p' "$1" | grep -v '^\[' | grep .; }
 
@@ -39,7 +42,7 @@ paste <(rows test.dat) <(rows answers.dat) <(rows answers-again.dat) | awk '
     }
   }
   END {
-    printf "\nOf the flowers that it had never seen, the network recognised\n\n"
+    printf "Of the flowers that it had never seen, the network recognised\n\n"
     for (k = 1; k <= 3; k++) {
       printf "  %-12s %2d of %2d\n", kind[k], right[k], seen[k]
       all += right[k]
