@@ -73,7 +73,11 @@ int GetTrained(TInterpreter& interpreter, const CommandLine& line);
 
 // RecallCommands.cpp
 int Recall(TInterpreter& interpreter, const CommandLine& line);
+
+// KohonenCommands.cpp
 int Map(TInterpreter& interpreter, const CommandLine& line);
+
+// LabelCommand.cpp
 int Label(TInterpreter& interpreter, const CommandLine& line);
 
 // RuleCommands.cpp

@@ -43,15 +43,4 @@ int CreateTarn(TInterpreter& interpreter, const CommandLine& line) {
   NotYet("Tarn networks");
 }
 
-int CreateKohonen(TInterpreter& interpreter, const CommandLine& line) {
-  RequiredNewAlias(interpreter, line, "alias");
-  Required(line.Long("inputs"), "tag inputs not found");
-  const std::int64_t dimensions = Required(line.Long("dimensions"), "tag dimensions not found");
-  const std::vector<std::int64_t> sizes = Required(line.Longs("mapdim"), "tag mapdim not found");
-  if (std::ssize(sizes) != dimensions) {
-    Fail("Number of dimensions does not match number of array elements");
-  }
-  NotYet("Kohonen maps");
-}
-
 }  // namespace kiln::commands

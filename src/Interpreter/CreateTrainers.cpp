@@ -40,12 +40,4 @@ int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {
   NotYet("Genetic trainers");
 }
 
-int CreateKohonenTrainer(TInterpreter& interpreter, const CommandLine& line) {
-  RequiredNewAlias(interpreter, line, "alias");
-  const std::string_view name = RequiredAlias(line, "network");
-  RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
-                                " is not a Kohonen network");
-  NotYet("Kohonen trainers");
-}
-
 }  // namespace kiln::commands

@@ -4,12 +4,14 @@
 
 #include "Interpreter/Checks.h"
 #include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 
 namespace kiln {
 
 std::shared_ptr<TBasicNetwork> AsNetwork(const TRegistryNode& node) {
   if (auto perceptron = node.As<TMLPNetwork>()) return perceptron;
+  if (auto map = node.As<TKohonenNetwork>()) return map;
   return nullptr;
 }
 
@@ -28,6 +30,8 @@ void InsertNetwork(TInterpreter& interpreter, std::string_view alias,
   const std::shared_ptr<TBasicNetwork> shared = std::move(network);
   if (auto perceptron = std::dynamic_pointer_cast<TMLPNetwork>(shared)) {
     interpreter.Insert({alias, std::move(perceptron)});
+  } else if (auto map = std::dynamic_pointer_cast<TKohonenNetwork>(shared)) {
+    interpreter.Insert({alias, std::move(map)});
   } else {
     Fail("unknown network type");
   }

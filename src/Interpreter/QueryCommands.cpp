@@ -5,6 +5,7 @@
 #include "Interpreter/Answers.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "NeuralNets/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "Shared/TException.h"
 
@@ -64,12 +65,22 @@ std::string Structure(const TMLPNetwork& network) {
   return text.str();
 }
 
+std::string Structure(const TKohonenNetwork& map) {
+  const std::span<const int> sizes = map.Grid().Sizes();
+  std::ostringstream text;
+  text << "inputs " << map.NumInputs() << " dimensions " << sizes.size() << " mapdim "
+       << AnswerArray(std::vector<std::int64_t>(sizes.begin(), sizes.end()));
+  return text.str();
+}
+
 int StructureOf(TInterpreter& interpreter, const CommandLine& line) {
   const TRegistryNode& node = Subject(interpreter, line, "structureof").node;
   if (const auto set = node.As<Data>()) {
     interpreter.SetResult(Structure(*set));
   } else if (const auto perceptron = node.As<TMLPNetwork>()) {
     interpreter.SetResult(Structure(*perceptron));
+  } else if (const auto map = node.As<TKohonenNetwork>()) {
+    interpreter.SetResult(Structure(*map));
   } else {
     Fail("no structure for this type of object");
   }

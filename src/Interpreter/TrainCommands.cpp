@@ -3,6 +3,7 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/NetworkObjects.h"
+#include "Interpreter/Training.h"
 #include "KQmessage/TKQstructure.h"
 #include "NeuralNets/TTrainModule.h"
 #include "Shared/NumberFormat.h"
@@ -11,18 +12,6 @@
 namespace kiln::commands {
 
 namespace {
-
-// A trainer and the set that it is to learn, with their aliases.
-struct TLesson {
-  std::string_view trainer_alias;
-  const TRegistryNode& trainer;
-  std::string_view set_alias;
-  const Data& set;
-};
-
-// Reads the tags of one kind of trainer, trains and gives the answer.
-using TTraining = int (*)(TInterpreter& interpreter, const CommandLine& line,
-                          const TLesson& lesson);
 
 // A number with all of its digits, where six decimals would make nothing of a small one.
 std::string Exact(double value) {
@@ -69,6 +58,7 @@ int TrainByGradient(TInterpreter& interpreter, const CommandLine& line, const TL
 // How the object of an entry is trained; null when it is no trainer.
 TTraining TrainingOf(const TRegistryNode& node) {
   if (AsGradientTrainer(node)) return TrainByGradient;
+  if (node.As<TKohonenModule>()) return TrainMap;
   return nullptr;
 }
 

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string_view>
+
+#include "DataObject/Data.h"
+#include "Interpreter/CommandLine.h"
+#include "Interpreter/TInterpreter.h"
+
+// What "train" does with each kind of trainer.
+namespace kiln::commands {
+
+// A trainer and the set that it is to learn, with their aliases.
+struct TLesson {
+  std::string_view trainer_alias;
+  const TRegistryNode& trainer;
+  std::string_view set_alias;
+  const Data& set;
+};
+
+// Reads the tags of one kind of trainer, trains and gives the answer.
+using TTraining = int (*)(TInterpreter& interpreter, const CommandLine& line,
+                          const TLesson& lesson);
+
+// KohonenCommands.cpp
+int TrainMap(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson);
+
+}  // namespace kiln::commands
