@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "Bramble/Gene.h"
+#include "Bramble/GeneValue.h"
+#include "Bramble/MetaChrom.h"
+
+namespace kiln {
+
+// A list of genes laid out by a genome. Positions count from 1.
+//
+// Values stand in one array and flags in another; types and bounds stand once in the genome, which
+// all chromosomes of a population share. While a chromosome is being put together it may be shorter
+// than its genome, never longer.
+class Chromosome {
+ public:
+  // Without genes. Throws TAssertion without a genome.
+  explicit Chromosome(std::shared_ptr<const MetaChrom> genome);
+
+  // With a random value for every gene of the genome, drawn in order.
+  static Chromosome Random(std::shared_ptr<const MetaChrom> genome);
+
+  // With these values, which may lie outside the bounds. Throws TAssertion unless there is one for
+  // every gene of the genome.
+  static Chromosome Of(std::shared_ptr<const MetaChrom> genome, std::span<const GeneValue> values);
+
+  std::size_t Length() const { return MbrDyaGvlValues.size(); }
+  const std::shared_ptr<const MetaChrom>& Genome() const { return MbrPtrMchGenome; }
+
+  // The stored values. Writing to them is no mutation: it leaves the changed flags alone.
+  std::span<GeneValue> Values() { return MbrDyaGvlValues; }
+  std::span<const GeneValue> Values() const { return MbrDyaGvlValues; }
+
+  // --- Single genes --------------------------------------------------------------------------
+  // Throw TAssertion when no gene stands at the position.
+
+  Gene At(std::size_t position) const;
+  void SetMutable(std::size_t position, bool is_mutable);
+
+  // --- Putting together ----------------------------------------------------------------------
+
+  // Starts again without genes, laid out by a genome. Keeps the storage.
+  void Restart(const std::shared_ptr<const MetaChrom>& genome);
+
+  // Appends a clone of the gene. Throws TAssertion unless its type and bounds are those of the
+  // genome at the next position.
+  void Append(const Gene& gene);
+
+  // Appends clones of the genes first..last of the source; none when last is first - 1. Throws
+  // TAssertion when they don't exist or, like the other, when they don't fit.
+  void Append(const Chromosome& source, std::size_t first, std::size_t last);
+
+  // Replaces a gene by a clone of the one at the same position of another chromosome.
+  // REQUIRES: both have a gene there, of one definition.
+  void Take(const Chromosome& source, std::size_t position) {
+    MbrDyaGvlValues[position - 1] = source.MbrDyaGvlValues[position - 1];
+    MbrDyaFlgFlags[position - 1] = source.MbrDyaFlgFlags[position - 1];
+  }
+
+  // The genes first..last as a chromosome of their own.
+  Chromosome Slice(std::size_t first, std::size_t last) const;
+
+  // Draws once for each gene in order and mutates it when the event of this probability happens.
+  // Stops at the first gene that refuses and returns its status, else SUCCESS. Nothing is drawn
+  // with a probability that is not above 0.
+  int Mutate(float probability);
+
+ private:
+  struct Flags {
+    bool BolChanged : 1;
+    bool BolMutable : 1;
+  };
+
+  int MutateAt(std::size_t index);
+  bool Fits(const Chromosome& source, std::size_t first, std::size_t count) const;
+
+  std::shared_ptr<const MetaChrom> MbrPtrMchGenome;
+  std::vector<GeneValue> MbrDyaGvlValues;
+  std::vector<Flags> MbrDyaFlgFlags;
+};
+
+}  // namespace kiln

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+namespace kiln {
+
+// The value, or a bound, of one gene: 32 bits that hold a whole number, a single-precision real or
+// a truth value. The cell doesn't know which; its MetaGene does. Without a value it reads as 0 in
+// every form.
+class GeneValue {
+ public:
+  constexpr GeneValue() = default;
+
+  static constexpr GeneValue OfInteger(std::int32_t value) {
+    return GeneValue(std::bit_cast<std::uint32_t>(value));
+  }
+  static constexpr GeneValue OfReal(float value) {
+    return GeneValue(std::bit_cast<std::uint32_t>(value));
+  }
+  static constexpr GeneValue OfBoolean(bool value) { return GeneValue(value ? 1U : 0U); }
+
+  constexpr std::int32_t Integer() const { return std::bit_cast<std::int32_t>(MbrIntBits); }
+  constexpr float Real() const { return std::bit_cast<float>(MbrIntBits); }
+  constexpr bool Boolean() const { return MbrIntBits != 0; }
+
+  // Equality of the bits.
+  bool operator==(const GeneValue&) const = default;
+
+ private:
+  explicit constexpr GeneValue(std::uint32_t bits) : MbrIntBits(bits) {}
+
+  std::uint32_t MbrIntBits = 0;
+};
+
+}  // namespace kiln
