@@ -1,0 +1,346 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <map>
+#include <new>
+
+#include "Bramble/DeathCap.h"
+#include "Shared/Random.h"
+#include "Shared/TAssertion.h"
+
+// Every allocation of this program is counted.
+static std::size_t allocations = 0;
+
+[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  ++allocations;
+  return std::malloc(size);
+}
+[[gnu::noinline]] void* operator new(std::size_t size) {
+  if (void* memory = operator new(size, std::nothrow)) return memory;
+  throw std::bad_alloc();
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+  std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+
+namespace kiln {
+namespace {
+
+using Genome = std::shared_ptr<const MetaChrom>;
+
+// The generator, written out once more.
+struct Literal {
+  explicit Literal(std::uint32_t seed) : state(seed) { Random::Seed(seed); }
+  int Next() { return static_cast<int>((state = state * 22695477U + 1U) >> 16) & 32767; }
+  std::size_t Draw(std::size_t n) { return static_cast<std::size_t>(Next()) % n; }
+  std::uint32_t state;
+};
+
+Genome Repeated(std::size_t times, const std::vector<MetaGene>& kinds) {
+  MetaChrom genome;
+  for (std::size_t i = 0; i < times * kinds.size(); ++i) genome.Append(kinds[i % kinds.size()]);
+  return std::make_shared<const MetaChrom>(genome);
+}
+
+Genome Reals(std::size_t length) {
+  return Repeated(length, {MetaGene::Real(0.0F, 1.0F)});
+}
+
+// Genes step, 2 * step, 3 * step and so on.
+Individual Counting(std::uint32_t identifier, const Genome& genome, float step) {
+  std::vector<GeneValue> values;
+  for (std::size_t i = 1; i <= genome->Length(); ++i) {
+    values.push_back(GeneValue::OfReal(step * static_cast<float>(i)));
+  }
+  return {identifier, Chromosome::Of(genome, values)};
+}
+
+Population WithFitness(const std::vector<float>& fitness) {
+  Population population(1, fitness.size(), Reals(2));
+  population.SetFitness(fitness);
+  return population;
+}
+
+// What the k-th kind of gene of the next test mutates to.
+GeneValue LiteralValue(Literal& literal, std::size_t k) {
+  if (k == 0) return GeneValue::OfReal(static_cast<float>(-2 + 5 * (literal.Next() / 32767.0)));
+  if (k == 1) return GeneValue::OfBoolean(literal.Draw(1001) <= 300);
+  std::int64_t draw = literal.Next();
+  for (std::size_t more = 2; more < k; ++more) draw = draw * 32768 + literal.Next();
+  draw = k == 2 ? 3 : k == 3 ? draw % 40006 - 5 : draw % (1LL << 32) - (1LL << 31);
+  return GeneValue::OfInteger(static_cast<std::int32_t>(draw));
+}
+
+TEST(GeneticMutation, IsTheLiteralCalculation) {
+  const Genome genome =
+      Repeated(2000, {MetaGene::Real(-2.0F, 3.0F), MetaGene::Boolean(0.3F), MetaGene::Integer(3, 3),
+                      MetaGene::Integer(-5, 40000), MetaGene::Integer(INT32_MIN, INT32_MAX)});
+  for (const float probability : {0.0F, 0.0004F, 0.001F, 0.05F, 0.5F, 1.0F}) {
+    Literal literal(17);
+    Chromosome mutated = Chromosome::Of(genome, std::vector<GeneValue>(10000));
+    ASSERT_EQ(mutated.Mutate(probability), SUCCESS);
+    const auto threshold = static_cast<std::size_t>(probability * 1000.0);
+    for (std::size_t i = 0; i < 10000; ++i) {
+      const bool hit = probability > 0.0F && literal.Draw(1001) <= threshold;
+      const GeneValue expected = hit ? LiteralValue(literal, i % 5) : GeneValue();
+      ASSERT_EQ(mutated.At(i + 1).GvlValue, expected) << probability << " gene " << i + 1;
+      ASSERT_EQ(mutated.At(i + 1).BolChanged, hit);
+    }
+    EXPECT_EQ(Random::State(), literal.state) << probability;
+  }
+}
+
+TEST(GeneticMutation, StopsAtTheFirstGeneThatRefuses) {
+  Population population(1, 2, Repeated(2, {MetaGene::Integer(1, 9), MetaGene::Undefined()}));
+  EXPECT_EQ(population.Mutate(1.0F), kGeneUndefined);
+  population.At(1).Genes().SetMutable(1, false);
+  const Gene refusing = population.At(1).Genes().At(1);
+  EXPECT_EQ(population.Mutate(1.0F), kGeneImmutable);
+  EXPECT_EQ(population.At(1).Genes().At(1), refusing);
+  EXPECT_FALSE(population.At(2).Genes().At(1).BolChanged);
+}
+
+// The child of A, genes 1, 2, .., and B, genes -1, -2, .., as the forms are laid down.
+std::vector<float> LiteralChild(Literal& literal, std::size_t length, int points) {
+  const float first = literal.Draw(1001) < 501 ? -1.0F : 1.0F;
+  std::vector<float> genes(length, -first);
+  const auto k = static_cast<std::size_t>(points);
+  if (points == 1) {
+    std::fill_n(genes.begin(), literal.Draw(length), first);
+  } else if (points < 0 || points >= static_cast<int>(length) - 1) {
+    for (float& gene : genes) gene = literal.Draw(1001) < 501 ? first : -first;
+  } else {
+    std::vector<std::size_t> cuts(k + 2, 1);
+    for (std::size_t i = 1; i <= k; ++i) cuts[i] += literal.Draw(length - k);
+    cuts[k + 1] = length + 1;
+    std::ranges::sort(cuts);
+    for (std::size_t i = 1; i <= k; ++i) cuts[i] += i;
+    for (std::size_t s = 1; s <= k; s += 2) {
+      for (std::size_t i = cuts[s]; i < cuts[s + 1]; ++i) genes[i - 1] = first;
+    }
+  }
+  for (std::size_t i = 0; i < length; ++i) genes[i] *= static_cast<float>(i + 1);
+  return genes;
+}
+
+TEST(GeneticCrossover, EveryFormIsTheLiteralCalculation) {
+  for (const std::size_t length : {1U, 2U, 3U, 4U, 25U}) {
+    const Individual a = Counting(7, Reals(length), 1.0F);
+    const Individual b = Counting(8, Reals(length), -1.0F);
+    for (const int points : {-3, 0, 1, 2, 3, 7, 23, 24, 1000}) {
+      Literal literal(static_cast<std::uint32_t>(points + 50));
+      for (int repetition = 0; repetition < 40; ++repetition) {
+        const Individual child = a.Mate(b, points);
+        const std::vector<float> expected = LiteralChild(literal, length, points);
+        ASSERT_TRUE(std::ranges::equal(child.Genes().Values(), expected, {}, &GeneValue::Real))
+            << length << " genes, " << points << " points";
+        ASSERT_EQ(child.FirstParent() * 10 + child.SecondParent(), 78U);
+        ASSERT_EQ(Random::State(), literal.state);
+      }
+    }
+    EXPECT_THROW(a.Mate(Counting(9, Reals(5), 1.0F), 1), TAssertion);
+  }
+}
+
+TEST(GeneticCrossover, TakesEveryGeneFromEitherParentAlike) {
+  const Individual a = Counting(1, Reals(10), 1.0F);
+  const Individual b = Counting(2, Reals(10), -1.0F);
+  for (const int points : {-1, 0, 1, 3}) {
+    std::array<double, 10> from_a{};
+    for (int i = 0; i < 20000; ++i) {
+      const Individual child = a.Mate(b, points);
+      for (std::size_t g = 0; g < 10; ++g)
+        from_a[g] += child.Genes().Values()[g].Real() > 0 ? 1 : 0;
+    }
+    for (const double count : from_a) EXPECT_NEAR(count / 20000, 0.5, 0.02) << points;
+  }
+}
+
+TEST(GeneticChromosome, IsCutAndPutTogetherByItsGenome) {
+  const Genome genome = Repeated(
+      1, {MetaGene::Real(1, 1), MetaGene::Boolean(1), MetaGene::Real(3, 3), MetaGene::Undefined()});
+  Chromosome whole = Chromosome::Random(genome);
+  whole.SetMutable(3, false);
+  const Chromosome middle = whole.Slice(2, 3);
+  Chromosome copy(genome);
+  EXPECT_THROW(copy.Append(middle, 1, 2), TAssertion) << "gene 2 in the place of gene 1";
+  copy.Append(whole.At(1));
+  copy.Append(middle, 1, 2);
+  copy.Append(whole, 4, 4);
+  EXPECT_THROW(copy.Append(whole, 4, 4), TAssertion);
+  for (std::size_t i = 1; i <= 4; ++i) EXPECT_EQ(copy.At(i), whole.At(i));
+  EXPECT_THROW(MetaGene::Integer(2, 1), TAssertion);
+  EXPECT_THROW(MetaGene::Real(0.0F, NAN), TAssertion);
+}
+
+TEST(GeneticSelection, FillsTheWheelByShares) {
+  const std::map<std::vector<float>, std::vector<std::ptrdiff_t>> cases = {
+      {{1, 2, 3, 0, 1}, {7, 14, 21, 0, 7}},
+      {{100, 0.3F, 0, -1}, {40, 0, 0, 0}},
+      {{5, -5}, {20, 0}},
+      {{INFINITY, INFINITY}, {10, 10}}};
+  for (const auto& [fitness, places] : cases) {
+    Population population = WithFitness(fitness);
+    population.BuildWheel();
+    for (std::uint32_t i = 1; i <= fitness.size(); ++i) {
+      EXPECT_EQ(std::ranges::count(population.Wheel(), i), places[i - 1]) << fitness[i - 1];
+    }
+  }
+  EXPECT_THROW(WithFitness({0, NAN}).SelectRoulette(), TAssertion);
+  EXPECT_THROW(WithFitness({1, -3}).SelectTournament(), TAssertion);
+}
+
+TEST(GeneticSelection, DrawsFromTheWheel) {
+  Population population = WithFitness({1, 2, 3, 2});
+  population.BuildWheel();
+  Literal literal(5);
+  const auto spin = [&, wheel = population.Wheel()]() -> const Individual& {
+    return population.At(wheel[literal.Draw(wheel.size())]);
+  };
+  for (int i = 0; i < 200; ++i) {
+    ASSERT_EQ(&population.SelectRoulette(), &spin());
+    const Individual& one = spin();
+    const Individual& two = spin();
+    ASSERT_EQ(&population.SelectTournament(), one.Fitness() > two.Fitness() ? &one : &two);
+  }
+  population.SetFitness(std::vector<float>{0, 0, 5, 0});
+  EXPECT_EQ(&population.SelectRoulette(), &population.At(3));
+}
+
+TEST(GeneticFitness, IsScaledAndRanked) {
+  Population population = WithFitness({-2, 6, 0, 6, NAN});
+  EXPECT_EQ(population.Statistics().DblAverage, 2.0);
+  EXPECT_EQ(population.ScaleFitness(30), kUnknownScaling);
+  EXPECT_EQ(population.ScaleFitness(kLinearScaling), SUCCESS);
+  EXPECT_EQ(population.At(3).Fitness(), 0.25F);
+  EXPECT_EQ(population.Statistics().FltMaximum, 1.0F);
+
+  Population elites(2, 0, population.Genome());
+  EXPECT_EQ(elites.AddElites(nullptr, 1), kNoElites);
+  EXPECT_EQ(elites.AddElites(&population, 1) + elites.AddElites(&population, 3), SUCCESS);
+  EXPECT_TRUE(std::ranges::equal(elites.Individuals(), std::vector<std::uint32_t>{2, 5, 2, 4}, {},
+                                 &Individual::Identifier));
+  EXPECT_EQ(population.SubPopulation(2, 4).Statistics().FltMinimum, 0.25F);
+
+  Population equal = WithFitness({3, 3});
+  EXPECT_EQ(equal.ScaleFitness(kLinearScaling), SUCCESS);
+  EXPECT_EQ(equal.Statistics().FltMinimum, 0.5F);
+}
+
+// Fitness is the sum of the genes; `OnGenes` sees them first.
+class Sum : public Evaluator {
+ public:
+  std::function<void(std::span<GeneValue>)> OnGenes = [](auto) {};
+  void EvaluatePopulation(std::span<const MetaGene>, std::span<const std::span<GeneValue>> genes,
+                          std::span<float> fitness) override {
+    for (std::size_t i = 0; i < genes.size(); ++i) {
+      OnGenes(genes[i]);
+      for (const GeneValue value : genes[i]) fitness[i] += value.Real();
+    }
+  }
+};
+
+class Recorder : public Reporter {
+ public:
+  std::size_t StopAt = 1000;
+  std::vector<float> Best;
+  bool Report(const Population& evaluated) override {
+    Best.push_back(evaluated.Best().FltFitness);
+    EXPECT_EQ(evaluated.Generation(), Best.size());
+    return Best.size() < StopAt;
+  }
+};
+
+class GeneticRun : public testing::Test {
+ protected:
+  void SetUp() override {
+    Random::Seed(3);
+    driver.Populate(19);
+    driver.Seed(std::vector<GeneValue>(12, GeneValue::OfReal(0.5F)));
+  }
+  std::vector<float> Bests(const RunSettings& settings, std::size_t stop_at = 1000) {
+    Recorder recorder;
+    recorder.StopAt = stop_at;
+    EXPECT_EQ(driver.Run(settings, evaluator, recorder), SUCCESS);
+    return recorder.Best;
+  }
+  DeathCap driver{*Reals(12)};
+  Sum evaluator;
+};
+
+TEST_F(GeneticRun, NeverLosesItsBestWhileThereAreElites) {
+  for (int form = 0; form < 16; ++form) {
+    const int points = std::array<int, 4>{-1, 0, 1, 4}[static_cast<std::size_t>(form) / 4];
+    const int selection = form % 2 == 0 ? kRouletteSelection : kTournamentSelection;
+    const bool one = form % 4 < 2;
+    const std::vector<float> bests =
+        Bests({40, 100.0F, one ? 1U : 3U, points, 0.05F, selection, one});
+    EXPECT_EQ(bests.size(), 40U);
+    EXPECT_TRUE(std::ranges::is_sorted(bests)) << points << " points, selection " << selection;
+    EXPECT_GT(bests.back(), bests.front() + 0.5F);
+    EXPECT_EQ(driver.Working().Best().FltFitness, bests.back());
+  }
+}
+
+TEST_F(GeneticRun, EndsAtTheLastGenerationTheTargetOrOnRequest) {
+  EXPECT_EQ(Bests({0, 100.0F}).size(), 1U);
+  EXPECT_EQ(Bests({7, 100.0F}).size(), 7U);
+  EXPECT_EQ(driver.Working().At(2).Identifier(), 6U * 20U + 2U);
+  EXPECT_EQ(Bests({7, -1.0F}).size(), 1U);
+  EXPECT_EQ(Bests({7, 100.0F}, 4).size(), 4U);
+  const std::size_t used = Bests({200, 8.5F, 1, 1, 0.05F}).size();
+  EXPECT_LT(used, 200U);
+  EXPECT_EQ(driver.Working().Generation(), used);
+  EXPECT_EQ(driver.Current().At(20).Genes().Values()[5].Real(), 0.5F) << "works on a clone";
+  driver.AdoptWorking();
+  EXPECT_GE(driver.Current().Best().FltFitness, 8.5F);
+  const std::uint32_t state = Random::State();
+  driver.Populate(0);
+  for (int i = 0; i < 3; ++i) driver.Seed(std::vector<GeneValue>(12, GeneValue::OfReal(0.1F)));
+  EXPECT_EQ(Bests({5, 100.0F, 3}).size(), 5U) << "all are elites";
+  EXPECT_EQ(Random::State(), state);
+}
+
+TEST_F(GeneticRun, HandsRepairsDown) {
+  int seen = 0;
+  evaluator.OnGenes = [&seen](std::span<GeneValue> genes) {
+    EXPECT_EQ(genes[4].Real() == 0.25F, ++seen > 20);
+    genes[4] = GeneValue::OfReal(0.25F);
+  };
+  EXPECT_EQ(Bests({6, 100.0F, 1, 3, 0.0F}).size(), 6U);
+}
+
+TEST_F(GeneticRun, RefusesWhatItCannotBreed) {
+  Recorder reporter;
+  EXPECT_EQ(driver.Run({3, 100.0F, 1, 1, 0.1F, 20}, evaluator, reporter), kUnknownSelection);
+  EXPECT_THROW(driver.Run({3, 100.0F, 21}, evaluator, reporter), TAssertion);
+  evaluator.OnGenes = [](std::span<GeneValue> genes) { genes[0] = GeneValue::OfReal(NAN); };
+  EXPECT_EQ(Bests({3, 100.0F}).size(), 3U) << "equal fitnesses of 0";
+  Recorder hopeless;
+  EXPECT_THROW(driver.Run({3, 100.0F, 1, 1, 0, 21, false}, evaluator, hopeless), TAssertion);
+  driver.Populate(0);
+  EXPECT_THROW(driver.Run({3, 100.0F, 0}, evaluator, reporter), TAssertion);
+}
+
+TEST_F(GeneticRun, NeedsNoMoreMemoryForMoreGenerations) {
+  std::map<int, std::size_t> counts;
+  for (const int generations : {50, 200}) {
+    DeathCap long_driver(*Reals(200));
+    long_driver.Populate(100);
+    Recorder recorder;
+    recorder.Best.reserve(200);
+    const std::size_t before = allocations;
+    long_driver.Run({generations, 1000.0F, 2, 5, 0.01F}, evaluator, recorder);
+    counts[generations] = allocations - before;
+  }
+  EXPECT_EQ(counts[50], counts[200]);
+}
+
+}  // namespace
+}  // namespace kiln
