@@ -88,6 +88,29 @@ void RunByHand(TBuffers& b, bool masked, bool propagates) {
   }
 }
 
+// Both ways round: the factor a by rows, and by columns.
+void ExpectProducts(const TKernels& k, std::size_t rows, std::size_t depth, std::size_t columns) {
+  const std::size_t b_stride = PaddedSize(columns) + 8;
+  const std::size_t c_stride = columns + 1;
+  TValues a(rows * depth), b(depth * b_stride), c(rows * c_stride);
+  for (TValues* values : {&a, &b, &c}) {
+    for (double& value : *values) value = Random::Uniform(-1.0, 1.0);
+  }
+  for (const TMatrixView& view :
+       {TMatrixView{a.data(), depth, 1}, TMatrixView{a.data(), 1, rows}}) {
+    TValues product = c;
+    k.multiply(rows, depth, columns, view, b.data(), b_stride, product.data(), c_stride);
+    for (std::size_t i = 0; i < c.size(); ++i) {
+      double sum = c[i];
+      for (std::size_t j = 0; j < depth && i % c_stride < columns; ++j) {
+        sum += a[i / c_stride * view.row_stride + j * view.column_stride] *
+               b[j * b_stride + i % c_stride];
+      }
+      ASSERT_NEAR(sum, product[i], 1e-13) << rows << " x " << columns << ", place " << i;
+    }
+  }
+}
+
 TEST(KernelsTest, EveryLevelDoesWhatItsFormulasSay) {
   for (const TKernelLevel level :
        {TKernelLevel::kBaseline, TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
@@ -104,6 +127,8 @@ TEST(KernelsTest, EveryLevelDoesWhatItsFormulasSay) {
         }
       }
     }
+    for (std::size_t columns = 0; columns <= 70; ++columns) ExpectProducts(*kernels, 9, 5, columns);
+    for (std::size_t rows = 0; rows <= 9; ++rows) ExpectProducts(*kernels, rows, rows + 1, 33);
     for (std::size_t n = 0; n <= 70; ++n) {
       TValues a(PaddedSize(n)), y(PaddedSize(n));
       for (std::size_t i = 0; i < n; ++i) {

@@ -20,9 +20,24 @@ struct TLink {
 };
 
 struct TSettings {
+  explicit TSettings(const TKQstructure& params)
+      : rate(Number(&params, "LearningRate")),
+        momentum(Number(&params, "Momentum")),
+        batch(params.Deref("batch") != nullptr),
+        entropy(params.Deref("ErrorFunction") != nullptr),
+        epsilon1(Number(params.Deref("WeightPenalty"), "Epsilon1")),
+        epsilon2(Number(params.Deref("WeightPenalty"), "Epsilon2")),
+        beta(Number(params.Deref("WeightPenalty"), "Beta")),
+        forgetting(Number(params.Deref("WeightPenalty"), "ForgettingRate")) {}
+
+  static double Number(const TKQstructure* message, const char* keyword) {
+    const TKQstructure* value = message != nullptr ? message->Deref(keyword) : nullptr;
+    return value != nullptr ? std::stod(value->Name()) : 0.0;
+  }
+
   double rate, momentum;
-  bool batch = false, entropy = false;
-  double epsilon1 = 0.0, epsilon2 = 0.0, beta = 1.0, forgetting = 0.0;
+  bool batch, entropy;
+  double epsilon1, epsilon2, beta, forgetting;
 };
 
 class TSlowTrainer {
@@ -149,16 +164,15 @@ class TSlowTrainer {
 
 // --- Training against it ---------------------------------------------------------------------
 
+enum TExtras { kNothing = 0, kSparse = 1, kRecurrent = 2 };
+
 struct TCase {
   const char* name;
   TSizes sizes;
-  bool bias;
   const char* hidden;  // functions of the layers
   const char* output;
-  const char* penalty;  // in place of %, "NONE"
-  TSettings settings;
-  bool sparse = false;     // some connections pruned, some frozen
-  bool recurrent = false;  // and one block that leads back
+  const char* params;
+  int extras = kNothing;  // some connections pruned, some frozen; a block that leads back
 };
 
 void PrintTo(const TCase& c, std::ostream* out) {
@@ -168,7 +182,7 @@ void PrintTo(const TCase& c, std::ostream* out) {
 class TTrainingTest : public testing::TestWithParam<TCase> {
  protected:
   static std::shared_ptr<TMLPNetwork> MakeNetwork(const TCase& c) {
-    auto network = MakePerceptron(c.sizes, c.bias);
+    auto network = MakePerceptron(c.sizes, c.sizes.front() != 4);
     const TFnRegistry& registry = TFnRegistry::Instance();
     for (std::size_t l = 2; l < network->NumLayers(); ++l) {
       const bool is_last = l == network->OutputLayer();
@@ -177,8 +191,8 @@ class TTrainingTest : public testing::TestWithParam<TCase> {
         network->Layer(l).Neuron(i).SetParameter(0, 0.5 + 0.25 * static_cast<double>(i));
       }
     }
-    if (c.recurrent) network->Connect(3, 2);
-    if (c.sparse) {
+    if ((c.extras & kRecurrent) != 0) network->Connect(3, 2);
+    if ((c.extras & kSparse) != 0) {
       network->Connections(2, 1).SetExists(0, 1, false);
       network->Connections(2, 1).SetTrainable(1, 0, false);
       network->Connections(3, 2).SetExists(0, 0, false);
@@ -187,23 +201,16 @@ class TTrainingTest : public testing::TestWithParam<TCase> {
     network->Randomize(-1.0, 1.0);
     return network;
   }
-
-  static TKQstructure MakeParams(const TCase& c) {
-    const auto text = [](double value) { return std::to_string(value); };
-    const TSettings& s = c.settings;
-    return TKQstructure::Parse(
-        "(Params :LearningRate " + text(s.rate) + " :Momentum " + text(s.momentum) + " :batch " +
-        (s.batch ? "true" : "no") + " :ErrorFunction " +
-        (s.entropy ? "CrossEntropy" : "MeanSquaredError") + " :WeightPenalty " + c.penalty + ")");
-  }
 };
 
 TEST_P(TTrainingTest, GivesTheWeightsAndErrorsOfTheSlowTrainer) {
   const TCase& c = GetParam();
   Random::Seed(7);
   const auto network = MakeNetwork(c);
-  const auto data = MakePatterns(6, c.sizes.front(), c.sizes.back(), 0.1, 0.9);
-  TKQstructure params = MakeParams(c);
+  TKQstructure params = TKQstructure::Parse(c.params);
+  const TSettings settings(params);
+  const int rows = settings.batch ? 45 : 6;
+  const auto data = MakePatterns(rows, c.sizes.front(), c.sizes.back(), 0.1, 0.9);
   TSlowTrainer slow(*network);
   TBackpropModule trainer(network);
   TValues errors;
@@ -213,116 +220,49 @@ TEST_P(TTrainingTest, GivesTheWeightsAndErrorsOfTheSlowTrainer) {
     return true;
   });
   ASSERT_EQ(20u, errors.size());
-  for (const double error : errors) EXPECT_NEAR(slow.Epoch(*data, c.settings), error, 1e-9);
+  for (const double error : errors) EXPECT_NEAR(slow.Epoch(*data, settings), error, 1e-9);
   EXPECT_EQ(errors.back(), last);
   slow.ExpectSameWeights();
 }
 
+// Networks of four inputs have no bias.
+constexpr char kPlain[] = "(P :LearningRate 0.5)";
+constexpr char kMomentum[] = "(P :LearningRate 0.3 :Momentum 0.9)";
+constexpr char kBatch[] = "(P :LearningRate 0.02 :Momentum 0.5 :batch true)";
+constexpr char kEntropy[] = "(P :LearningRate 0.2 :Momentum 0.5 :ErrorFunction CrossEntropy)";
+constexpr char kQuadratic[] =
+    "(P :LearningRate 0.5 :WeightPenalty (QuadPenalty :Epsilon1 0.3 :Epsilon2 0.2 :Beta 2))";
+constexpr char kQuadraticBatch[] =
+    "(P :LearningRate 0.1 :Momentum 0.5 :batch true"
+    " :WeightPenalty (QuadPenalty :Epsilon1 0.3 :Beta 1))";
+constexpr char kForgetting[] =
+    "(P :LearningRate 0.5 :Momentum 0.5"
+    " :WeightPenalty (LWF :ForgettingRate 0.01 :LearningRate 0.5))";
+constexpr char kForgettingBatch[] =
+    "(P :LearningRate 0.1 :batch true"
+    " :WeightPenalty (LWF :ForgettingRate 0.01 :LearningRate 0.1))";
+
 const TCase kCases[] = {
-    {"Pattern", {3, 4, 2}, true, "sigmoid", "sigmoid", "NONE", {.rate = 0.5, .momentum = 0}},
-    {"Momentum", {3, 4, 2}, true, "sigmoid", "sigmoid", "NONE", {.rate = 0.5, .momentum = 0.9}},
-    {"Single", {5, 1}, false, "sigmoid", "linear", "NONE", {.rate = 0.1, .momentum = 0}},
-    {"Deep", {9, 17, 8, 5, 3}, true, "tanh", "sigmoid", "NONE", {.rate = 0.2, .momentum = 0.5}},
-    {"Batch",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "linear",
-     "NONE",
-     {.rate = 0.1, .momentum = 0, .batch = true}},
-    {"BatchMomentum",
-     {4, 33, 2},
-     false,
-     "tanh",
-     "tanh",
-     "NONE",
-     {.rate = 0.02, .momentum = 0.8, .batch = true}},
-    {"Gain",
-     {3, 4, 4, 2},
-     true,
-     "tanh-gain",
-     "linear-gain",
-     "NONE",
-     {.rate = 0.05, .momentum = 0.5}},
-    {"GainBatch",
-     {3, 4, 4, 2},
-     true,
-     "sigmoid-gain",
-     "sigmoid-gain",
-     "NONE",
-     {.rate = 0.5, .momentum = 0.5, .batch = true}},
-    {"Entropy",
-     {3, 4, 2},
-     true,
-     "linear",
-     "sigmoid",
-     "NONE",
-     {.rate = 0.2, .momentum = 0.5, .entropy = true}},
-    {"Sparse", {3, 4, 2}, true, "sigmoid", "sigmoid", "NONE", {.rate = 0.5, .momentum = 0}, true},
-    {"SparseMomentum",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "NONE",
-     {.rate = 0.5, .momentum = 0.9},
-     true},
-    {"SparseBatch",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "NONE",
-     {.rate = 0.5, .momentum = 0.9, .batch = true},
-     true},
-    {"Quadratic",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "(QuadPenalty :Epsilon1 0.3 :Epsilon2 0.2 :Beta 2)",
-     {.rate = 0.5, .momentum = 0, .epsilon1 = 0.3, .epsilon2 = 0.2, .beta = 2},
-     true},
-    {"QuadraticBatch",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "(QUADPENALTY :Epsilon1 0.3)",
-     {.rate = 0.5, .momentum = 0.5, .batch = true, .epsilon1 = 0.3}},
-    {"Forgetting",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "(LWF :ForgettingRate 0.01 :LearningRate 0.5)",
-     {.rate = 0.5, .momentum = 0.5, .forgetting = 0.01},
-     true},
-    {"ForgettingBatch",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "(LWF :ForgettingRate 0.01 :LearningRate 0.5)",
-     {.rate = 0.5, .momentum = 0, .batch = true, .forgetting = 0.01}},
-    {"Recurrent",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "NONE",
-     {.rate = 0.5, .momentum = 0.5},
-     true,
-     true},
-    {"RecurrentBatch",
-     {3, 4, 2},
-     true,
-     "sigmoid",
-     "sigmoid",
-     "(LWF :ForgettingRate 0.01 :LearningRate 0.5)",
-     {.rate = 0.5, .momentum = 0.5, .batch = true, .forgetting = 0.01},
-     false,
-     true}};
+    {"Pattern", {3, 4, 2}, "sigmoid", "sigmoid", kPlain},
+    {"Momentum", {3, 4, 2}, "sigmoid", "sigmoid", kMomentum},
+    {"Single", {4, 1}, "sigmoid", "linear", kPlain},
+    {"Deep", {9, 17, 8, 5, 3}, "tanh", "sigmoid", kMomentum},
+    {"Batch", {3, 4, 2}, "sigmoid", "linear", kBatch},
+    {"BatchWide", {4, 33, 2}, "tanh", "tanh", kBatch},
+    {"BatchDeep", {9, 17, 8, 5, 3}, "tanh", "sigmoid", kBatch},
+    {"Gain", {3, 4, 4, 2}, "tanh-gain", "linear-gain", "(P :LearningRate 0.05 :Momentum 0.5)"},
+    {"GainBatch", {3, 4, 4, 2}, "sigmoid-gain", "sigmoid-gain", kBatch},
+    {"Entropy", {3, 4, 2}, "linear", "sigmoid", kEntropy},
+    {"Sparse", {3, 4, 2}, "sigmoid", "sigmoid", kPlain, kSparse},
+    {"SparseMomentum", {3, 4, 2}, "sigmoid", "sigmoid", kMomentum, kSparse},
+    {"SparseBatch", {3, 4, 2}, "sigmoid", "sigmoid", kBatch, kSparse},
+    {"Quadratic", {3, 4, 2}, "sigmoid", "sigmoid", kQuadratic, kSparse},
+    {"QuadraticBatch", {3, 4, 2}, "sigmoid", "sigmoid", kQuadraticBatch},
+    {"Forgetting", {3, 4, 2}, "sigmoid", "sigmoid", kForgetting, kSparse},
+    {"ForgettingBatch", {3, 4, 2}, "sigmoid", "sigmoid", kForgettingBatch},
+    {"Recurrent", {3, 4, 2}, "sigmoid", "sigmoid", kMomentum, kSparse | kRecurrent},
+    {"RecurrentForgetting", {3, 4, 2}, "sigmoid", "sigmoid", kForgetting, kRecurrent},
+    {"RecurrentBatch", {3, 4, 2}, "sigmoid", "sigmoid", kForgettingBatch, kRecurrent}};
 
 INSTANTIATE_TEST_SUITE_P(All, TTrainingTest, testing::ValuesIn(kCases),
                          testing::PrintToStringParamName());

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "NeuralNets/Kernels.h"
-#include "NeuralNets/TBasicLayer.h"
+#include "NeuralNets/TBasicNeuron.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"
 
@@ -14,16 +14,16 @@ namespace {
 
 constexpr char kModule[] = "NeuralNets/ActFunctions";
 
-void BiasRow(TBasicLayer& layer) {
-  std::ranges::fill(layer.Outputs(), 1.0);
+void BiasRow(std::span<const double>, std::span<double> outputs) {
+  std::ranges::fill(outputs, 1.0);
 }
 
-void LinearRow(TBasicLayer& layer) {
-  std::ranges::copy(layer.NetInputs(), layer.Outputs().begin());
+void LinearRow(std::span<const double> net_inputs, std::span<double> outputs) {
+  std::ranges::copy(net_inputs, outputs.begin());
 }
 
-void SigmoidRow(TBasicLayer& layer) {
-  Kernels().sigmoid(layer.NetInputs().data(), layer.Outputs().data(), layer.NumNeurons());
+void SigmoidRow(std::span<const double> net_inputs, std::span<double> outputs) {
+  Kernels().sigmoid(net_inputs.data(), outputs.data(), outputs.size());
 }
 
 TFnRegistry MakeRegistry() {

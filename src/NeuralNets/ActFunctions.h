@@ -1,19 +1,20 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kiln {
 
-class TBasicLayer;
 class TBasicNeuron;
 
 // An activation function writes the output of `neuron` for the net input x.
 using TActFunction = void (*)(TBasicNeuron& neuron, double x);
 
-// The same function for a layer whose neurons share it: writes all outputs from the net inputs.
-using TActRowFunction = void (*)(TBasicLayer& layer);
+// The same function for a row of neurons that share it: writes their outputs from their net inputs.
+// Both stand in buffers that have room for PaddedSize (see TKernels) of them.
+using TActRowFunction = void (*)(std::span<const double> net_inputs, std::span<double> outputs);
 
 // With y the output written and g the neuron's gain:
 void ActError(TBasicNeuron& neuron, double x);            // throws TAssertion: no function was set

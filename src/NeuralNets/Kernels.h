@@ -6,6 +6,13 @@
 
 namespace kiln {
 
+// A matrix whose element (i, k) is values[i row_stride + k column_stride].
+struct TMatrixView {
+  const double* values;
+  std::size_t row_stride;
+  std::size_t column_stride;
+};
+
 // `n` rounded up to a multiple of the values that the largest register holds.
 constexpr std::size_t PaddedSize(std::size_t n) {
   return (n + 7) / 8 * 8;
@@ -51,6 +58,12 @@ struct TKernels {
   // d[r] x[c].
   void (*step)(double* w, const TMask* m, TSize rows, TSize columns, const double* d,
                const double* x, double* e, double* p, const TRates& rates);
+
+  // c[i][j] += sum over k of a[i][k] b[k][j], for i < rows, k < depth and j < columns. The rows of
+  // b, which start b_stride apart, have room for PaddedSize(columns) values; those of c start
+  // c_stride apart.
+  void (*multiply)(TSize rows, TSize depth, TSize columns, const TMatrixView& a, const double* b,
+                   TSize b_stride, double* c, TSize c_stride);
 
   // y[i] = 1 / (1 + exp(-x[i])), or 1e-300 where x[i] < -500; within 2 units in the last place.
   // Works on whole registers: both buffers have room for PaddedSize(n) values.

@@ -4,12 +4,10 @@
 
 namespace kiln {
 
-// Back-propagation for layers of weighted sums. With y the output of a neuron, e its error term and
-// g its gain, the delta that each of its inputs multiplies to give the gradient of a weight is
-//   linear  e            linear-gain  g e
-//   sigmoid y(1-y) e     sigmoid-gain y(1-y) g e
-//   tanh    (1-y^2) e    tanh-gain    (1-y^2) g e
-// and e for a sigmoid output layer under cross entropy. Other functions cannot be trained.
+// Back-propagation for layers of weighted sums. The delta of a neuron, which each of its inputs
+// multiplies to give the gradient of a weight, is its error term times the derivative of its
+// activation function (see ActDerivatives), or the error term itself for a sigmoid output layer
+// under cross entropy. Functions without a known derivative cannot be trained.
 //
 // Only connections from lower to higher layers are trained.
 class TBackpropModule : public TTrainModule {
@@ -19,15 +17,10 @@ class TBackpropModule : public TTrainModule {
  protected:
   void CheckLayers(const TTrainRun& run) const override;
   void TrainLayer(const TTrainRun& run, std::size_t layer) override;
+  void AddGradients(TTrainRun& run, const Data& data) override;
 
   // Checks one layer: TAssertion unless its function can be trained, where it has to be.
   void CheckLayer(const TTrainRun& run, std::size_t layer) const;
-
-  // Turns the error terms of a layer into its deltas, in place.
-  void ErrorsToDeltas(const TTrainRun& run, std::size_t layer);
-
- private:
-  bool IsCrossEntropyOutput(const TTrainRun& run, std::size_t layer) const;
 };
 
 }  // namespace kiln

@@ -59,6 +59,12 @@ void TBasicConnections::SetExists(std::size_t to, std::size_t from, bool exists)
   SetFlag(to, from, FMaskExists, exists);
 }
 
+bool TBasicConnections::IsComplete() const {
+  const auto exists = [](TMask flags) { return (flags & FMaskExists) != 0; };
+  return IsConnected() && weights_.size() == rows_ * columns_ &&
+         (exceptions_ == 0 || std::ranges::all_of(masks_, exists));
+}
+
 void TBasicConnections::Accumulate(std::span<const double> outputs, std::span<double> net) const {
   CheckAttached();
   const TMask* masks = exceptions_ != 0 ? masks_.data() : nullptr;

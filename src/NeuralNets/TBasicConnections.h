@@ -60,6 +60,10 @@ class TBasicConnections {
   void SetTrainable(std::size_t to, std::size_t from, bool trainable);
   void SetExists(std::size_t to, std::size_t from, bool exists);
 
+  // Whether every neuron of one layer is connected with every neuron of the other, so that Weights
+  // is a matrix of Rows() x Columns().
+  bool IsComplete() const;
+
   // Every weight of the block, patch after patch, row by row. Whoever writes here leaves absent
   // connections at 0.
   std::span<const double> Weights() const { return weights_; }

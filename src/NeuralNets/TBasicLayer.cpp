@@ -42,7 +42,7 @@ TBasicLayer::TBasicLayer(const TBasicLayer& other)
 }
 
 void TBasicLayer::Activate() {
-  if (row_form_ != nullptr) return row_form_(*this);
+  if (row_form_ != nullptr) return row_form_(NetInputs(), Outputs());
   for (std::size_t i = 0; i < neurons_.size(); ++i) neurons_[i]->Activate(net_inputs_[i]);
 }
 

@@ -56,6 +56,9 @@ class TBasicLayer {
   // The function that all neurons share: null when two differ, "null" in a layer without neurons.
   TActFunction GetActivation() const;
 
+  // The row form of the function that was set for all neurons; null when there is none.
+  TActRowFunction RowForm() const { return row_form_; }
+
   // Inserts a neuron in front of the one at `node`, or takes that one out. The blocks of the
   // network are its own business. Throw TAssertion for a position that the layer does not have.
   void AddNeuron(std::size_t node);

@@ -87,6 +87,11 @@ class TBasicNetwork {
   // The layers that are connected to layer `to`, in ascending order.
   std::span<const std::size_t> Sources(std::size_t to) const { return sources_[to]; }
 
+  // Whether layer `to` is connected to one before it: these are the connections that are trained.
+  bool HasLowerSources(std::size_t to) const {
+    return !sources_[to].empty() && sources_[to].front() < to;
+  }
+
   // Apply an operation to every connection in the one order of weights.
   void Iterate(TIterateObj& operation);
   void Read(TIterateObjRead& operation) const;
@@ -134,7 +139,13 @@ class TBasicNetwork {
  protected:
   TBasicNetwork& operator=(const TBasicNetwork& other);
 
+  // Whether a data set can be recalled by TPatternBlock in place of RecallPattern.
+  virtual bool RecallsInBlocks() const { return false; }
+
  private:
+  template <typename TVisit>
+  void RecallRows(const Data& in, const TVisit& visit);
+
   std::size_t CheckedLayer(std::size_t index) const {
     if (index >= NumLayers()) RefuseLayer();
     return index;

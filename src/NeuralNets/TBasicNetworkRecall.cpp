@@ -6,6 +6,7 @@
 #include "DataObject/Data.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/TErrorObj.h"
+#include "NeuralNets/TPatternBlock.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
@@ -38,17 +39,36 @@ void TBasicNetwork::CheckFits(const Data& data, const char* function) const {
   CheckColumns(data.Outputs(), NumOutputs(), "outputs", function);
 }
 
+// Recalls every row and calls visit(row, output) for it, oldest row first.
+template <typename TVisit>
+void TBasicNetwork::RecallRows(const Data& in, const TVisit& visit) {
+  std::vector<double> output(NumOutputs());
+  if (!RecallsInBlocks()) {
+    for (int n = 0; n < in.DataRows(); ++n) {
+      const DataRow row = in.Row(n);
+      RecallPattern(row.Inputs, output);
+      visit(row, output);
+    }
+    return;
+  }
+  TPatternBlock block(*this);
+  for (int n = 0; n < in.DataRows();) {
+    block.Recall(in, n);
+    for (std::size_t pattern = 0; pattern < block.Count(); ++pattern, ++n) {
+      block.GetPattern(output_layer_, pattern, output);
+      visit(in.Row(n), output);
+    }
+  }
+}
+
 std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
   Assert(in != nullptr, "in != nil", kModule);
   CheckInputsFit(*in, "TBasicNetwork::Recall");
-  std::vector<double> output(NumOutputs());
-  auto result =
-      std::make_unique<Data>(in->DataRows(), in->Inputs(), static_cast<int>(output.size()), false);
-  for (int n = 0; n < in->DataRows(); ++n) {
-    const DataRow row = in->Row(n);
-    RecallPattern(row.Inputs, output);
+  const int outputs = static_cast<int>(NumOutputs());
+  auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), outputs, false);
+  RecallRows(*in, [&](const DataRow& row, std::span<const double> output) {
     result->AddRow(row.Inputs, output);
-  }
+  });
   return result;
 }
 
@@ -59,12 +79,10 @@ std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
     throw TException("Null data pointer", "Null Pointer Parameter", kFunction);
   }
   CheckInputsFit(*in, kFunction);
-  std::vector<double> output(NumOutputs());
-  auto result = std::make_unique<Data>(in->DataRows(), 0, static_cast<int>(output.size()), false);
-  for (int n = 0; n < in->DataRows(); ++n) {
-    RecallPattern(in->Row(n).Inputs, output);
-    result->AddRow({}, output);
-  }
+  const int outputs = static_cast<int>(NumOutputs());
+  auto result = std::make_unique<Data>(in->DataRows(), 0, outputs, false);
+  RecallRows(*in,
+             [&](const DataRow&, std::span<const double> output) { result->AddRow({}, output); });
   return result;
 }
 
@@ -72,12 +90,9 @@ double TBasicNetwork::RecallError(const Data* in, TErrorObj* err) {
   Assert(in != nullptr, "in != nil", kModule);
   Assert(err != nullptr, "err != nil", kModule);
   CheckFits(*in, "TBasicNetwork::RecallError");
-  std::vector<double> output(NumOutputs());
-  for (int n = 0; n < in->DataRows(); ++n) {
-    const DataRow row = in->Row(n);
-    RecallPattern(row.Inputs, output);
+  RecallRows(*in, [&](const DataRow& row, std::span<const double> output) {
     err->Accumulate(row.Outputs, output);
-  }
+  });
   return err->Value();
 }
 

@@ -62,26 +62,37 @@ TTrainRun TTrainModule::StartRun(const Data& data, TKQstructure& params) {
 
 double TTrainModule::RunEpoch(const Data& data, TTrainRun& run) {
   run.error->Reset();
-  const int patterns = data.DataRows();
-  if (run.batch) deltas_->ClearWeights();
-  for (int n = 0; n < patterns; ++n) {
+  run.batch ? RunBatch(data, run) : RunPatterns(data, run);
+  AddPenaltyToError(run);
+  return run.error->Value();
+}
+
+void TTrainModule::RunBatch(const Data& data, TTrainRun& run) {
+  deltas_->ClearWeights();
+  AddGradients(run, data);
+  AddPenaltyGradient(run, 1.0);
+  UpdateWeights(run);
+  WeightsChanged();
+}
+
+void TTrainModule::AddGradients(TTrainRun& run, const Data& data) {
+  for (int n = 0; n < data.DataRows(); ++n) {
     const DataRow row = data.Row(n);
-    if (!run.batch && !run.at_once) deltas_->ClearWeights();
     TrainPattern(run, row.Inputs, row.Outputs);
-    if (run.batch) continue;
+  }
+}
+
+void TTrainModule::RunPatterns(const Data& data, TTrainRun& run) {
+  for (int n = 0; n < data.DataRows(); ++n) {
+    const DataRow row = data.Row(n);
+    if (!run.at_once) deltas_->ClearWeights();
+    TrainPattern(run, row.Inputs, row.Outputs);
     if (!run.at_once) {
-      AddPenaltyGradient(run, 1.0 / patterns);
+      AddPenaltyGradient(run, 1.0 / data.DataRows());
       UpdateWeights(run);
     }
     WeightsChanged();
   }
-  if (run.batch) {
-    AddPenaltyGradient(run, 1.0);
-    UpdateWeights(run);
-    WeightsChanged();
-  }
-  AddPenaltyToError(run);
-  return run.error->Value();
 }
 
 void TTrainModule::TrainPattern(TTrainRun& run, std::span<const double> input,
@@ -108,11 +119,6 @@ bool TTrainModule::IsPenalised(std::size_t, std::size_t) const {
   return true;
 }
 
-bool TTrainModule::IsTrained(std::size_t layer) const {
-  const auto sources = network_->Sources(layer);
-  return !sources.empty() && sources.front() < layer;
-}
-
 bool TTrainModule::IsFeedForward() const {
   for (std::size_t layer = 0; layer < network_->NumLayers(); ++layer) {
     const auto sources = network_->Sources(layer);
@@ -122,7 +128,7 @@ bool TTrainModule::IsFeedForward() const {
 }
 
 std::span<double> TTrainModule::ErrorsBelow(std::size_t layer) {
-  return IsTrained(layer) ? Errors(layer) : std::span<double>();
+  return network_->HasLowerSources(layer) ? Errors(layer) : std::span<double>();
 }
 
 void TTrainModule::TrainBlock(const TTrainRun& run, std::size_t to, std::size_t from,

@@ -60,6 +60,10 @@ class TTrainModule {
   // network's layers are those of the pattern at hand.
   virtual void TrainLayer(const TTrainRun& run, std::size_t layer);
 
+  // Adds the errors of all patterns of a set to the error object of the run, and their gradients
+  // up: what a batch does before its update. The base takes one pattern after the other.
+  virtual void AddGradients(TTrainRun& run, const Data& data);
+
   // Called after each update of the weights.
   virtual void WeightsChanged() {}
 
@@ -76,14 +80,16 @@ class TTrainModule {
   // The same for a layer to pass errors back to; empty where nothing below is trained.
   std::span<double> ErrorsBelow(std::size_t layer);
 
-  // Whether the layer is connected from a lower one.
-  bool IsTrained(std::size_t layer) const;
-
   TBasicNetwork& Network() { return *network_; }
+
+  // A network of the same shape whose weights are the gradients.
+  TBasicNetwork& Gradients() { return *deltas_; }
 
  private:
   TTrainRun StartRun(const Data& data, TKQstructure& params);
   double RunEpoch(const Data& data, TTrainRun& run);
+  void RunBatch(const Data& data, TTrainRun& run);
+  void RunPatterns(const Data& data, TTrainRun& run);
   void TrainPattern(TTrainRun& run, std::span<const double> input, std::span<const double> desired);
   void AddPenaltyGradient(const TTrainRun& run, double share);
   void AddPenaltyToError(TTrainRun& run);

@@ -1,0 +1,100 @@
+#include "NeuralNets/TPatternBlock.h"
+
+#include <algorithm>
+#include <array>
+#include <typeinfo>
+
+#include "DataObject/Data.h"
+#include "NeuralNets/Kernels.h"
+#include "NeuralNets/TGainLayer.h"
+#include "NeuralNets/TSimpleInputLayer.h"
+#include "NeuralNets/TSimpleLayer.h"
+
+namespace kiln {
+
+namespace {
+
+// Kinds are compared exactly: one that is derived from these may compute something else.
+bool LayerFits(const TBasicNetwork& network, std::size_t index) {
+  const TBasicLayer& layer = network.Layer(index);
+  if (index == network.InputLayer()) return typeid(layer) == typeid(TSimpleInputLayer);
+  return typeid(layer) == typeid(TSimpleLayer) || typeid(layer) == typeid(TGainLayer);
+}
+
+}  // namespace
+
+bool TPatternBlock::Fits(const TBasicNetwork& network) {
+  for (std::size_t to = 0; to < network.NumLayers(); ++to) {
+    if (!LayerFits(network, to)) return false;
+    for (const std::size_t from : network.Sources(to)) {
+      if (from >= to || !network.Connections(to, from).IsComplete()) return false;
+    }
+  }
+  return true;
+}
+
+TPatternBlock::TPatternBlock(TBasicNetwork& network) : network_(network) {
+  std::size_t largest = 0;
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    outputs_.emplace_back(network.Layer(layer).NumNeurons() * kPatterns);
+    largest = std::max(largest, outputs_.back().size());
+  }
+  net_inputs_.resize(largest);
+}
+
+std::size_t TPatternBlock::Width() const {
+  return PaddedSize(count_);
+}
+
+void TPatternBlock::Recall(const Data& data, int first) {
+  count_ = std::min(kPatterns, static_cast<std::size_t>(data.DataRows() - first));
+  SetInputs(data, first);
+  for (std::size_t layer = 0; layer < network_.NumLayers(); ++layer) {
+    if (layer != network_.InputLayer()) Compute(layer);
+    GetPattern(layer, count_ - 1, network_.Layer(layer).Outputs());
+  }
+}
+
+void TPatternBlock::GetPattern(std::size_t layer, std::size_t pattern,
+                               std::span<double> values) const {
+  const std::vector<double>& outputs = outputs_[layer];
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = outputs[i * kPatterns + pattern];
+}
+
+void TPatternBlock::SetInputs(const Data& data, int first) {
+  std::array<const double*, kPatterns> rows;
+  for (std::size_t p = 0; p < count_; ++p) {
+    rows[p] = data.Row(first + static_cast<int>(p)).Inputs.data();
+  }
+  double* inputs = outputs_[network_.InputLayer()].data();
+  for (std::size_t i = 0; i < network_.NumInputs(); ++i, inputs += kPatterns) {
+    for (std::size_t p = 0; p < count_; ++p) inputs[p] = rows[p][i];
+  }
+}
+
+void TPatternBlock::Compute(std::size_t layer) {
+  const std::size_t neurons = network_.Layer(layer).NumNeurons();
+  std::fill_n(net_inputs_.begin(), neurons * kPatterns, 0.0);
+  for (const std::size_t from : network_.Sources(layer)) {
+    const TBasicConnections& block = network_.Connections(layer, from);
+    const TMatrixView weights = {block.Weights().data(), block.Columns(), 1};
+    Kernels().multiply(neurons, block.Columns(), Width(), weights, outputs_[from].data(), kPatterns,
+                       net_inputs_.data(), kPatterns);
+  }
+  Activate(layer);
+}
+
+void TPatternBlock::Activate(std::size_t layer) {
+  TBasicLayer& neurons = network_.Layer(layer);
+  std::vector<double>& outputs = outputs_[layer];
+  const std::span<const double> net_inputs(net_inputs_.data(), outputs.size());
+  if (const TActRowFunction row_form = neurons.RowForm()) return row_form(net_inputs, outputs);
+  for (std::size_t p = 0; p < count_; ++p) {
+    for (std::size_t i = 0; i < neurons.NumNeurons(); ++i) {
+      neurons.Neuron(i).Activate(net_inputs[i * kPatterns + p]);
+      outputs[i * kPatterns + p] = neurons.Outputs()[i];
+    }
+  }
+}
+
+}  // namespace kiln

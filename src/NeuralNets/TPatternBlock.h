@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "NeuralNets/TBasicNetwork.h"
+
+namespace kiln {
+
+class Data;
+
+// The recall of several patterns at a time, in which a block of weights meets all of them at once.
+// The values of a layer are a matrix here: a row for each neuron, with the values of the patterns
+// side by side, kPatterns places for as many patterns as there are.
+class TPatternBlock {
+ public:
+  static constexpr std::size_t kPatterns = 32;
+
+  // Whether a network can be recalled in this way: its layers compute weighted sums of lower
+  // layers, and no connection is absent.
+  static bool Fits(const TBasicNetwork& network);
+
+  // REQUIRES: the network fits, and outlives the block.
+  explicit TPatternBlock(TBasicNetwork& network);
+
+  // Recalls the rows from `first` on, counted from the oldest of the set, as many as there are and
+  // the block takes. The layers of the network keep the outputs for the last of them.
+  // REQUIRES: first < data.DataRows(); the set's inputs fit the network.
+  void Recall(const Data& data, int first);
+
+  // How many patterns the last call recalled, and their places rounded up to whole registers.
+  std::size_t Count() const { return count_; }
+  std::size_t Width() const;
+
+  // neurons x kPatterns. Beyond Width() the places hold nothing, from Count() on nothing of use.
+  std::span<double> Outputs(std::size_t layer) { return outputs_[layer]; }
+
+  // Copies the values of one pattern. REQUIRES: a place for each neuron of the layer.
+  void GetPattern(std::size_t layer, std::size_t pattern, std::span<double> values) const;
+
+ private:
+  void SetInputs(const Data& data, int first);
+  void Compute(std::size_t layer);
+  void Activate(std::size_t layer);
+
+  TBasicNetwork& network_;
+  std::size_t count_ = 0;
+  std::vector<std::vector<double>> outputs_;  // of each layer
+  std::vector<double> net_inputs_;            // of the layer at hand
+};
+
+}  // namespace kiln
