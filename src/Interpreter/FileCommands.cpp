@@ -5,6 +5,8 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/NetworkObjects.h"
+#include "RuleObject/TLabelFile.h"
+#include "RuleObject/TRuleFile.h"
 
 namespace kiln::commands {
 
@@ -67,14 +69,17 @@ int SaveData(TInterpreter& interpreter, const CommandLine& line) {
 }
 
 int SaveTarnLabels(TInterpreter& interpreter, const CommandLine& line) {
-  // The same words as for data.
-  if (!SavedEntry(interpreter, line).As<TNetLabel>()) Fail("object not type data");
-  NotYet("Labels");
+  const auto labels = SavedEntry(interpreter, line).As<TNetLabel>();
+  if (!labels) Fail("object not type data");  // in the same words as for data
+  SaveTo(SavedPath(line), [&](const std::string& path) { TLabelFile::SaveLabels(path, *labels); });
+  return kDone;
 }
 
 int SaveFuzzyRules(TInterpreter& interpreter, const CommandLine& line) {
-  if (!SavedEntry(interpreter, line).As<TFuzzyRuleSet>()) Fail("object not type FuzzyRules");
-  NotYet("Fuzzy rules");
+  const auto rules = SavedEntry(interpreter, line).As<TFuzzyRuleSet>();
+  if (!rules) Fail("object not type FuzzyRules");
+  SaveTo(SavedPath(line), [&](const std::string& path) { TRuleFile::SaveRules(path, *rules); });
+  return kDone;
 }
 
 int LoadNetwork(TInterpreter& interpreter, const CommandLine& line) {
@@ -93,15 +98,21 @@ int LoadData(TInterpreter& interpreter, const CommandLine& line) {
 }
 
 int LoadTarnLabels(TInterpreter& interpreter, const CommandLine& line) {
-  LoadedAlias(interpreter, line, "cannot find tag alias");
-  RequiredPath(line, "tag filename not found");
-  NotYet("Labels");
+  const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
+  const std::string path = RequiredPath(line, "tag filename not found");
+  auto labels = LoadFrom(path, "Unable to open label file ",
+                         [](const std::string& from) { return TLabelFile::LoadLabels(from); });
+  interpreter.Insert({alias, std::make_unique<TNetLabel>(std::move(labels))});
+  return kDone;
 }
 
 int LoadFuzzyRules(TInterpreter& interpreter, const CommandLine& line) {
-  LoadedAlias(interpreter, line, "cannot find tag alias");
-  RequiredPath(line, "tag filename not found");
-  NotYet("Fuzzy rules");
+  const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
+  const std::string path = RequiredPath(line, "tag filename not found");
+  auto rules = LoadFrom(path, "Unable to open fuzzy rules file ",
+                        [](const std::string& from) { return TRuleFile::LoadRules(from); });
+  interpreter.Insert({alias, std::make_unique<TFuzzyRuleSet>(std::move(rules))});
+  return kDone;
 }
 
 // The word for a network does not matter: what it is decides what is written and read.
