@@ -14,7 +14,7 @@ struct TBlockTerms {
   std::span<double> errors;        // e, one a from-neuron, or empty where nothing is passed back
 };
 
-// With w a weight, g its gradient and p its last change:
+// With w a weight, g its gradient and p its last change. What the objects are given outlives them.
 
 // On weights and gradients: e += w d, g += d x.
 class TIterateObj2ErrorsAndDeltas : public TIterateObj2 {
@@ -23,7 +23,7 @@ class TIterateObj2ErrorsAndDeltas : public TIterateObj2 {
   void Patch(const TWeightPatch& patch, double* gradients) override;
 
  private:
-  TBlockTerms terms_;
+  const TBlockTerms& terms_;
 };
 
 // On weights and last changes, for training by pattern: e += w d, then the update by the gradient
@@ -34,8 +34,8 @@ class TIterateObj2Step : public TIterateObj2 {
   void Patch(const TWeightPatch& patch, double* changes) override;
 
  private:
-  TBlockTerms terms_;
-  TRates rates_;
+  const TBlockTerms& terms_;
+  const TRates& rates_;
 };
 
 // On weights and gradients: g += (epsilon1 beta / (beta w^2 + 1)^2 + epsilon2) 2 w.
@@ -69,7 +69,7 @@ class TIterateObj2Update : public TIterateObj2 {
   void Patch(const TWeightPatch& patch, double* gradients) override;
 
  private:
-  TRates rates_;
+  const TRates& rates_;
 };
 
 // On weights, gradients and last changes: p = m p - r g, w += p.
@@ -79,7 +79,7 @@ class TIterateObj3UpdateMomentum : public TIterateObj3 {
   void Patch(const TWeightPatch& patch, double* gradients, double* changes) override;
 
  private:
-  TRates rates_;
+  const TRates& rates_;
 };
 
 }  // namespace kiln

@@ -137,7 +137,9 @@ void TTrainModule::TrainBlock(const TTrainRun& run, std::size_t to, std::size_t 
   if (run.at_once) {
     TRates rates = run.rates;
     // A forgetting term of the gradient, times the rate, is a pull.
-    if (IsPenalised(to, from)) rates.pull = rates.rate * run.penalty.forgetting;
+    if (run.penalty.forgetting != 0.0 && IsPenalised(to, from)) {
+      rates.pull = rates.rate * run.penalty.forgetting;
+    }
     TIterateObj2Step step(terms, rates);
     block.Iterate2(changes_->Connections(to, from), step);
   } else {
