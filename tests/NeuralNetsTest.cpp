@@ -224,6 +224,9 @@ TEST(TBasicNetworkTest, AbsentConnectionsContributeNothingWhateverMeetsThere) {
   network.SetWeights(TValues{3, 4}, FMaskAll);
   network.Connections(2, 1).SetExists(0, 0, false);
   EXPECT_EQ(TValues{8}, RecallOf(network, {kNaN, 2}));
+  Data patterns(1, 2, 0, false);
+  patterns.AddRow(TValues{kInfinity, 3}, {});
+  EXPECT_EQ(12.0, network.Recall(&patterns)->GetOutputDatum(0, 0));
 }
 
 TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
@@ -255,6 +258,7 @@ TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
   network.AddNeuron(2, 1);
   EXPECT_EQ((TValues{0, 0, 1, 2, 3, 4, 5, 0, 0, 6, 7, 8, 9, 10, 0, 11, 12, 13, 0, 14, 15}),
             network.GetWeights(FMaskAll));
+  EXPECT_EQ(ActSigmoid, network.Layer(2).Neuron(1).GetActivation());
   EXPECT_TRUE(network.Connections(2, 1).IsTrainable(1, 0) &&
               !network.Connections(2, 1).IsTrainable(2, 0));
   network.Layer(3).Outputs()[0] = 0.0;
@@ -376,6 +380,7 @@ TEST(TBasicNetworkTest, RecallsWholeSetsOldestRowFirst) {
   const auto data = MakePatterns(70, 3, 2, 0.0, 1.0);
   const auto rows = network->Recall(data.get());
   const auto outputs = network->RecallOutputOnly(data.get());
+  const double last = network->Layer(2).Outputs()[4];
   double sum = 0.0;
   for (int n = 0; n < 70; ++n) {
     const DataRow row = data->Row(n);
@@ -387,6 +392,7 @@ TEST(TBasicNetworkTest, RecallsWholeSetsOldestRowFirst) {
     }
     EXPECT_EQ(row.Inputs[2], rows->Row(n).Inputs[2]);
   }
+  EXPECT_NEAR(network->Layer(2).Outputs()[4], last, 1e-14);
   TErrorRMSObj error(2);
   EXPECT_NEAR(std::sqrt(sum / 140), network->RecallError(data.get(), &error), 1e-12);
 

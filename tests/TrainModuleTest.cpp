@@ -8,6 +8,7 @@
 #include "Networks.h"
 #include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TGainLayer.h"
+#include "Shared/NumberFormat.h"
 
 namespace kiln {
 namespace {
@@ -321,7 +322,16 @@ TEST(TTrainModuleTest, EndsEarlyOneBehindTheEpochsRun) {
   epochs = 9;
   const double error = trainer.Train(*data, params, epochs, count);
   EXPECT_EQ(2, epochs);
-  params.SetString("Threshold", std::to_string(error * 1.5));
+  const auto set_threshold = [&](double value) {
+    std::string text;
+    AppendShortest(text, value);
+    params.SetString("Threshold", text);
+  };
+  set_threshold(error);
+  epochs = 2;
+  trainer.Train(*data, params, epochs);
+  EXPECT_EQ(2, epochs);
+  set_threshold(std::nextafter(error, 1e9));
   epochs = 9;
   EXPECT_EQ(error, trainer.Train(*data, params, epochs, count));
   EXPECT_EQ(0, epochs);
