@@ -242,6 +242,7 @@ TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
   full.SetExists(1, 2, true);
   EXPECT_NE("", WhatOf([&] { full.SetExists(1, 2, false); }));
   struct : TIterateObj2 {
+    void Patch(const TWeightPatch&, double*) override {}
   } walk;
   EXPECT_NE(std::string::npos,
             WhatOf([&] { full.Iterate2(pruned, walk); }).find("GetConnectionsN"));

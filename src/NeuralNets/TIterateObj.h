@@ -75,15 +75,13 @@ class TIterateObjAggregate : public TIterateObj {
 
 // An operation on two blocks of the same shape in step: training pairs weights with their gradients
 // or their last changes. It is handed a patch of the first block and the weights of the second at
-// the same place. Absent connections are passed over, and flags never change.
-//
-// An operation overrides either form: Patch for one that has a kernel, Connection for any other.
+// the same place, a whole patch in one call, so that it can run a kernel over it. Flags never
+// change.
 class TIterateObj2 {
  public:
   virtual ~TIterateObj2() = default;
 
-  virtual void Patch(const TWeightPatch& patch, double* second);
-  virtual void Connection(double& weight, double& second);
+  virtual void Patch(const TWeightPatch& patch, double* second) = 0;
 };
 
 // The same with three blocks.

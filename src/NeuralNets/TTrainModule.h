@@ -19,12 +19,13 @@ class TKQstructure;
 // the derived trainers know.
 //
 // Parameters, by keyword, with their defaults:
-//   LEARNINGRATE   r, the size of a step; 0 for the update, 1 as the scale of the penalty's
-//   gradient MOMENTUM       m, the share of the last change in the next one; 0 selects the plain
-//   update THRESHOLD      training ends after an epoch whose error is below it; 0, that is never
-//   BATCH          TRUE for one update an epoch; else one a pattern
-//   ERRORFUNCTION  MEANSQUAREDERROR (default) or CROSSENTROPY, in any case
-//   WEIGHTPENALTY  a message headed NONE (default), QUADPENALTY or LWF; see TErrorObj::Penalty
+//   LEARNINGRATE   size of a step: 0 in updates, 1 in the gradient of a penalty
+//   MOMENTUM       share of the last change in the next one: 0, the plain update
+//   THRESHOLD      training ends after an epoch whose error is below it: 0, that is never
+//   BATCH          TRUE for one update an epoch: else there is one a pattern
+//   ERRORFUNCTION  MEANSQUAREDERROR or CROSSENTROPY: the first
+//   WEIGHTPENALTY  message headed NONE, QUADPENALTY or LWF (see TErrorObj::Penalty): the first
+// The words are read in any case.
 //
 // The trainer shares its network, whose structure must not change meanwhile, and keeps two copies
 // of its shape: the last change of every weight, which lives on from one call to the next, and the
