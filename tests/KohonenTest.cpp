@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <tuple>
 
 #include "Networks.h"
 #include "NeuralNets/Kernels.h"
@@ -15,6 +14,8 @@ namespace {
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr TKernelLevel kLevels[] = {TKernelLevel::kBaseline, TKernelLevel::kAvx2,
+                                    TKernelLevel::kAvx512};
 
 std::shared_ptr<TKohonenNetwork> MakeMap(int inputs, const TSizes& sizes) {
   auto map = std::make_shared<TKohonenNetwork>(inputs, sizes);
@@ -22,115 +23,92 @@ std::shared_ptr<TKohonenNetwork> MakeMap(int inputs, const TSizes& sizes) {
   return map;
 }
 
-TValues PrototypesOf(const TKohonenNetwork& map) {
-  return {map.Prototypes().begin(), map.Prototypes().end()};
+// The prototypes, unit by unit.
+std::vector<TValues> PrototypesOf(const TKohonenNetwork& map) {
+  std::vector<TValues> rows;
+  for (std::size_t unit = 0; unit < map.Grid().NumUnits(); ++unit) {
+    rows.emplace_back(map.Prototype(unit).begin(), map.Prototype(unit).end());
+  }
+  return rows;
 }
 
-// A set without outputs whose rows are given one after the other.
-std::unique_ptr<Data> MakeSet(const std::vector<TValues>& rows) {
-  const auto count = static_cast<std::int64_t>(rows.size());
-  auto data = std::make_unique<Data>(count, std::ssize(rows[0]), 0, false);
-  for (const TValues& row : rows) data->AddRow(row, {});
+Data& Append(Data& data, const std::vector<TValues>& rows) {
+  for (const TValues& row : rows) data.AddRow(row, {});
   return data;
 }
 
-// The rules of the map, unit by unit and value by value, on three dimensions (those that a map does
-// not have are of size 1).
+// The rules of a map, unit by unit and value by value.
 struct TSlowMap {
-  int Inputs() const { return static_cast<int>(w.size()) / (size[0] * size[1] * size[2]); }
-  double& At(int unit, int i) { return w[static_cast<std::size_t>(unit * Inputs() + i)]; }
-
-  int Winner(const TValues& x) {
+  int Winner(std::span<const double> x) const {
     double best = 1e30;
     int winner = -1;
-    for (int j = 0; j < size[0] * size[1] * size[2]; ++j) {
+    for (std::size_t j = 0; j < w.size(); ++j) {
       double d = 0.0;
-      for (int i = 0; i < Inputs(); ++i) {
-        const double difference = x[static_cast<std::size_t>(i)] - At(j, i);
-        d += difference * difference;
-      }
+      for (std::size_t i = 0; i < x.size(); ++i) d += (x[i] - w[j][i]) * (x[i] - w[j][i]);
       if (d < best) {
         best = d;
-        winner = j;
+        winner = static_cast<int>(j);
       }
     }
     return winner;
   }
 
-  // Radii of -1 stand for none at all.
-  void Learn(const TValues& x, double rate, const int (&r)[3]) {
+  void Learn(std::span<const double> x, double rate, const TSizes& r) {
     const int winner = Winner(x);
-    for (int j = 0; j < size[0] * size[1] * size[2]; ++j) {
-      if (r[0] < 0 ? j != winner : !IsNear(j, winner, r)) continue;
-      for (int i = 0; i < Inputs(); ++i) {
-        At(j, i) += rate * (x[static_cast<std::size_t>(i)] - At(j, i));
-      }
+    for (std::size_t j = 0; j < w.size(); ++j) {
+      if (!Moves(static_cast<int>(j), winner, r)) continue;
+      for (std::size_t i = 0; i < x.size(); ++i) w[j][i] += rate * (x[i] - w[j][i]);
     }
   }
 
-  bool IsNear(int unit, int winner, const int (&r)[3]) const {
-    for (int k = 2; k >= 0; --k) {
+  bool Moves(int unit, int winner, const TSizes& r) const {
+    if (r.empty()) return unit == winner;
+    for (std::size_t k = size.size(); k-- > 0; unit /= size[k], winner /= size[k]) {
       if (std::abs(unit % size[k] - winner % size[k]) > r[k]) return false;
-      unit /= size[k];
-      winner /= size[k];
     }
     return true;
   }
 
-  int size[3];
-  TValues w;
+  TSizes size;
+  std::vector<TValues> w;
 };
 
 TEST(KohonenTest, TrainingFollowsItsRulesOnEveryGridAndProcessor) {
-  constexpr double kRate = 0.7, kRateFactor = 0.85, kRadiusFactor = 0.6;
   constexpr int kEpochs = 6;
-  struct TCase {
+  const struct {
     int inputs;
     TSizes sizes;
     TValues radii;
-    int slow_size[3];
+  } kCases[] = {
+      {3, {13}, {4.5}},          {3, {13}, {}},        {4, {7, 9}, {3.0, 5.7}},
+      {4, {7, 9}, {}},           {1, {8, 1}, {0, 99}}, {17, {5, 16}, {1, 1}},
+      {5, {3, 4, 5}, {2, 0, 9}}, {5, {3, 4, 5}, {}},   {2, {2, 3, 11}, {500, 3, 4}},
   };
-  const TCase cases[] = {
-      {3, {13}, {4.5}, {1, 1, 13}},
-      {3, {13}, {}, {1, 1, 13}},
-      {4, {7, 9}, {3.0, 5.7}, {1, 7, 9}},
-      {4, {7, 9}, {}, {1, 7, 9}},
-      {5, {3, 4, 5}, {2, 0, 9}, {3, 4, 5}},
-      {5, {3, 4, 5}, {}, {3, 4, 5}},
-      {1, {8, 1}, {0.5, 100}, {1, 8, 1}},
-      {17, {5, 16}, {1, 1}, {1, 5, 16}},
-      {2, {2, 3, 11}, {1e300, 3, 4}, {2, 3, 11}},
-  };
-  for (const TKernelLevel level :
-       {TKernelLevel::kBaseline, TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
+  for (const TKernelLevel level : kLevels) {
     if (!ForceKernels(level)) continue;
-    for (const TCase& c : cases) {
+    for (const auto& c : kCases) {
       const auto map = MakeMap(c.inputs, c.sizes);
-      TSlowMap slow{{c.slow_size[0], c.slow_size[1], c.slow_size[2]}, PrototypesOf(*map)};
+      TSlowMap slow{c.sizes, PrototypesOf(*map)};
       const auto data = MakePatterns(40, c.inputs, 0, 0.0, 1.0);
       TValues radii = c.radii;
-      ::testing::internal::CaptureStdout();
-      TKohonenModule(map).Train(*data, kRate, radii, kEpochs, kRateFactor, kRadiusFactor);
-      EXPECT_EQ(c.radii.empty() ? "" : "0 1 2 3 4 5 ", ::testing::internal::GetCapturedStdout());
+      testing::internal::CaptureStdout();
+      TKohonenModule(map).Train(*data, 0.7, radii, kEpochs, 0.85, 0.6);
+      EXPECT_EQ(c.radii.empty() ? "" : "0 1 2 3 4 5 ", testing::internal::GetCapturedStdout());
 
       TValues slow_radii = c.radii;
-      double rate = kRate;
+      double rate = 0.7;
       for (int epoch = 0; epoch < kEpochs; ++epoch) {
-        int r[3] = {};
-        if (radii.empty()) r[0] = -1;
-        for (std::size_t k = 0; k < radii.size(); ++k) {
-          slow_radii[k] = (slow_radii[k] - 1.0) * kRadiusFactor + 1.0;
-          r[3 - radii.size() + k] = static_cast<int>(std::min(slow_radii[k], 1000.0));
-        }
-        rate *= kRateFactor;
-        for (int n = 0; n < data->DataRows(); ++n) {
-          const auto x = data->Row(n).Inputs;
-          slow.Learn({x.begin(), x.end()}, rate, r);
-        }
+        for (double& radius : slow_radii) radius = (radius - 1.0) * 0.6 + 1.0;
+        rate *= 0.85;
+        const TSizes r(slow_radii.begin(), slow_radii.end());
+        for (int n = 0; n < data->DataRows(); ++n) slow.Learn(data->Row(n).Inputs, rate, r);
       }
       EXPECT_EQ(slow_radii, radii);
-      for (std::size_t i = 0; i < slow.w.size(); ++i) {
-        ASSERT_NEAR(slow.w[i], map->Prototypes()[i], 1e-12);
+      const auto fast = PrototypesOf(*map);
+      for (std::size_t j = 0; j < fast.size(); ++j) {
+        for (std::size_t i = 0; i < fast[j].size(); ++i) {
+          ASSERT_NEAR(slow.w[j][i], fast[j][i], 1e-12) << "unit " << j;
+        }
       }
     }
   }
@@ -138,21 +116,15 @@ TEST(KohonenTest, TrainingFollowsItsRulesOnEveryGridAndProcessor) {
 
 TEST(KohonenTest, UnitsAreNumberedWithTheLastCoordinateFastest) {
   const TMapGrid grid({3, 1, 4, 2});
-  int p[4];
-  std::size_t unit = 0;
-  for (int a = 0; a < 3; ++a) {
-    for (int c = 0; c < 4; ++c) {
-      for (int d = 0; d < 2; ++d, ++unit) {
-        grid.CoordinatesOf(unit, p);
-        EXPECT_EQ(std::make_tuple(a, 0, c, d), std::make_tuple(p[0], p[1], p[2], p[3]));
-        EXPECT_EQ(unit, grid.UnitAt(p));
-      }
-    }
+  TSizes p(4);
+  for (std::size_t unit = 0; unit < grid.NumUnits(); ++unit) {
+    grid.CoordinatesOf(unit, p);
+    const int u = static_cast<int>(unit);
+    EXPECT_EQ((TSizes{u / 8, 0, u / 2 % 4, u % 2}), p);
+    EXPECT_EQ(unit, grid.UnitAt(p));
   }
-  EXPECT_EQ(unit, grid.NumUnits());
 }
 
-// The units that a neighbourhood reaches.
 TSizes Reached(const TMapGrid& grid, std::size_t winner, const TValues& radii) {
   TNeighbourhood neighbourhood(grid);
   if (!radii.empty()) neighbourhood.SetRadii(radii);
@@ -177,25 +149,20 @@ TEST(KohonenTest, NeighbourhoodsEndWithTheGrid) {
 }
 
 TEST(KohonenTest, TheLowerOfEqualUnitsWinsWhereverTheyStand) {
-  for (const TKernelLevel level :
-       {TKernelLevel::kBaseline, TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
+  for (const TKernelLevel level : kLevels) {
     if (!ForceKernels(level)) continue;
-    for (const int inputs : {1, 3, 8}) {
-      const auto map = MakeMap(inputs, {37});
-      const auto data = MakePatterns(1, inputs, 0, 0.0, 1.0);
-      const auto x = data->Row(0).Inputs;
-      TValues prototype(x.size());
-      for (std::size_t low = 0; low < 37; ++low) {
-        for (std::size_t high = low; high < 37; ++high) {
-          for (double& value : map->Prototypes()) value = Random::Uniform(10.0, 11.0);
-          const auto twins = map->Prototypes();
-          twins[36 * x.size()] = kNaN;
-          for (std::size_t i = 0; i < x.size(); ++i) {
-            twins[low * x.size() + i] = twins[high * x.size() + i] = x[i] + 0.1;
-          }
-          EXPECT_EQ(low, map->FindWinner(x, prototype));
-          EXPECT_EQ(low, map->RecallCoordinates(data.get())->Row(0).Outputs[0]);
-        }
+    const auto map = MakeMap(3, {37});
+    const std::span<double> w = map->Prototypes();
+    const auto data = MakePatterns(1, 3, 0, 5.0, 6.0);
+    const auto x = data->Row(0).Inputs;
+    TValues prototype(3);
+    for (std::size_t high = 0; high < 37; ++high) {
+      for (std::size_t low = 0; low <= high; ++low) {
+        map->Randomize(0.0, 1.0);
+        w[36 * 3] = kNaN;
+        for (std::size_t i = 0; i < 3; ++i) w[low * 3 + i] = w[high * 3 + i] = x[i] + 0.1;
+        EXPECT_EQ(low, map->FindWinner(x, prototype));
+        EXPECT_EQ(low, map->RecallCoordinates(data.get())->Row(0).Outputs[0]);
       }
     }
   }
@@ -203,62 +170,48 @@ TEST(KohonenTest, TheLowerOfEqualUnitsWinsWhereverTheyStand) {
 
 TEST(KohonenTest, RecallGivesPrototypesCoordinatesAndTheirError) {
   const auto map = MakeMap(2, {2, 3});
-  // The prototype of the unit at (a, b) is (a, 10 b).
-  for (std::size_t unit = 0; unit < 6; ++unit) {
-    map->Prototypes()[2 * unit] = static_cast<double>(unit / 3);
-    map->Prototypes()[2 * unit + 1] = 10.0 * static_cast<double>(unit % 3);
-  }
+  const TValues prototypes = {0, 0, 0, 10, 0, 20, 1, 0, 1, 10, 1, 20};
+  std::ranges::copy(prototypes, map->Prototypes().begin());
   Data in(2, 2, 1, true);
   LabelList label;
   label.Append("corner", 2.0);
-  in.AddRow(TValues{9, 9}, {});
-  in.AddRow(TValues{0.75, 19}, TValues{7}, &label);
-  in.AddRow(TValues{-1, 4}, {});  // takes the place of the first
+  Append(in, {{9, 9}}).AddRow(TValues{0.75, 19}, TValues{7}, &label);
+  Append(in, {{-1, 4}});  // takes the place of the first
 
-  const auto prototypes = map->Recall(&in);
-  const auto coordinates = map->RecallCoordinates(&in);
-  const TValues expected[][3] = {{{0.75, 19}, {1, 20}, {1, 2}}, {{-1, 4}, {0, 0}, {0, 0}}};
-  for (int n = 0; n < 2; ++n) {
-    EXPECT_TRUE(std::ranges::equal(expected[n][0], prototypes->Row(n).Inputs));
-    EXPECT_TRUE(std::ranges::equal(expected[n][1], prototypes->Row(n).Outputs));
-    EXPECT_TRUE(std::ranges::equal(expected[n][0], coordinates->Row(n).Inputs));
-    EXPECT_TRUE(std::ranges::equal(expected[n][2], coordinates->Row(n).Outputs));
+  const std::unique_ptr<Data> results[] = {map->Recall(&in), map->RecallCoordinates(&in)};
+  const TValues outputs[][2] = {{{1, 20}, {0, 0}}, {{1, 2}, {0, 0}}};
+  for (int kind = 0; kind < 2; ++kind) {
+    for (int n = 0; n < 2; ++n) {
+      const DataRow row = results[kind]->Row(n);
+      EXPECT_TRUE(std::ranges::equal(in.Row(n).Inputs, row.Inputs));
+      EXPECT_TRUE(std::ranges::equal(outputs[kind][n], row.Outputs));
+      EXPECT_EQ(n == 0 ? label : LabelList(), *row.Labels);
+    }
   }
-  EXPECT_EQ(label, *prototypes->Row(0).Labels);
-  EXPECT_EQ(label, *coordinates->Row(0).Labels);
-  EXPECT_TRUE(coordinates->Row(1).Labels->Empty());
-
-  TErrorRMSObj error(2);
-  const double sum = 0.25 * 0.25 + 1.0 + 1.0 + 16.0;
-  EXPECT_DOUBLE_EQ(std::sqrt(sum / 4.0), map->RecallError(&in, &error));
   EXPECT_TRUE(std::ranges::equal(TValues{1, 20}, map->RecallOutputOnly(&in)->Row(0).Outputs));
+  TErrorRMSObj error(2);
+  EXPECT_DOUBLE_EQ(std::sqrt((0.0625 + 1.0 + 1.0 + 16.0) / 4.0), map->RecallError(&in, &error));
 }
 
 TEST(KohonenTest, WhatCannotBeTrainedLeavesTheMapAsItWas) {
   const auto map = MakeMap(2, {4, 4});
-  const TValues before = PrototypesOf(*map);
-  TKohonenModule trainer(map);
-  TValues radii = {2, 2};
-  TValues wrong = {2};
-  const auto train = [&](const Data& data, std::span<double> with) {
-    ::testing::internal::CaptureStdout();
-    const std::string failure = WhatOf([&] { trainer.Train(data, 0.5, with, 2, 0.9, 0.9); });
-    ::testing::internal::GetCapturedStdout();
-    return failure;
+  const auto before = PrototypesOf(*map);
+  const auto expect = [&](const std::string& start, const Data& data, TValues radii) {
+    testing::internal::CaptureStdout();
+    const std::string failure =
+        WhatOf([&] { TKohonenModule(map).Train(data, 0.5, radii, 2, 0.9, 0.9); });
+    testing::internal::GetCapturedStdout();
+    EXPECT_TRUE(failure.starts_with("Assertion failed: " + start + ", file NeuralNets/TKohonenNet"))
+        << failure;
   };
-  const auto starts_with = [](const std::string& text, const std::string& start) {
-    return text.starts_with("Assertion failed: " + start + ", file NeuralNets/TKohonenNetwork");
-  };
-  const auto fine = MakeSet({{0, 1}});
-  EXPECT_TRUE(starts_with(train(*fine, wrong), "dimnum == dimnumber"));
-  EXPECT_TRUE(starts_with(train(*MakeSet({{0, 1, 2}}), radii), "Map -> GetNumInputs() == dimnum"));
+  Data wide(1, 3, 0, false), fine(1, 2, 0, false);
+  expect("Map -> GetNumInputs() == dimnum", Append(wide, {{0, 1, 2}}), {2, 2});
+  expect("dimnum == dimnumber", Append(fine, {{0, 1}}), {2});
   for (const double far : {2e15, kNaN, kInfinity}) {
-    EXPECT_TRUE(starts_with(train(*MakeSet({{0, 1}, {far, 0}}), radii), "bestsofar >= 0")) << far;
+    Data data(2, 2, 0, false);
+    expect("bestsofar >= 0", Append(data, {{0, 1}, {far, 0}}), {2, 2});
     TValues prototype(2);
-    EXPECT_TRUE(starts_with(WhatOf([&] {
-                              map->FindWinner(TValues{far, 0}, prototype);
-                            }),
-                            "bestsofar >= 0"));
+    EXPECT_NE("", WhatOf([&] { map->FindWinner(TValues{far, 0}, prototype); }));
   }
   EXPECT_EQ(before, PrototypesOf(*map));
 }
@@ -267,35 +220,34 @@ TEST(KohonenTest, TheObserverSeesTheErrorAndEndsTraining) {
   const auto map = MakeMap(1, {2});
   map->Prototypes()[0] = 0.0;
   map->Prototypes()[1] = 10.0;
+  Data data(2, 1, 0, false);
   int calls = 0;
-  TKohonenModule(map).Train(*MakeSet({{1}, {7}}), 0.5, {}, 100, 1.0, 1.0, [&](int epoch, double e) {
-    EXPECT_EQ(calls++, epoch);
-    EXPECT_DOUBLE_EQ(std::sqrt((1.0 + 9.0) / (epoch == 0 ? 2.0 : 8.0)), e);
-    return epoch < 1;
-  });
+  TKohonenModule(map).Train(Append(data, {{1}, {7}}), 0.5, {}, 100, 1.0, 1.0,
+                            [&](int epoch, double error) {
+                              EXPECT_EQ(calls++, epoch);
+                              EXPECT_DOUBLE_EQ(std::sqrt(epoch == 0 ? 5.0 : 1.25), error);
+                              return epoch < 1;
+                            });
   EXPECT_EQ(2, calls);
-  EXPECT_EQ((TValues{0.75, 7.75}), PrototypesOf(*map));
+  EXPECT_EQ((std::vector<TValues>{{0.75}, {7.75}}), PrototypesOf(*map));
 }
 
 TEST(KohonenTest, SizesAreBoundedBeforeMemoryIsTaken) {
   const auto failure = [](int inputs, const TSizes& sizes) {
     return WhatOf([&] { TKohonenNetwork(inputs, sizes); });
   };
-  const std::string where = " Bad Parameter TKohonenNetwork::TKohonenNetwork";
-  EXPECT_EQ("a map of more than 16777216 units" + where, failure(1, {65536, 65536, 65536, 65536}));
-  EXPECT_EQ("a map dimension of 0 units is less than 1" + where, failure(1, {3, 0}));
-  EXPECT_EQ("a map of 4194304 units with 1000 inputs has no or too many weights" + where,
-            failure(1000, {2048, 2048}));
-  EXPECT_NE("", failure(0, {2}));
+  EXPECT_EQ("a map of more than 16777216 units Bad Parameter TKohonenNetwork::TKohonenNetwork",
+            failure(1, {65536, 65536, 65536, 65536}));
+  EXPECT_TRUE(failure(1, {3, 0}).starts_with("a map dimension of 0 units"));
+  EXPECT_TRUE(failure(0, {2}).starts_with("a map of 2 units with 0 inputs"));
+  EXPECT_TRUE(failure(1000, {2048, 2048}).starts_with("a map of 4194304 units with 1000 inputs"));
   EXPECT_TRUE(failure(1, {}).starts_with("Assertion failed: dims != 0"));
 
-  auto map = MakeMap(2, {2, 6});
+  const auto map = MakeMap(2, {2, 6});
   map->SetDimensions({3, 2, 2});
   EXPECT_EQ(3u, map->Grid().NumDimensions());
   EXPECT_EQ("the map has 12 units, not 10 Bad Parameter TKohonenNetwork::SetDimensions",
             WhatOf([&] { map->SetDimensions({10}); }));
-  EXPECT_FALSE(TKohonenNetwork({3}).IsComplete());
-  EXPECT_TRUE(map->Clone()->KindName() == "Kohonen" && map->IsComplete());
 }
 
 }  // namespace

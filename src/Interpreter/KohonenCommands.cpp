@@ -30,8 +30,9 @@ int CreateKohonen(TInterpreter& interpreter, const CommandLine& line) {
 
   const int checked_inputs = AtLeast(1, inputs, "inputs");
   AtLeast(1, dimensions, "dimensions");
-  std::vector<int> sizes;
-  for (const std::int64_t size : mapdim) sizes.push_back(AtLeast(1, size, "mapdim"));
+  std::vector<int> sizes(mapdim.size());
+  std::ranges::transform(mapdim, sizes.begin(),
+                         [](std::int64_t size) { return AtLeast(1, size, "mapdim"); });
   auto map = std::make_unique<TKohonenNetwork>(checked_inputs, std::move(sizes));
   StartRandom(line);
   map->Randomize(0.0, 1.0);
