@@ -1,6 +1,7 @@
 #include "FileHandler/ParseTools.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <utility>
@@ -118,6 +119,16 @@ TEST_F(SaveFileTest, ReplacesAFileAndKeepsItsPermissionsAndLinks) {
   EXPECT_EQ(Contents("plain"), "new");
   EXPECT_EQ(fs::status(directory_ / "plain").permissions(), kPrivate);
   EXPECT_EQ(Contents("later"), "first");
+}
+
+TEST_F(SaveFileTest, WritesPipesStraight) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  SaveFile("/dev/fd/" + std::to_string(ends[1]), [](Writer& writer) { writer.WriteText("gush"); });
+  char text[5] = "";
+  EXPECT_EQ(read(ends[0], text, 4), 4);
+  EXPECT_STREQ(text, "gush");
+  for (const int end : ends) close(end);
 }
 
 TEST_F(SaveFileTest, LeavesTheOldFileWhenItFails) {

@@ -103,11 +103,11 @@ bool Replace(const fs::path& target, fs::file_status old,
 bool Save(const std::string& path, const std::function<void(Writer&)>& write) {
   // Where the output is sent to a file, this path leads there, and the file must not be replaced.
   if (path == "/dev/stdout") return WriteTo(std::cout, write);
-  const fs::path target = FollowLinks(path);
   std::error_code missing;
-  const fs::file_status old = fs::status(target, missing);
-  if (fs::exists(old) && !fs::is_regular_file(old)) return WriteThrough(target, write);
-  return Replace(target, old, write);
+  const fs::file_status old = fs::status(path, missing);
+  // By the path as it is: what "/dev/stderr" says it links to may be a pipe, which has no path.
+  if (fs::exists(old) && !fs::is_regular_file(old)) return WriteThrough(path, write);
+  return Replace(FollowLinks(path), old, write);
 }
 
 }  // namespace
