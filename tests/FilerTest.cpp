@@ -134,7 +134,9 @@ TEST_F(FilerTest, RefusesBrokenFiles) {
       {labelled + "[a <", "Unexpected special character:6"},
       {"[DataSet][Rows = 2147483647][Inputs = 2147483647][Error = 9]\n[Data]1 2",
        "Rows = 2147483647 is more than the file holds:2"},
-      {"[DataSet][Rows = 1073741825]\n[Data]", "Invalid Data Size"},
+      {"[DataSet][Rows = 1000000]\n[Data][~Data][~DataSet]",
+       "Rows = 1000000 is more than the file holds:2"},
+      {"[DataSet][Rows = 0][Inputs = 1073741825]\n[Data]", "Invalid Data Size"},
   };
   for (const auto& [text, failure] : kCases) EXPECT_EQ(LoadFailure(text), failure) << text;
   EXPECT_THROW(Filer::Load("/absent/file"), FileTools::OpenError);

@@ -50,14 +50,15 @@ int ReadCount(const ParseItem& item, const Reader& reader, bool may_be_labels) {
 }
 
 // Throws unless the rest of the text can hold the table: a value takes a character at least, a
-// label list its two brackets.
+// label list its two brackets, and a row without either the end of its line.
 void CheckRoom(const DataHeader& header, const Reader& reader) {
   std::uint64_t row_size = 0;
   for (const ColumnGroup& group : kGroups) {
     const int count = header.*group.count;
     row_size += count == kLabels ? 2U : static_cast<std::uint64_t>(count);
   }
-  if (row_size > 0 && static_cast<std::uint64_t>(header.rows) > reader.Remaining() / row_size) {
+  row_size = std::max<std::uint64_t>(row_size, 1);
+  if (static_cast<std::uint64_t>(header.rows) > reader.Remaining() / row_size) {
     reader.Fail("Rows = " + std::to_string(header.rows) + " is more than the file holds");
   }
 }
