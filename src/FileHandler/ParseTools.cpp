@@ -6,6 +6,7 @@
 #include <fstream>
 #include <limits>
 #include <optional>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -19,6 +20,7 @@ namespace {
 
 constexpr const char* kModule = "FileHandler/ParseTools";
 constexpr double kNewestVersion = 1.0;
+constexpr std::size_t kMaxStream = std::size_t{1} << 30;
 
 enum class TCharClass : unsigned char { kSeparator, kSpecial, kWord };
 
@@ -40,7 +42,8 @@ bool IsWordCharacter(char c) {
   return ClassOf(c) == TCharClass::kWord;
 }
 
-// The whole file. Files that do not tell their size, such as pipes, are read until they end.
+// The whole file. Files that do not tell their size, such as pipes, are read until they end, which
+// a device may never do.
 std::string ReadWholeFile(const std::string& path) {
   std::error_code no_size;
   const auto known_size = std::filesystem::file_size(path, no_size);
@@ -51,7 +54,10 @@ std::string ReadWholeFile(const std::string& path) {
   std::string text(no_size ? 4096 : known_size + 1, '\0');
   std::size_t size = 0;
   while (file) {
-    if (size == text.size()) text.resize(2 * size);
+    if (size == text.size()) {
+      if (size >= kMaxStream) throw std::length_error("a file without an end");
+      text.resize(2 * size);
+    }
     file.read(text.data() + size, static_cast<std::streamsize>(text.size() - size));
     size += static_cast<std::size_t>(file.gcount());
   }

@@ -59,7 +59,8 @@ struct ParseItem {
 // as long as the reader does.
 class Reader {
  public:
-  // Reads the file at `path` into memory. Throws OpenError.
+  // Reads the file at `path` into memory. Throws OpenError; std::length_error for a pipe or a
+  // device that gives 2^30 characters and has not ended.
   static Reader FromFile(const std::string& path);
 
   // Reads `text`; errors are reported under `file_name`.
