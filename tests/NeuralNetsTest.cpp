@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -327,8 +328,9 @@ TEST(TBasicNetworkTest, CopiesStandOnTheirOwn) {
 }
 
 TEST(TBasicNetworkTest, SizesAreCheckedBeforeMemoryIsTaken) {
-  for (const TSizes& sizes : {TSizes{}, TSizes{0}, TSizes{2, -1}, TSizes{1 << 25, 1},
-                              TSizes{1 << 20, 1 << 11}, TSizes(600, 1)}) {
+  for (const TSizes& sizes :
+       {TSizes{}, TSizes{0}, TSizes{2, -1}, TSizes{1 << 25, 1}, TSizes{1 << 20, 1 << 11},
+        TSizes(600, 1), TSizes{1 << 23, 1, 1 << 23}, TSizes(500, INT_MAX)}) {
     EXPECT_NE(std::string::npos, WhatOf([&] { TMLPNetwork(sizes, true); }).find("Bad Parameter"));
   }
   EXPECT_NE("", WhatOf([] { TConnectedNetwork(0); }));

@@ -1,5 +1,6 @@
 #include "NeuralNets/TMLPNetwork.h"
 
+#include <cstdint>
 #include <string>
 
 #include "NeuralNets/TGainLayer.h"
@@ -14,27 +15,48 @@ namespace {
 constexpr std::size_t kBiasLayer = 0;
 constexpr std::size_t kInputLayer = 1;
 
-std::size_t CheckedSize(int size) {
-  if (size < 1) {
-    throw TException("a layer of " + std::to_string(size) + " neurons is less than 1",
-                     "Bad Parameter", "TMLPNetwork::TMLPNetwork");
+[[noreturn]] void FailSize(const std::string& message) {
+  throw TException(message, "Bad Parameter", "TMLPNetwork::TMLPNetwork");
+}
+
+void CheckAtMost(std::uint64_t limit, std::uint64_t count, const char* things) {
+  if (count <= limit) return;
+  FailSize("a perceptron of " + std::to_string(count) + " " + things + " is more than " +
+           std::to_string(limit));
+}
+
+// Adds everything up before a layer takes memory.
+void CheckSizes(std::span<const int> sizes, bool bias) {
+  if (sizes.empty()) FailSize("a perceptron needs a layer");
+  const std::uint64_t bias_neurons = bias ? 1 : 0;
+  std::uint64_t neurons = bias_neurons;
+  std::uint64_t weights = 0;
+  std::uint64_t sources = 0;  // neurons that lead to the layer
+  for (const int size : sizes) {
+    if (size < 1) FailSize("a layer of " + std::to_string(size) + " neurons is less than 1");
+    const auto layer = static_cast<std::uint64_t>(size);
+    neurons += layer;
+    CheckAtMost(TBasicLayer::kMaxNeurons, neurons, "neurons");
+    weights += sources * layer;
+    CheckAtMost(TBasicNetwork::kMaxWeights, weights, "weights");
+    sources = layer + bias_neurons;
   }
-  return static_cast<std::size_t>(size);
 }
 
 }  // namespace
 
 TMLPNetwork::TMLPNetwork(std::span<const int> sizes, bool bias)
     : TConnectedNetwork(static_cast<int>(sizes.size()) + 1) {
-  if (sizes.empty()) {
-    throw TException("a perceptron needs a layer", "Bad Parameter", "TMLPNetwork::TMLPNetwork");
-  }
+  CheckSizes(sizes, bias);
+  const auto size_of = [&](std::size_t layer) {
+    return static_cast<std::size_t>(sizes[layer - 1]);
+  };
   SetLayer(kBiasLayer, std::make_unique<TSimpleLayer>(bias ? 1 : 0));
   if (bias) Layer(kBiasLayer).SetActivation(ActBias);
-  SetLayer(kInputLayer, std::make_unique<TSimpleInputLayer>(CheckedSize(sizes[0])));
+  SetLayer(kInputLayer, std::make_unique<TSimpleInputLayer>(size_of(kInputLayer)));
   Layer(kInputLayer).SetActivation(ActLinear);
   for (std::size_t i = kInputLayer + 1; i < NumLayers(); ++i) {
-    SetLayer(i, std::make_unique<TGainLayer>(CheckedSize(sizes[i - 1])));
+    SetLayer(i, std::make_unique<TGainLayer>(size_of(i)));
     Layer(i).SetActivation(ActSigmoid);
     Connect(i - 1, i);
     if (bias) Connect(kBiasLayer, i);

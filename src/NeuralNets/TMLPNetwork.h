@@ -12,7 +12,8 @@ namespace kiln {
 class TMLPNetwork : public TConnectedNetwork {
  public:
   // A perceptron of the given layer sizes, input first, every weight 0. Throws TException unless
-  // there is a size, none is below 1 and the whole stays within the limits of a network.
+  // there is a size, none is below 1, and all layers together have at most TBasicLayer::kMaxNeurons
+  // neurons and kMaxWeights weights.
   TMLPNetwork(std::span<const int> sizes, bool bias);
 
   // `layers` layers and the bias layer, all of them empty, for a reader that fills them.
