@@ -147,7 +147,8 @@ class Data {
   void Next(std::span<double> inputs, std::span<double> outputs, LabelList* labels = nullptr);
   void Previous(std::span<double> inputs, std::span<double> outputs);
 
-  // Goes to the newest row, so that in a ring that has not wrapped Next() gives the oldest.
+  // Goes to the newest row, so that in a ring that has not wrapped Next() gives the oldest. Commands
+  // that have read a set through leave the cursor there.
   void ResetCursor() { MbrNdxCursor = MbrNdxLast; }
   void SetCursor(int position) { MbrNdxCursor = position; }
 

@@ -79,6 +79,7 @@ int Map(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view output = RequiredNewAlias(interpreter, line, "output");
   RequireColumns(input, set->Inputs(), "inputs", name, map->NumInputs());
   interpreter.Insert({output, map->RecallCoordinates(set.get())});
+  set->ResetCursor();
   return kDone;
 }
 

@@ -70,6 +70,7 @@ int Rescale(TInterpreter& interpreter, const CommandLine& line, TMapping mapping
   if (!inputs && !outputs) Fail(kNothing);
   interpreter.Insert({destination, mapping(set.get(), inputs.value_or(ColumnBounds()),
                                            outputs.value_or(ColumnBounds()))});
+  set->ResetCursor();
   return kDone;
 }
 
@@ -82,6 +83,7 @@ int Shuffle(TInterpreter& interpreter, const CommandLine& line) {
   const auto set = RequiredKind<Data>(node, source, " is not of type Data");
   StartRandom(line);
   interpreter.Insert({destination, TDataManip::Shuffle(set.get())});
+  set->ResetCursor();
   return kDone;
 }
 

@@ -17,6 +17,7 @@ int Recall(TInterpreter& interpreter, const CommandLine& line) {
   if (interpreter.Exists(output)) Fail("object ", output, " already exists");
   RequireColumns(input, set->Inputs(), "inputs", name, network->NumInputs());
   interpreter.Insert({output, network->Recall(set.get())});
+  set->ResetCursor();
   return kDone;
 }
 

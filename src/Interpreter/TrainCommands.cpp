@@ -72,7 +72,9 @@ int Train(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view set_alias = RequiredAlias(line, "data");
   const auto set =
       RequiredKind<Data>(RequiredEntry(interpreter, set_alias), set_alias, " is not of type data");
-  return train(interpreter, line, {alias, trainer, set_alias, *set});
+  const int code = train(interpreter, line, {alias, trainer, set_alias, *set});
+  set->ResetCursor();
+  return code;
 }
 
 int GetTrained(TInterpreter& interpreter, const CommandLine& line) {
