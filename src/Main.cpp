@@ -46,8 +46,8 @@ int main() {
   std::string remembered;
   // The prompt is flushed, and every answer before it, so that a program can drive the console.
   while (std::cout << "Kiln>>" << std::flush && input.Next()) {
-    if (input.TooLong()) {
-      std::cout << "Error: " << kiln::LineReader::kTooLong << '\n';
+    if (!input.Fault().empty()) {
+      std::cout << "Error: " << input.Fault() << '\n';
       continue;
     }
     std::string line(input.Line());

@@ -13,14 +13,20 @@ bool LineReader::Next() {
   const auto taken = static_cast<std::size_t>(in_.gcount());
   if (in_.bad() || taken == 0) return false;  // an empty line takes its end
   // The only failure that is left is a full buffer without the end of the line.
-  too_long_ = in_.fail();
-  if (too_long_) {
+  const bool too_long = in_.fail();
+  if (too_long) {
     in_.clear();
     in_.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
   }
   // The end of a line was taken but not stored.
-  const bool ended = !too_long_ && !in_.eof();
+  const bool ended = !too_long && !in_.eof();
   length_ = ended ? taken - 1 : taken;
+  fault_ = {};
+  if (too_long) {
+    fault_ = "line too long";
+  } else if (Line().find('\0') != std::string_view::npos) {
+    fault_ = "line holds a null character";
+  }
   ++number_;
   return true;
 }

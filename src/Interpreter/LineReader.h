@@ -12,8 +12,6 @@ namespace kiln {
 // carriage return at the end of a line counts as a blank.
 class LineReader {
  public:
-  static constexpr std::string_view kTooLong = "line too long";  // what users are told then
-
   // Lines may hold up to `longest` characters. `in` must outlive the reader.
   LineReader(std::istream& in, std::size_t longest);
 
@@ -23,8 +21,10 @@ class LineReader {
   // The line without the blanks at its ends, until the next call of Next().
   std::string_view Line() const;
 
-  // Whether the line was longer than it may be; it is not to be run then.
-  bool TooLong() const { return too_long_; }
+  // Why the line is not to be run, in the words that users are told: it was longer than it may be,
+  // or holds a null character, which would end texts that the system is handed. Empty when all is
+  // well.
+  std::string_view Fault() const { return fault_; }
 
   // The number of the line, counted from 1.
   std::int64_t Number() const { return number_; }
@@ -34,7 +34,7 @@ class LineReader {
   std::vector<char> buffer_;  // with room for a terminator
   std::size_t length_ = 0;
   std::int64_t number_ = 0;
-  bool too_long_ = false;
+  std::string_view fault_;
 };
 
 }  // namespace kiln

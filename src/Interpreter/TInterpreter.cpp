@@ -104,7 +104,7 @@ int TInterpreter::RunScript(const std::string& path) {
   };
   int code = kDone;
   while (reader.Next()) {
-    if (reader.TooLong()) fail(LineReader::kTooLong);
+    if (!reader.Fault().empty()) fail(reader.Fault());
     if (reader.Line().empty() || reader.Line().starts_with('#')) continue;
     code = Execute(reader.Line());
     if (code < 0) fail(GetError());
