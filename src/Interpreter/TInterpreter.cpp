@@ -1,6 +1,8 @@
 #include "Interpreter/TInterpreter.h"
 
+#include <algorithm>
 #include <exception>
+#include <filesystem>
 #include <new>
 #include <stdexcept>
 #include <utility>
@@ -14,7 +16,7 @@ namespace kiln {
 
 namespace {
 
-constexpr int kDeepestScript = 64;
+constexpr std::size_t kDeepestScript = 64;
 constexpr std::size_t kLongestScriptLine = 1023;
 constexpr int kFailed = -1;
 
@@ -44,21 +46,27 @@ constexpr TCommand kCommands[] = {
     {"ritarn", commands::RITarn},
 };
 
-// Counts a script for as long as it runs.
-class ScriptLevel {
+// Keeps the path of a script among those of all that are being run, for as long as it runs.
+class RunningScript {
  public:
-  explicit ScriptLevel(int& level) : level_(level) {
-    if (level == kDeepestScript) Fail("scripts nested too deeply");
-    ++level_;
+  RunningScript(std::vector<std::string>& running, const std::string& path) : running_(running) {
+    if (running.size() == kDeepestScript) Fail("scripts nested too deeply");
+    running.push_back(path);
   }
-  ~ScriptLevel() { --level_; }
+  ~RunningScript() { running_.pop_back(); }
 
-  ScriptLevel(const ScriptLevel&) = delete;
-  ScriptLevel& operator=(const ScriptLevel&) = delete;
+  RunningScript(const RunningScript&) = delete;
+  RunningScript& operator=(const RunningScript&) = delete;
 
  private:
-  int& level_;
+  std::vector<std::string>& running_;
 };
+
+// Whether two paths lead to the same file, which must be there.
+bool AreSameFile(const std::string& a, const std::string& b) {
+  std::error_code not_there;
+  return std::filesystem::equivalent(a, b, not_there);
+}
 
 }  // namespace
 
@@ -89,13 +97,26 @@ void TInterpreter::Record(std::string_view line, int code) {
 }
 
 void TInterpreter::StartTranscript(const std::string& path) {
+  const auto is_same = [&](const std::string& script) { return AreSameFile(script, path); };
+  if (std::any_of(running_scripts_.begin(), running_scripts_.end(), is_same))
+    Fail("file ", path, " is being run");
   std::ofstream transcript(path);
   if (!transcript) Fail("cannot open file ", path);
   transcript_ = std::move(transcript);
+  transcript_path_ = path;
+}
+
+void TInterpreter::StopTranscript() {
+  if (!transcript_.is_open()) return;
+  transcript_.close();
+  if (!transcript_) Fail("cannot write all of file ", transcript_path_);
 }
 
 int TInterpreter::RunScript(const std::string& path) {
-  const ScriptLevel level(script_level_);
+  // Each of its commands would make it longer: it would never end.
+  if (transcript_.is_open() && AreSameFile(path, transcript_path_))
+    Fail("file ", path, " is the open transcript");
+  const RunningScript running(running_scripts_, path);
   std::ifstream script(path);
   if (!script) Fail("cannot open file ", path);
   LineReader reader(script, kLongestScriptLine);

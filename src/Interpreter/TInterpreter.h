@@ -3,6 +3,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Interpreter/CommandLine.h"
 #include "Interpreter/TObjectRegistry.h"
@@ -27,13 +28,18 @@ class TInterpreter : public TObjectRegistry {
   void SetResult(std::string message) { result_message_ = std::move(message); }
 
   // Executes the lines of a file until one fails, whose answer the CommandFailure carries. Empty
-  // lines and those that begin with "#" are passed over. Returns the code of the last line.
+  // lines and those that begin with "#" are passed over. Returns the code of the last line. The
+  // open transcript cannot be run.
   int RunScript(const std::string& path);
 
-  // From now on writes every command but "log", and its answer, to the file. On failure throws
-  // CommandFailure and goes on with the transcript that is open.
+  // From now on writes every command but "log", and its answer, to the file, which must not be one
+  // that is being run. On failure throws CommandFailure and goes on with the transcript that is
+  // open.
   void StartTranscript(const std::string& path);
-  void StopTranscript() { transcript_.close(); }
+
+  // Closes the transcript, if one is open. Throws CommandFailure when the file does not hold all of
+  // it, as on a full disk.
+  void StopTranscript();
 
  private:
   int Answer(const CommandLine& line);
@@ -42,7 +48,8 @@ class TInterpreter : public TObjectRegistry {
   std::string error_message_;
   std::string result_message_;
   std::ofstream transcript_;
-  int script_level_ = 0;  // number of scripts that are being run, one by the other
+  std::string transcript_path_;
+  std::vector<std::string> running_scripts_;  // their paths, each run by the one before
 };
 
 }  // namespace kiln
