@@ -71,6 +71,7 @@ TEST(DataTest, RefusesSizesThatNothingCanHold) {
   for (const auto& size : {TList{-1, 1}, {1, -1}, {INT_MAX, 0}, {1 << 20, 1 << 11}, {0, INT_MAX}})
     EXPECT_EQ("Invalid Data Size Bad Parameter Data::Data",
               FailureOf([&] { Data(size[0], size[1], size[1], false); }));
+  EXPECT_NE("", FailureOf([] { Data(1 << 29, 0, 0, true); }));
   Data empty(0, 2, 0, true);
   empty.Step(INT_MAX);
   EXPECT_NE("", FailureOf([&] { empty.AddRow(TRow{1, 2}, {}); }));

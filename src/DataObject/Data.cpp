@@ -12,12 +12,16 @@ namespace {
 
 constexpr char kModule[] = "DataObject/Data";
 
+// Room that a label list takes even while it is empty.
+constexpr std::int64_t kListNumbers = sizeof(LabelList) / sizeof(double);
+
 // The number of rows of a set, passed on when such a set can be.
-int CheckedRows(std::int64_t rows, std::int64_t inputs, std::int64_t outputs) {
+int CheckedRows(std::int64_t rows, std::int64_t inputs, std::int64_t outputs, bool has_labels) {
   const auto fits = [](std::int64_t n) { return n >= 0 && n <= Data::kMaxNumbers; };
+  const std::int64_t lists = has_labels ? kListNumbers : 0;
   // At least one row is counted, so that columns alone are bounded too.
   if (!fits(rows) || !fits(inputs) || !fits(outputs) ||
-      !fits(std::max<std::int64_t>(rows, 1) * (inputs + outputs)))
+      !fits(std::max<std::int64_t>(rows, 1) * (inputs + outputs + lists)))
     throw TException("Invalid Data Size", "Bad Parameter", "Data::Data");
   return static_cast<int>(rows);
 }
@@ -35,7 +39,7 @@ std::span<T> RowOfBlock(std::span<T> block, int index, int columns) {
 }  // namespace
 
 Data::Data(std::int64_t rows, std::int64_t inputs, std::int64_t outputs, bool has_labels)
-    : MbrNdxRows(CheckedRows(rows, inputs, outputs)),
+    : MbrNdxRows(CheckedRows(rows, inputs, outputs, has_labels)),
       MbrBolHasLabels(has_labels),
       MbrSidInputs(MbrNdxRows, static_cast<int>(inputs), "Invalid Input Data Column"),
       MbrSidOutputs(MbrNdxRows, static_cast<int>(outputs), "Invalid Output Data Column"),

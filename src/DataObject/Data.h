@@ -39,7 +39,8 @@ class Data {
  public:
   // An empty set of `rows` positions; column counts of 0 are sides without values.
   // Throws TException "Invalid Data Size" ("Bad Parameter") if a count is negative or the set would
-  // have more than kMaxNumbers rows, columns or values; std::bad_alloc.
+  // have more than kMaxNumbers rows, columns or values, each label list being as good as three;
+  // std::bad_alloc.
   Data(std::int64_t rows, std::int64_t inputs, std::int64_t outputs, bool has_labels);
   Data(const Data&) = delete;
   virtual ~Data() = default;
@@ -147,8 +148,8 @@ class Data {
   void Next(std::span<double> inputs, std::span<double> outputs, LabelList* labels = nullptr);
   void Previous(std::span<double> inputs, std::span<double> outputs);
 
-  // Goes to the newest row, so that in a ring that has not wrapped Next() gives the oldest. Commands
-  // that have read a set through leave the cursor there.
+  // Goes to the newest row, so that in a ring that has not wrapped Next() gives the oldest.
+  // Commands that have read a set through leave the cursor there.
   void ResetCursor() { MbrNdxCursor = MbrNdxLast; }
   void SetCursor(int position) { MbrNdxCursor = position; }
 
