@@ -22,8 +22,8 @@ constexpr std::size_t PaddedSize(std::size_t n) {
 //   change = momentum p - rate g - pull sign(w)
 // A momentum of exactly 0 is the plain update, which neither reads nor writes last changes.
 struct TRates {
-  double rate;
-  double momentum;
+  double rate = 0.0;
+  double momentum = 0.0;
   double pull = 0.0;
 };
 

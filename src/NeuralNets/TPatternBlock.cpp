@@ -62,7 +62,7 @@ void TPatternBlock::GetPattern(std::size_t layer, std::size_t pattern,
 }
 
 void TPatternBlock::SetInputs(const Data& data, int first) {
-  std::array<const double*, kPatterns> rows;
+  std::array<const double*, kPatterns> rows{};
   for (std::size_t p = 0; p < count_; ++p) {
     rows[p] = data.Row(first + static_cast<int>(p)).Inputs.data();
   }
