@@ -24,6 +24,7 @@ bool LayerFits(const TBasicNetwork& network, std::size_t index) {
 }  // namespace
 
 bool TPatternBlock::Fits(const TBasicNetwork& network) {
+  if (network.GetNumNeurons() > kMaxNeurons) return false;
   for (std::size_t to = 0; to < network.NumLayers(); ++to) {
     if (!LayerFits(network, to)) return false;
     for (const std::size_t from : network.Sources(to)) {

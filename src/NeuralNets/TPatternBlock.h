@@ -17,8 +17,11 @@ class TPatternBlock {
  public:
   static constexpr std::size_t kPatterns = 32;
 
-  // Whether a network can be recalled in this way: its layers compute weighted sums of lower
-  // layers, and no connection is absent.
+  // Beyond so many neurons, 32 MiB of outputs, patterns are better taken one by one.
+  static constexpr int kMaxNeurons = 1 << 17;
+
+  // Whether a network can be recalled in this way: it has at most kMaxNeurons, its layers compute
+  // weighted sums of lower layers, and no connection is absent.
   static bool Fits(const TBasicNetwork& network);
 
   // REQUIRES: the network fits, and outlives the block.
