@@ -88,6 +88,8 @@ int Label(TInterpreter& interpreter, const CommandLine& line) {
     result->AddRow(row.Inputs, row.Outputs, found != labels.end() ? &found->second : nullptr);
   });
   interpreter.Insert({output, std::move(result)});
+  labelled->ResetCursor();
+  asked->ResetCursor();
   return kDone;
 }
 

@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <span>
+#include <utility>
 
 #include "NeuralNets/TEpochObserver.h"
 #include "NeuralNets/TKohonenNetwork.h"
@@ -15,8 +16,8 @@ class Data;
 // reaches r[k] units from the winner along dimension k, as far as the grid goes.
 //
 // Rate and radii shrink before each epoch, the first one included: rate = a rate and
-// radius = (radius - 1) b + 1, whose whole part is r. With b < 1 radii tend to 1, never below. A
-// radius below 0, or one that is not a number, reaches no unit, not even the winner.
+// radius = (radius - 1) b + 1, whose whole part is r. With b < 1 radii tend to 1. Where r
+// is below 0, or the radius not a number, the box is empty and not even the winner moves.
 class TKohonenModule {
  public:
   explicit TKohonenModule(std::shared_ptr<TKohonenNetwork> map) : map_(std::move(map)) {}

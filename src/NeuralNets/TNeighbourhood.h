@@ -15,7 +15,8 @@ class TNeighbourhood {
   // REQUIRES: `grid` outlives this object.
   explicit TNeighbourhood(const TMapGrid& grid);
 
-  // Takes the whole parts of the radii. One below 0, or that is no number, leaves the box empty.
+  // Takes the whole parts of the radii. A whole part below 0, or a radius that is no number, leaves
+  // the box empty.
   // REQUIRES: a radius for each dimension.
   void SetRadii(std::span<const double> radii);
 

@@ -55,7 +55,8 @@ class TDataManip {
   static std::unique_ptr<Data> Shuffle(const Data* source);
 
   // A set balanced between classes: counts[i] rows drawn at random from sources[i], all in random
-  // order, with the labels that they had. REQUIRES: as many counts as sources.
+  // order, with the labels that they had. A null source is "Null data source".
+  // REQUIRES: as many counts as sources.
   // Throws "Insufficient number of classes" for fewer than two, "Data sources differ in columns",
   // "Insufficient rows" when a source has fewer than are to be drawn.
   static std::unique_ptr<Data> Recombine(std::span<const Data* const> sources,
