@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # show.sh KILN DIRECTORY: runs som.kiln in the directory, draws the map and tells how well it names
-# flowers. The exit status is 0 when at least 90 of 100 unseen flowers stand among their own kind.
+# flowers. The exit status is 0 when at least 90 % of the unseen flowers stand among their own kind.
 set -euo pipefail
 kiln=$(realpath "$1")
 here=$(cd "$(dirname "$0")" && pwd)
