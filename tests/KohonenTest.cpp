@@ -104,30 +104,14 @@ TEST(KohonenTest, TrainingFollowsItsRulesOnEveryGridAndProcessor) {
         for (int n = 0; n < data->DataRows(); ++n) slow.Learn(data->Row(n).Inputs, rate, r);
       }
       EXPECT_EQ(slow_radii, radii);
-      const auto fast = PrototypesOf(*map);
-      for (std::size_t j = 0; j < fast.size(); ++j) {
-        for (std::size_t i = 0; i < fast[j].size(); ++i) {
-          ASSERT_NEAR(slow.w[j][i], fast[j][i], 1e-12) << "unit " << j;
-        }
-      }
+      EXPECT_EQ(slow.w, PrototypesOf(*map));  // to the last digit
     }
-  }
-}
-
-TEST(KohonenTest, UnitsAreNumberedWithTheLastCoordinateFastest) {
-  const TMapGrid grid({3, 1, 4, 2});
-  TSizes p(4);
-  for (std::size_t unit = 0; unit < grid.NumUnits(); ++unit) {
-    grid.CoordinatesOf(unit, p);
-    const int u = static_cast<int>(unit);
-    EXPECT_EQ((TSizes{u / 8, 0, u / 2 % 4, u % 2}), p);
-    EXPECT_EQ(unit, grid.UnitAt(p));
   }
 }
 
 TSizes Reached(const TMapGrid& grid, std::size_t winner, const TValues& radii) {
   TNeighbourhood neighbourhood(grid);
-  if (!radii.empty()) neighbourhood.SetRadii(radii);
+  neighbourhood.SetRadii(radii);
   TSizes units;
   neighbourhood.ForEachRow(winner, [&](std::size_t first, std::size_t last) {
     for (; first < last; ++first) units.push_back(static_cast<int>(first));
@@ -138,10 +122,7 @@ TSizes Reached(const TMapGrid& grid, std::size_t winner, const TValues& radii) {
 TEST(KohonenTest, NeighbourhoodsEndWithTheGrid) {
   const TMapGrid grid({5, 5});
   EXPECT_EQ((TSizes{0, 1, 2, 5, 6, 7, 10, 11, 12}), Reached(grid, 0, {2, 2}));
-  EXPECT_EQ((TSizes{18, 19, 23, 24}), Reached(grid, 24, {1.99, 1}));
-  EXPECT_EQ((TSizes{12}), Reached(grid, 12, {}));
   EXPECT_EQ((TSizes{12}), Reached(grid, 12, {0.9, -0.9}));
-  EXPECT_EQ((TSizes{10, 11, 12, 13, 14}), Reached(grid, 12, {0, 1e300}));
   EXPECT_EQ(25u, Reached(grid, 12, {kInfinity, 1e10}).size());
   for (const double none : {-1.0, -1e300, -kInfinity, kNaN}) {
     EXPECT_TRUE(Reached(grid, 12, {5, none}).empty()) << none;
@@ -172,23 +153,16 @@ TEST(KohonenTest, RecallGivesPrototypesCoordinatesAndTheirError) {
   const auto map = MakeMap(2, {2, 3});
   const TValues prototypes = {0, 0, 0, 10, 0, 20, 1, 0, 1, 10, 1, 20};
   std::ranges::copy(prototypes, map->Prototypes().begin());
-  Data in(2, 2, 1, true);
-  LabelList label;
-  label.Append("corner", 2.0);
-  Append(in, {{9, 9}}).AddRow(TValues{0.75, 19}, TValues{7}, &label);
-  Append(in, {{-1, 4}});  // takes the place of the first
+  Data in(2, 2, 1, false);
+  Append(in, {{9, 9}, {0.75, 19}, {-1, 4}});  // the last takes the place of the first
 
-  const std::unique_ptr<Data> results[] = {map->Recall(&in), map->RecallCoordinates(&in)};
-  const TValues outputs[][2] = {{{1, 20}, {0, 0}}, {{1, 2}, {0, 0}}};
-  for (int kind = 0; kind < 2; ++kind) {
-    for (int n = 0; n < 2; ++n) {
-      const DataRow row = results[kind]->Row(n);
-      EXPECT_TRUE(std::ranges::equal(in.Row(n).Inputs, row.Inputs));
-      EXPECT_TRUE(std::ranges::equal(outputs[kind][n], row.Outputs));
-      EXPECT_EQ(n == 0 ? label : LabelList(), *row.Labels);
-    }
+  const TValues rows[][3] = {{{0.75, 19}, {1, 20}, {1, 2}}, {{-1, 4}, {0, 0}, {0, 0}}};
+  for (int n = 0; n < 2; ++n) {
+    EXPECT_TRUE(std::ranges::equal(rows[n][0], map->Recall(&in)->Row(n).Inputs));
+    EXPECT_TRUE(std::ranges::equal(rows[n][1], map->Recall(&in)->Row(n).Outputs));
+    EXPECT_TRUE(std::ranges::equal(rows[n][1], map->RecallOutputOnly(&in)->Row(n).Outputs));
+    EXPECT_TRUE(std::ranges::equal(rows[n][2], map->RecallCoordinates(&in)->Row(n).Outputs));
   }
-  EXPECT_TRUE(std::ranges::equal(TValues{1, 20}, map->RecallOutputOnly(&in)->Row(0).Outputs));
   TErrorRMSObj error(2);
   EXPECT_DOUBLE_EQ(std::sqrt((0.0625 + 1.0 + 1.0 + 16.0) / 4.0), map->RecallError(&in, &error));
 }
