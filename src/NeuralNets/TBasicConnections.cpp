@@ -155,15 +155,14 @@ void TBasicConnections::Rearrange(const TOrigins& rows, const TOrigins& columns)
 
 std::optional<std::size_t> TBasicConnections::Place(std::size_t to, std::size_t from) const {
   CheckAttached();
-  for (const TPatchShape& patch : patches_) {
-    // Unsigned differences: a neuron in front of the patch is beyond its end as well.
-    const std::size_t row = to - patch.to;
-    const std::size_t column = from - patch.from;
-    if (row < patch.rows && column < patch.columns) {
-      return patch.offset + row * patch.columns + column;
-    }
-  }
-  return std::nullopt;
+  const auto behind = std::ranges::upper_bound(patches_, to, {}, &TPatchShape::to);
+  if (behind == patches_.begin()) return std::nullopt;
+  const TPatchShape& patch = *(behind - 1);
+  // An unsigned difference: a neuron in front of the patch is beyond its end as well.
+  const std::size_t row = to - patch.to;
+  const std::size_t column = from - patch.from;
+  if (row >= patch.rows || column >= patch.columns) return std::nullopt;
+  return patch.offset + row * patch.columns + column;
 }
 
 std::size_t TBasicConnections::PlaceAssert(std::size_t to, std::size_t from) const {

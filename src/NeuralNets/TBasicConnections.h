@@ -35,6 +35,9 @@ class TBasicConnections {
   // and is trainable for good; taking a flag away is a TAssertion.
   virtual bool HasFlags() const { return true; }
 
+  // Whether rows and columns can be added and removed.
+  virtual bool IsResizable() const { return true; }
+
   // An equal block, attached as this one is.
   virtual std::unique_ptr<TBasicConnections> Clone() const = 0;
 
@@ -48,6 +51,9 @@ class TBasicConnections {
   // Neurons of the to-layer and of the from-layer; none in an empty block.
   std::size_t Rows() const { return rows_; }
   std::size_t Columns() const { return columns_; }
+
+  // Whether the block has a place for a connection, be there one or not.
+  bool HasPlace(std::size_t to, std::size_t from) const { return Place(to, from).has_value(); }
 
   // One connection. A place that the block does not have holds a connection that does not exist:
   // it weighs 0, and setting anything there throws TAssertion.
@@ -82,7 +88,7 @@ class TBasicConnections {
 
   // Follow a neuron that was inserted into, or taken out of, the to-layer (rows) or the from-layer
   // (columns). New connections exist, are trainable and weigh 0. Throw TAssertion for a position
-  // that the block does not have, and in kinds whose layers never change.
+  // that the block does not have, and in kinds that are not resizable.
   virtual void AddRow(std::size_t position);
   virtual void RemoveRow(std::size_t position);
   virtual void AddColumn(std::size_t position);
@@ -103,8 +109,12 @@ class TBasicConnections {
   TBasicConnections() = default;
   TBasicConnections(const TBasicConnections&) = default;
 
-  // The patches of a block between two layers, rows in ascending order, none of them overlapping.
+  // The patches of a block between two layers, rows in ascending order, each row in one of them.
   virtual std::vector<TPatchShape> Layout(const TBasicLayer& to, const TBasicLayer& from) const = 0;
+
+  // Those of this block, and the weights of one.
+  std::span<const TPatchShape> Patches() const { return patches_; }
+  TWeightPatch PatchOf(const TPatchShape& shape);
 
   // The name of the kind's source, for assertions.
   virtual const char* Module() const = 0;
@@ -127,7 +137,6 @@ class TBasicConnections {
   TMask FlagsAt(std::size_t place) const { return masks_.empty() ? FMaskAll : masks_[place]; }
   void SetFlag(std::size_t to, std::size_t from, TMask flag, bool set);
   void Store(std::size_t place, double weight, TMask flags);
-  TWeightPatch PatchOf(const TPatchShape& shape);
   void CheckTwin(const TBasicConnections& twin, const char* expression) const;
 
   template <typename TVisit>

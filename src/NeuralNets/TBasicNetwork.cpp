@@ -123,6 +123,11 @@ std::size_t TBasicNetwork::CheckedHiddenLayer(int layer_num) const {
   Assert(layer < NumLayers(), "LayerNum<numLayers", kModule);
   Assert(layer != input_layer_, "LayerNum!=inLayer", kModule);
   Assert(layer != output_layer_, "LayerNum!=outLayer", kModule);
+  for (std::size_t k = 0; k < NumLayers(); ++k) {
+    const bool is_resizable =
+        Connections(layer, k).IsResizable() && Connections(k, layer).IsResizable();
+    Assert(is_resizable, "IsResizable()", kModule);
+  }
   return layer;
 }
 

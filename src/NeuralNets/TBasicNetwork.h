@@ -65,7 +65,8 @@ class TBasicNetwork {
   TBasicNeuron& Neuron(int index);
 
   // Inserts a neuron into a layer, or takes one out, and the connections with it; new connections
-  // weigh 0. Throw TAssertion for the input or output layer and for positions that do not exist.
+  // weigh 0. Throw TAssertion for the input or output layer, for a layer that is joined by a block
+  // of fixed size, and for positions that do not exist.
   void AddNeuron(int layer_num, int node);
   void RemoveNeuron(int layer_num, int node);
 

@@ -56,6 +56,10 @@ class TBasicNeuron {
   virtual double GetParameter(std::size_t index) const;
   virtual void SetParameter(std::size_t index, double value);
 
+ protected:
+  // REQUIRES: attached.
+  const TBasicLayer& Layer() const { return *layer_; }
+
  private:
   friend class TBasicLayer;  // sets the function of all its neurons at once
 

@@ -86,6 +86,9 @@ class TTrainModule {
   // A network of the same shape whose weights are the gradients.
   TBasicNetwork& Gradients() { return *deltas_; }
 
+  // The last change of every weight, as the weights of a network of the same shape.
+  TBasicNetwork& Changes() { return *changes_; }
+
  private:
   TTrainRun StartRun(const Data& data, TKQstructure& params);
   double RunEpoch(const Data& data, TTrainRun& run);
