@@ -1,0 +1,101 @@
+#include "Tarn/Centres.h"
+
+#include <algorithm>
+
+namespace kiln {
+
+namespace {
+
+// Where x meets a membership function.
+enum class TSide { kShoulder, kFalling, kRising, kOutside };
+
+TSide SideOf(std::span<const double> centres, std::size_t k, double x) {
+  const double centre = centres[k];
+  const bool has_left = k > 0;
+  const bool has_right = k + 1 < centres.size();
+  if (!has_left && x <= centre) return TSide::kShoulder;
+  if (!has_right && x >= centre) return TSide::kShoulder;
+  if (has_right && centre <= x && x < centres[k + 1]) return TSide::kFalling;
+  if (has_left && x <= centre && centres[k - 1] < x) return TSide::kRising;
+  return TSide::kOutside;
+}
+
+bool IsFrozen(const TMask* masks, std::size_t k) {
+  return masks != nullptr && (masks[k] & FMaskTrainable) == 0;
+}
+
+// Puts the trainable centres first..last-1 in order; their neighbours, where there are any, are
+// frozen. A neighbour that is no number drops out of the comparisons, and a centre that is none
+// becomes the least value that it may have.
+void OrderBetween(std::span<double> centres, std::size_t first, std::size_t last) {
+  const double* left = first > 0 ? &centres[first - 1] : nullptr;
+  const double* right = last < centres.size() ? &centres[last] : nullptr;
+  double lower = left ? std::max(0.0, *left) : 0.0;
+  double upper = right ? std::min(1.0, *right) : 1.0;
+  if (right) lower = std::min(lower, *right);
+  if (left) upper = std::max(upper, *left);
+  const std::size_t gaps = last - first - 1 + (left ? 1 : 0) + (right ? 1 : 0);
+  const double room = std::max(0.0, upper - lower);
+  const double gap = std::min(kCentreGap, room / static_cast<double>(gaps));
+
+  double least = left ? std::max(lower, *left + gap) : lower;
+  for (std::size_t k = first; k < last; ++k) {
+    if (!(centres[k] >= least)) centres[k] = least;
+    least = centres[k] + gap;
+  }
+  double most = right ? std::min(upper, *right - gap) : upper;
+  for (std::size_t k = last; k-- > first;) {
+    centres[k] = std::max(lower, std::min(centres[k], most));
+    most = centres[k] - gap;
+  }
+}
+
+}  // namespace
+
+void PlaceCentresEvenly(std::span<double> centres) {
+  const auto last = static_cast<double>(centres.size() - 1);
+  for (std::size_t k = 0; k < centres.size(); ++k) centres[k] = static_cast<double>(k) / last;
+}
+
+void PutCentresInOrder(std::span<double> centres, const TMask* masks) {
+  for (std::size_t first = 0; first < centres.size(); ++first) {
+    std::size_t last = first;
+    while (last < centres.size() && !IsFrozen(masks, last)) ++last;
+    if (last > first) OrderBetween(centres, first, last);
+    first = last;
+  }
+}
+
+double Membership(std::span<const double> centres, std::size_t k, double x) {
+  const double centre = centres[k];
+  switch (SideOf(centres, k, x)) {
+    case TSide::kShoulder:
+      return 1.0;
+    case TSide::kFalling:
+      return 1.0 - (x - centre) / (centres[k + 1] - centre);
+    case TSide::kRising:
+      return 1.0 - (centre - x) / (centre - centres[k - 1]);
+    case TSide::kOutside:
+      break;
+  }
+  return 0.0;
+}
+
+void AddCentreGradients(std::span<const double> centres, std::size_t k, double x, double error,
+                        std::span<double> gradients) {
+  const double centre = centres[k];
+  const TSide side = SideOf(centres, k, x);
+  if (side == TSide::kFalling) {
+    const double right = centres[k + 1];
+    const double slope = error / ((right - centre) * (right - centre));
+    gradients[k] += slope * (right - x);
+    gradients[k + 1] += slope * (x - centre);
+  } else if (side == TSide::kRising) {
+    const double left = centres[k - 1];
+    const double slope = error / ((centre - left) * (centre - left));
+    gradients[k] -= slope * (x - left);
+    gradients[k - 1] -= slope * (centre - x);
+  }
+}
+
+}  // namespace kiln

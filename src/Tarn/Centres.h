@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "NeuralNets/TIterateObj.h"
+
+// The membership functions of one variable, given by their centres c[0] <= c[1] <= ... <= c[n-1].
+// Function k is a triangle of height 1 at c[k] whose feet stand on the neighbouring centres; the
+// first stays at 1 below its centre, the last above it:
+//
+//   1 ---\   /\   /---
+//         \ /  \ /
+//          X    X
+//   0 ____/ \__/ \____
+//       c[0] c[1] c[2]
+//
+// While the centres ascend, the memberships of any x add up to 1.
+namespace kiln {
+
+// The smallest distance that PutCentresInOrder leaves between neighbours, where there is room.
+inline constexpr double kCentreGap = 1e-4;
+
+// Spreads centres evenly over [0, 1]: c[k] = k / (n - 1). REQUIRES: at least two centres.
+void PlaceCentresEvenly(std::span<double> centres);
+
+// Puts centres back in ascending order within [0, 1] after a step has moved them. From the first to
+// the last each is lifted to kCentreGap above its left neighbour and to 0; then, from the last to
+// the first, each is lowered to kCentreGap below its right neighbour and to 1. The distance is
+// smaller where so much does not fit.
+//
+// `masks` has the flags of each centre, or is null when all are trainable. Frozen centres stay, and
+// those in between keep to their side of them even where that is outside [0, 1].
+// REQUIRES: at least two centres.
+void PutCentresInOrder(std::span<double> centres, const TMask* masks);
+
+// The membership of x in function k, whatever the order of the centres. REQUIRES: k < n.
+double Membership(std::span<const double> centres, std::size_t k, double x);
+
+// Adds the derivative of an error by each centre that shapes function k at x, when `error` is its
+// derivative by the membership m of x. On the falling side, with C the centre and R the right
+// neighbour's,
+//   dm/dC = (R - x) / (R - C)^2,  dm/dR = (x - C) / (R - C)^2
+// and on the rising side, with L the left neighbour's,
+//   dm/dC = -(x - L) / (C - L)^2,  dm/dL = -(C - x) / (C - L)^2.
+// Where m is 1 or 0 throughout, nothing moves it. REQUIRES: k < n, a gradient for each centre.
+void AddCentreGradients(std::span<const double> centres, std::size_t k, double x, double error,
+                        std::span<double> gradients);
+
+}  // namespace kiln

@@ -1,0 +1,96 @@
+#include "Tarn/TConditionLayer.h"
+
+#include <algorithm>
+#include <string>
+
+#include "NeuralNets/TBasicNetwork.h"
+#include "Shared/TAssertion.h"
+#include "Shared/TException.h"
+#include "Tarn/Centres.h"
+#include "Tarn/TConditionNeuron.h"
+#include "Tarn/TToConditionConnections.h"
+
+namespace kiln {
+
+namespace {
+
+TMFGroups CheckedGroups(std::span<const int> counts) {
+  for (const int count : counts) Assert(count >= 2, "NdxMF >= 2", "Tarn/TConditionLayer");
+  return TMFGroups(counts);
+}
+
+}  // namespace
+
+TConditionLayer::TConditionLayer(std::span<const int> mf_counts)
+    : TConditionLayer(CheckedGroups(mf_counts)) {}
+
+TConditionLayer::TConditionLayer(const TMFGroups& groups)
+    : TFuzzyLayer(groups.NumMF(), TConditionNeuron(), groups) {}
+
+TConditionLayer::TConditionLayer(std::size_t neurons)
+    : TFuzzyLayer(neurons, TConditionNeuron(), TMFGroups()) {}
+
+void TConditionLayer::SetMFCounts(std::span<const int> counts) {
+  TMFGroups groups = CheckedGroups(counts);
+  if (groups.NumMF() != NumNeurons()) {
+    throw TException("the inputs have " + std::to_string(groups.NumMF()) +
+                         " membership functions but their layer has " +
+                         std::to_string(NumNeurons()) + " neurons",
+                     "Bad Parameter", "TConditionLayer::SetMFCounts");
+  }
+  SetGroups(std::move(groups));
+}
+
+void TConditionLayer::Compute(std::span<const double>) {
+  const std::size_t source = SourceLayer(TToConditionConnections::kKindName);
+  const std::span<const double> inputs = Network().Layer(source).Outputs();
+  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
+    std::ranges::fill(NetInputs().subspan(Groups().First(i), Groups().Count(i)), inputs[i]);
+  }
+  Activate();
+}
+
+void TConditionLayer::Activate() {
+  if (GetActivation() != ActTarnCondition) return TBasicLayer::Activate();
+  const std::span<const double> all = Centres();
+  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
+    const std::size_t first = Groups().First(i);
+    const std::span<const double> centres = all.subspan(first, Groups().Count(i));
+    const double x = NetInputs()[first];
+    for (std::size_t k = 0; k < centres.size(); ++k) {
+      Outputs()[first + k] = kiln::Membership(centres, k, x);
+    }
+  }
+}
+
+std::unique_ptr<TBasicLayer> TConditionLayer::Clone() const {
+  return std::make_unique<TConditionLayer>(*this);
+}
+
+double TConditionLayer::Membership(std::size_t neuron, double x) const {
+  const std::size_t input = Groups().VariableOf(neuron);
+  const std::size_t first = Groups().First(input);
+  const std::span<const double> centres = Centres().subspan(first, Groups().Count(input));
+  return kiln::Membership(centres, neuron - first, x);
+}
+
+void TConditionLayer::AddGradients(std::span<const double> errors,
+                                   std::span<double> gradients) const {
+  const std::span<const double> all = Centres();
+  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
+    const std::size_t first = Groups().First(i);
+    const std::span<const double> centres = all.subspan(first, Groups().Count(i));
+    const double x = NetInputs()[first];
+    for (std::size_t k = 0; k < centres.size(); ++k) {
+      AddCentreGradients(centres, k, x, errors[first + k],
+                         gradients.subspan(first, centres.size()));
+    }
+  }
+}
+
+std::span<const double> TConditionLayer::Centres() const {
+  const std::size_t source = SourceLayer(TToConditionConnections::kKindName);
+  return Network().Connections(Index(), source).Weights();
+}
+
+}  // namespace kiln

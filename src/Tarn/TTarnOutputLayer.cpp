@@ -1,0 +1,70 @@
+#include "Tarn/TTarnOutputLayer.h"
+
+#include <algorithm>
+#include <iostream>
+#include <limits>
+#include <numeric>
+#include <string>
+
+#include "NeuralNets/TBasicNetwork.h"
+#include "Shared/TAssertion.h"
+#include "Shared/TException.h"
+#include "Tarn/TToOutputConnections.h"
+
+namespace kiln {
+
+namespace {
+
+// The centre of gravity of `terms` actions. Centres of 1 may add up to a little more than the
+// actions alone: what rounding can put above 1, n products and 2 n sums, is 1.
+double CentreOfGravity(double numerator, double denominator, std::size_t terms) {
+  if (numerator == 0.0 || denominator == 0.0) return 0.0;
+  const double value = numerator / denominator;
+  const double rounding = static_cast<double>(terms) * std::numeric_limits<double>::epsilon();
+  return value > 1.0 && value <= 1.0 + rounding ? 1.0 : value;
+}
+
+void CheckRange(double value) {
+  if (value >= 0.0 && value <= 1.0) return;
+  std::cout << value << '\n';
+  Assert(false, "(ActActivation >= 0) && (ActActivation <= 1)", "Tarn/TTarnOutputLayer");
+}
+
+}  // namespace
+
+TTarnOutputLayer::TTarnOutputLayer(std::span<const int> mf_counts)
+    : TFuzzyLayer(mf_counts.size(), TBasicNeuron(), TMFGroups(mf_counts)),
+      sums_(mf_counts.size()) {}
+
+TTarnOutputLayer::TTarnOutputLayer(std::size_t neurons)
+    : TFuzzyLayer(neurons, TBasicNeuron(), TMFGroups()), sums_(neurons) {}
+
+void TTarnOutputLayer::SetMFCounts(std::span<const int> counts) {
+  if (counts.size() != NumNeurons()) {
+    throw TException("there are membership functions of " + std::to_string(counts.size()) +
+                         " outputs but their layer has " + std::to_string(NumNeurons()) +
+                         " neurons",
+                     "Bad Parameter", "TTarnOutputLayer::SetMFCounts");
+  }
+  SetGroups(TMFGroups(counts));
+}
+
+void TTarnOutputLayer::Compute(std::span<const double>) {
+  const std::size_t source = SourceLayer(TToOutputConnections::kKindName);
+  const std::span<const double> actions = Network().Layer(source).Outputs();
+  std::ranges::fill(NetInputs(), 0.0);
+  Network().Connections(Index(), source).Accumulate(actions, NetInputs());
+  for (std::size_t t = 0; t < NumNeurons(); ++t) {
+    const auto terms = actions.subspan(Groups().First(t), Groups().Count(t));
+    sums_[t] = std::accumulate(terms.begin(), terms.end(), 0.0);
+    const double value = CentreOfGravity(NetInputs()[t], sums_[t], terms.size());
+    CheckRange(value);
+    Outputs()[t] = value;
+  }
+}
+
+std::unique_ptr<TBasicLayer> TTarnOutputLayer::Clone() const {
+  return std::make_unique<TTarnOutputLayer>(*this);
+}
+
+}  // namespace kiln

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <vector>
+
+#include "Tarn/TFuzzyLayer.h"
+
+namespace kiln {
+
+// The layer that makes values of fuzzy actions. Output t is the centre of gravity of the action
+// neurons that belong to it: with a the output of such a neuron and w the centre of its membership
+// function,
+//   o = sum(a w) / sum(a), or 0 where either sum is 0.
+class TTarnOutputLayer : public TFuzzyLayer {
+ public:
+  // A neuron for each output, of as many membership functions as its count says.
+  // REQUIRES: no count is negative.
+  explicit TTarnOutputLayer(std::span<const int> mf_counts);
+
+  // The same without groups, for a reader that sets them before it connects the layer.
+  explicit TTarnOutputLayer(std::size_t neurons);
+
+  void SetMFCounts(std::span<const int> counts) override;
+
+  // Throws TAssertion unless the layer is connected as it should be. Where an output is not within
+  // [0, 1], prints it and throws TAssertion.
+  void Compute(std::span<const double> pattern) override;
+
+  std::string_view KindName() const override { return "Defuzzify"; }
+  std::unique_ptr<TBasicLayer> Clone() const override;
+
+  // sum(a) of each output in the last recall.
+  std::span<const double> Sums() const { return sums_; }
+
+ private:
+  std::vector<double> sums_;
+};
+
+}  // namespace kiln

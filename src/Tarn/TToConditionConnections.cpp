@@ -1,0 +1,28 @@
+#include "Tarn/TToConditionConnections.h"
+
+#include "Shared/TException.h"
+#include "Tarn/TConditionLayer.h"
+
+namespace kiln {
+
+std::unique_ptr<TBasicConnections> TToConditionConnections::Clone() const {
+  return std::make_unique<TToConditionConnections>(*this);
+}
+
+std::vector<TBasicConnections::TPatchShape> TToConditionConnections::Layout(
+    const TBasicLayer& to, const TBasicLayer& from) const {
+  const auto* conditions = dynamic_cast<const TConditionLayer*>(&to);
+  if (!conditions || conditions->Groups().NumMF() != to.NumNeurons() ||
+      conditions->Groups().NumVariables() != from.NumNeurons()) {
+    throw TException("ToConditionConnections do not fit these layers", "Bad Parameter",
+                     "TToConditionConnections::Layout");
+  }
+  const TMFGroups& groups = conditions->Groups();
+  std::vector<TPatchShape> patches(groups.NumVariables());
+  for (std::size_t i = 0; i < patches.size(); ++i) {
+    patches[i] = {.to = groups.First(i), .from = i, .rows = groups.Count(i), .columns = 1};
+  }
+  return patches;
+}
+
+}  // namespace kiln
