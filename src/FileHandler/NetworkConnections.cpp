@@ -136,6 +136,10 @@ void ConnectionsReader::SetConnection(std::size_t to, std::size_t from, const Ce
     FailLoad(reader_, std::string(kind_) + " connections cannot be pruned or frozen");
   }
   if (!cell.weight) return;
+  if (!block_->HasPlace(to, from)) {
+    FailLoad(reader_, std::string(kind_) + " do not join neuron " + std::to_string(from) +
+                          " with neuron " + std::to_string(to));
+  }
   block_->SetExists(to, from, true);
   block_->SetTrainable(to, from, cell.trainable);
   block_->SetWeight(to, from, *cell.weight);

@@ -15,6 +15,11 @@
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
+#include "Tarn/TConditionLayer.h"
+#include "Tarn/TTarn.h"
+#include "Tarn/TTarnOutputLayer.h"
+#include "Tarn/TToConditionConnections.h"
+#include "Tarn/TToOutputConnections.h"
 
 namespace kiln::NetworkFiler {
 
@@ -53,6 +58,15 @@ bool IsCompleteMap(const TBasicNetwork& network) {
   return dynamic_cast<const TKohonenNetwork&>(network).IsComplete();
 }
 
+std::unique_ptr<TBasicNetwork> MakeTarn(const NetworkHeader& header, Reader&) {
+  Assert(header.layers == 6, "numlayers == 6", kModule);
+  return std::make_unique<TTarn>();
+}
+
+bool IsCompleteTarn(const TBasicNetwork& network) {
+  return dynamic_cast<const TTarn&>(network).IsComplete();
+}
+
 struct NetworkKind {
   std::string_view name;
   std::unique_ptr<TBasicNetwork> (*make)(const NetworkHeader& header, Reader& reader);
@@ -66,6 +80,7 @@ constexpr NetworkKind kNetworks[] = {
     {"CONNECTED", MakeLayered<TConnectedNetwork>},
     {"MLP", MakePerceptron},
     {"KOHONEN", MakeMap, WriteMap, IsCompleteMap},
+    {"TARN", MakeTarn, nullptr, IsCompleteTarn},
 };
 
 // --- Layers ----------------------------------------------------------------------------------
@@ -83,6 +98,8 @@ constexpr LayerKind kLayers[] = {
     {"SIMPLE", MakeSized<TSimpleLayer>},
     {"INPUT", MakeSized<TSimpleInputLayer>},
     {"GAIN", MakeSized<TGainLayer>},
+    {"FUZZYCONDITION", MakeSized<TConditionLayer>},
+    {"DEFUZZIFY", MakeSized<TTarnOutputLayer>},
 };
 
 // --- Connections -----------------------------------------------------------------------------
@@ -99,6 +116,8 @@ struct ConnectionsKind {
 constexpr ConnectionsKind kConnections[] = {
     {"FullyConnected", MakeUnattached<TConnectedConnections>},
     {"Pruneable", MakeUnattached<TPrunedConnections>},
+    {"ToConditionConnections", MakeUnattached<TToConditionConnections>},
+    {"ToOutputConnections", MakeUnattached<TToOutputConnections>},
 };
 
 // The line of a table that has the name, or null.

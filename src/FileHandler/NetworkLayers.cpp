@@ -4,6 +4,7 @@
 
 #include "FileHandler/NetworkKinds.h"
 #include "FileHandler/NetworkSections.h"
+#include "FileHandler/SaveTarn.h"
 #include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"
@@ -61,6 +62,7 @@ class LayerReader {
 std::unique_ptr<TBasicLayer> LayerReader::Read() {
   ParseItem next = ReadCommon();
   if (!layer_) FailLoad(reader_, "Incomplete Layer information");
+  next = ReadMembership(reader_, next, *layer_);
   if (next.kind == ParseItem::kStartTag && EqualNoCase(next.name, "Neurons")) {
     ReadNeurons();
     next = reader_.ReadItem(kBlock);

@@ -6,6 +6,7 @@
 #include "FileHandler/NetworkFile.h"
 #include "FileHandler/NetworkKinds.h"
 #include "FileHandler/SafeFile.h"
+#include "FileHandler/SaveTarn.h"
 #include "FileHandler/Writer.h"
 #include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/TIterateObjFlags.h"
@@ -137,6 +138,7 @@ void WriteLayer(Writer& writer, const TBasicLayer& layer) {
     WriteFunction(writer, function);
     writer.CloseBracket();
   }
+  WriteMembership(writer, layer);
   const std::vector<std::size_t> own = WriteCommonParameters(writer, layer);
   if (!function || !own.empty()) WriteNeurons(writer, layer, !function, own);
   writer.WriteEndTag("Layer");
