@@ -1,8 +1,27 @@
+#include <algorithm>
+#include <limits>
+
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "Tarn/TTarn.h"
 
 namespace kiln::commands {
+
+namespace {
+
+// Each number as the nearest int.
+std::vector<int> ToInts(const std::vector<std::int64_t>& numbers) {
+  using TLimits = std::numeric_limits<int>;
+  std::vector<int> ints;
+  for (const std::int64_t number : numbers) {
+    ints.push_back(static_cast<int>(
+        std::clamp(number, std::int64_t{TLimits::min()}, std::int64_t{TLimits::max()})));
+  }
+  return ints;
+}
+
+}  // namespace
 
 int CreateMLP(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias", "alias tag not found");
@@ -26,21 +45,29 @@ int CreateMLP(TInterpreter& interpreter, const CommandLine& line) {
 }
 
 int CreateTarn(TInterpreter& interpreter, const CommandLine& line) {
-  RequiredNewAlias(interpreter, line, "alias");
+  const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::int64_t inputs = Required(line.Long("inputs"), "tag inputs not found");
   const std::vector<std::int64_t> conditions =
       Required(line.Longs("condition"), "tag condition not found");
   if (std::ssize(conditions) != inputs) {
     Fail("number of inputs does not match number of condition elements");
   }
-  Required(line.Long("rules"), "tag rules not found");
+  const std::int64_t rules = Required(line.Long("rules"), "tag rules not found");
   const std::int64_t outputs = Required(line.Long("outputs"), "tag outputs not found");
   const std::vector<std::int64_t> actions =
       Required(line.Longs("action"), "unable to find tag action");
   if (std::ssize(actions) != outputs) {
     Fail("number of outputs does not match number of action elements");
   }
-  NotYet("Tarn networks");
+  AtLeast(1, inputs, "inputs");
+  const int num_rules = AtLeast(1, rules, "rules");
+  AtLeast(1, outputs, "outputs");
+
+  auto network = std::make_unique<TTarn>(ToInts(conditions), num_rules, ToInts(actions));
+  StartRandom(line);
+  network->InitWeights(-1.0, 1.0);
+  interpreter.Insert({alias, std::move(network)});
+  return kDone;
 }
 
 }  // namespace kiln::commands

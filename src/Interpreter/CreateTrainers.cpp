@@ -2,6 +2,7 @@
 #include "Interpreter/CreateCommands.h"
 #include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "Tarn/TTarnLWF.h"
 
 namespace kiln::commands {
 
@@ -11,20 +12,25 @@ int CreateBPTrainer(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network", "cannot find network tag");
   const TRegistryNode* network = interpreter.Find(name);
   if (!network) Fail("cannot find network ", name);
-  if (network->As<TTarn>()) NotYet("Trainers of Tarn networks");
-  const auto perceptron = network->As<TMLPNetwork>();
-  if (!perceptron) Fail("cannot BP train this object");
-  interpreter.Insert({alias, std::make_unique<TBackpropModule>(perceptron)});
+  if (const auto perceptron = network->As<TMLPNetwork>()) {
+    interpreter.Insert({alias, std::make_unique<TBackpropModule>(perceptron)});
+  } else if (const auto tarn = network->As<TTarn>()) {
+    interpreter.Insert({alias, std::make_unique<TTarnBP>(tarn)});
+  } else {
+    Fail("cannot BP train this object");
+  }
   return kDone;
 }
 
 int CreateLWFTrainer(TInterpreter& interpreter, const CommandLine& line) {
-  RequiredNewAlias(interpreter, line, "alias");
+  const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::string_view name = RequiredAlias(line, "network");
   const TRegistryNode* network = interpreter.Find(name);
   if (!network) Fail("object ", name, " does not exist");
-  if (!network->As<TTarn>()) Fail("object ", name, " is not of type Tarn");
-  NotYet("LWF trainers");
+  const auto tarn = network->As<TTarn>();
+  if (!tarn) Fail("object ", name, " is not of type Tarn");
+  interpreter.Insert({alias, std::make_unique<TTarnLWF>(tarn)});
+  return kDone;
 }
 
 int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {

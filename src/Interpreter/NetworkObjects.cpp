@@ -6,16 +6,20 @@
 #include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "Tarn/TTarnLWF.h"
 
 namespace kiln {
 
 std::shared_ptr<TBasicNetwork> AsNetwork(const TRegistryNode& node) {
+  if (auto tarn = node.As<TTarn>()) return tarn;
   if (auto perceptron = node.As<TMLPNetwork>()) return perceptron;
   if (auto map = node.As<TKohonenNetwork>()) return map;
   return nullptr;
 }
 
 std::shared_ptr<TTrainModule> AsGradientTrainer(const TRegistryNode& node) {
+  if (auto trainer = node.As<TTarnBP>()) return trainer;
+  if (auto trainer = node.As<TTarnLWF>()) return trainer;
   if (auto trainer = node.As<TBackpropModule>()) return trainer;
   return nullptr;
 }
@@ -28,7 +32,9 @@ const TBasicNetwork* TrainedNetwork(const TRegistryNode& node) {
 void InsertNetwork(TInterpreter& interpreter, std::string_view alias,
                    std::unique_ptr<TBasicNetwork> network) {
   const std::shared_ptr<TBasicNetwork> shared = std::move(network);
-  if (auto perceptron = std::dynamic_pointer_cast<TMLPNetwork>(shared)) {
+  if (auto tarn = std::dynamic_pointer_cast<TTarn>(shared)) {
+    interpreter.Insert({alias, std::move(tarn)});
+  } else if (auto perceptron = std::dynamic_pointer_cast<TMLPNetwork>(shared)) {
     interpreter.Insert({alias, std::move(perceptron)});
   } else if (auto map = std::dynamic_pointer_cast<TKohonenNetwork>(shared)) {
     interpreter.Insert({alias, std::move(map)});

@@ -8,6 +8,7 @@
 #include "NeuralNets/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "Shared/TException.h"
+#include "Tarn/TTarn.h"
 
 namespace kiln::commands {
 
@@ -52,6 +53,18 @@ std::string Structure(const Data& set) {
   return text.str();
 }
 
+std::string Structure(const TTarn& network) {
+  const std::vector<int> conditions = network.InputMF();
+  const std::vector<int> actions = network.OutputMF();
+  std::ostringstream text;
+  text << "inputs " << network.NumInputs() << " condition "
+       << AnswerArray(std::vector<std::int64_t>(conditions.begin(), conditions.end())) << " rules "
+       << network.NumRules() << " action "
+       << AnswerArray(std::vector<std::int64_t>(actions.begin(), actions.end())) << " outputs "
+       << network.NumOutputs();
+  return text.str();
+}
+
 std::string Structure(const TMLPNetwork& network) {
   std::vector<std::int64_t> hidden;
   for (std::size_t i = 1; i < network.NumLayers(); ++i) {
@@ -77,6 +90,8 @@ int StructureOf(TInterpreter& interpreter, const CommandLine& line) {
   const TRegistryNode& node = Subject(interpreter, line, "structureof").node;
   if (const auto set = node.As<Data>()) {
     interpreter.SetResult(Structure(*set));
+  } else if (const auto tarn = node.As<TTarn>()) {
+    interpreter.SetResult(Structure(*tarn));
   } else if (const auto perceptron = node.As<TMLPNetwork>()) {
     interpreter.SetResult(Structure(*perceptron));
   } else if (const auto map = node.As<TKohonenNetwork>()) {
