@@ -122,6 +122,9 @@ class TBasicNetwork {
   // REQUIRES: NumInputs() values in, NumOutputs() values out.
   virtual void RecallPattern(std::span<const double> input, std::span<double> output);
 
+  // Whether a data set can be recalled by TPatternBlock in place of RecallPattern.
+  virtual bool RecallsInBlocks() const { return false; }
+
   // The rows (input, output) for every row of a set, or the outputs alone, oldest row first.
   // Throw TException when the set's inputs do not fit the network's. A null set is a TAssertion in
   // the first and a TException in the second.
@@ -140,13 +143,7 @@ class TBasicNetwork {
  protected:
   TBasicNetwork& operator=(const TBasicNetwork& other);
 
-  // Whether a data set can be recalled by TPatternBlock in place of RecallPattern.
-  virtual bool RecallsInBlocks() const { return false; }
-
  private:
-  template <typename TVisit>
-  void RecallRows(const Data& in, const TVisit& visit);
-
   std::size_t CheckedLayer(std::size_t index) const {
     if (index >= NumLayers()) RefuseLayer();
     return index;

@@ -6,7 +6,7 @@
 #include "DataObject/Data.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/TPatternBlock.h"
+#include "NeuralNets/TRecall.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
@@ -39,34 +39,12 @@ void TBasicNetwork::CheckFits(const Data& data, const char* function) const {
   CheckColumns(data.Outputs(), NumOutputs(), "outputs", function);
 }
 
-// Recalls every row and calls visit(row, output) for it, oldest row first.
-template <typename TVisit>
-void TBasicNetwork::RecallRows(const Data& in, const TVisit& visit) {
-  std::vector<double> output(NumOutputs());
-  if (!RecallsInBlocks()) {
-    for (int n = 0; n < in.DataRows(); ++n) {
-      const DataRow row = in.Row(n);
-      RecallPattern(row.Inputs, output);
-      visit(row, output);
-    }
-    return;
-  }
-  TPatternBlock block(*this);
-  for (int n = 0; n < in.DataRows();) {
-    block.Recall(in, n);
-    for (std::size_t pattern = 0; pattern < block.Count(); ++pattern, ++n) {
-      block.GetPattern(output_layer_, pattern, output);
-      visit(in.Row(n), output);
-    }
-  }
-}
-
 std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
   Assert(in != nullptr, "in != nil", kModule);
   CheckInputsFit(*in, "TBasicNetwork::Recall");
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), outputs, false);
-  RecallRows(*in, [&](const DataRow& row, std::span<const double> output) {
+  TRecall(*this).ForEachRow(*in, [&](const DataRow& row, std::span<const double> output) {
     result->AddRow(row.Inputs, output);
   });
   return result;
@@ -81,8 +59,8 @@ std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
   CheckInputsFit(*in, kFunction);
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), 0, outputs, false);
-  RecallRows(*in,
-             [&](const DataRow&, std::span<const double> output) { result->AddRow({}, output); });
+  TRecall(*this).ForEachRow(
+      *in, [&](const DataRow&, std::span<const double> output) { result->AddRow({}, output); });
   return result;
 }
 
@@ -90,10 +68,7 @@ double TBasicNetwork::RecallError(const Data* in, TErrorObj* err) {
   Assert(in != nullptr, "in != nil", kModule);
   Assert(err != nullptr, "err != nil", kModule);
   CheckFits(*in, "TBasicNetwork::RecallError");
-  RecallRows(*in, [&](const DataRow& row, std::span<const double> output) {
-    err->Accumulate(row.Outputs, output);
-  });
-  return err->Value();
+  return TRecall(*this).Error(*in, *err);
 }
 
 }  // namespace kiln

@@ -17,8 +17,6 @@ class TConnectedNetwork : public TBasicNetwork {
 
   std::string_view KindName() const override { return "Connected"; }
   std::unique_ptr<TBasicNetwork> Clone() const override;
-
- protected:
   bool RecallsInBlocks() const override;
 };
 

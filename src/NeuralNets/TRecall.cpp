@@ -1,0 +1,18 @@
+#include "NeuralNets/TRecall.h"
+
+#include "NeuralNets/TErrorObj.h"
+
+namespace kiln {
+
+TRecall::TRecall(TBasicNetwork& network) : network_(network), output_(network.NumOutputs()) {
+  if (network.RecallsInBlocks()) block_.emplace(network);
+}
+
+double TRecall::Error(const Data& set, TErrorObj& error) {
+  ForEachRow(set, [&error](const DataRow& row, std::span<const double> output) {
+    error.Accumulate(row.Outputs, output);
+  });
+  return error.Value();
+}
+
+}  // namespace kiln
