@@ -11,24 +11,6 @@
 #include "Shared/Random.h"
 #include "Shared/TAssertion.h"
 
-// Every allocation of this program is counted.
-static std::size_t allocations = 0;
-
-[[gnu::noinline]] void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  ++allocations;
-  return std::malloc(size);
-}
-[[gnu::noinline]] void* operator new(std::size_t size) {
-  if (void* memory = operator new(size, std::nothrow)) return memory;
-  throw std::bad_alloc();
-}
-[[gnu::noinline]] void operator delete(void* memory) noexcept {
-  std::free(memory);
-}
-[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
-  std::free(memory);
-}
-
 namespace kiln {
 namespace {
 
@@ -326,20 +308,6 @@ TEST_F(GeneticRun, RefusesWhatItCannotBreed) {
   EXPECT_THROW(driver.Run({3, 100.0F, 1, 1, 0, 21, false}, evaluator, hopeless), TAssertion);
   driver.Populate(0);
   EXPECT_THROW(driver.Run({3, 100.0F, 0}, evaluator, reporter), TAssertion);
-}
-
-TEST_F(GeneticRun, NeedsNoMoreMemoryForMoreGenerations) {
-  std::map<int, std::size_t> counts;
-  for (const int generations : {50, 200}) {
-    DeathCap long_driver(*Reals(200));
-    long_driver.Populate(100);
-    Recorder recorder;
-    recorder.Best.reserve(200);
-    const std::size_t before = allocations;
-    long_driver.Run({generations, 1000.0F, 2, 5, 0.01F}, evaluator, recorder);
-    counts[generations] = allocations - before;
-  }
-  EXPECT_EQ(counts[50], counts[200]);
 }
 
 }  // namespace
