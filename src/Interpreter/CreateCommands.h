@@ -16,6 +16,8 @@ int CreateTarn(TInterpreter& interpreter, const CommandLine& line);
 // CreateTrainers.cpp
 int CreateBPTrainer(TInterpreter& interpreter, const CommandLine& line);
 int CreateLWFTrainer(TInterpreter& interpreter, const CommandLine& line);
+
+// GeneticCommands.cpp
 int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line);
 
 // KohonenCommands.cpp

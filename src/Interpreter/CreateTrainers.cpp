@@ -33,17 +33,4 @@ int CreateLWFTrainer(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {
-  RequiredNewAlias(interpreter, line, "alias");
-  const TRegistryNode& network = RequiredEntry(interpreter, RequiredAlias(line, "network"));
-  if (!network.As<TMLPNetwork>() && !network.As<TTarn>()) {
-    Fail("cannot GA train this type of object");
-  }
-  const double minimum = Required(line.Double("minweight"), "tag minweight not found");
-  const double maximum = Required(line.Double("maxweight"), "tag maxweight not found");
-  if (!(minimum < maximum)) Fail("minweight must be < maxweight");
-  AtLeast(1, Required(line.Long("population"), "tag population not found"), "population");
-  NotYet("Genetic trainers");
-}
-
 }  // namespace kiln::commands

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "GA-Apps/GenTrain/TMLPGA.h"
 #include "Interpreter/Checks.h"
 #include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TKohonenNetwork.h"
@@ -24,7 +25,13 @@ std::shared_ptr<TTrainModule> AsGradientTrainer(const TRegistryNode& node) {
   return nullptr;
 }
 
+std::shared_ptr<TGenTrain> AsGeneticTrainer(const TRegistryNode& node) {
+  if (auto trainer = node.As<TMLPGA>()) return trainer;
+  return nullptr;
+}
+
 const TBasicNetwork* TrainedNetwork(const TRegistryNode& node) {
+  if (const auto trainer = AsGeneticTrainer(node)) return &trainer->Network();
   const std::shared_ptr<const TTrainModule> trainer = AsGradientTrainer(node);
   return trainer ? &trainer->Network() : nullptr;
 }

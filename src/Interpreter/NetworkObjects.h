@@ -8,6 +8,7 @@
 namespace kiln {
 
 class TBasicNetwork;
+class TGenTrain;
 class TTrainModule;
 
 // The kinds of network and of trainer as handlers see them that treat several kinds alike.
@@ -17,6 +18,9 @@ std::shared_ptr<TBasicNetwork> AsNetwork(const TRegistryNode& node);
 
 // The trainer of an entry that descends the gradient; null when it holds something else.
 std::shared_ptr<TTrainModule> AsGradientTrainer(const TRegistryNode& node);
+
+// The trainer of an entry that breeds weights; null when it holds something else.
+std::shared_ptr<TGenTrain> AsGeneticTrainer(const TRegistryNode& node);
 
 // The network that a trainer of any kind trains; null when the entry holds no such trainer.
 const TBasicNetwork* TrainedNetwork(const TRegistryNode& node);

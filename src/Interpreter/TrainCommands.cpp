@@ -39,13 +39,6 @@ TKQstructure GradientParams(const CommandLine& line, bool forgets) {
   return params;
 }
 
-void CheckFits(const TLesson& lesson, const TBasicNetwork& network) {
-  const std::string owner = "the network of " + std::string(lesson.trainer_alias);
-  RequireColumns(lesson.set_alias, lesson.set.Inputs(), "inputs", owner, network.NumInputs());
-  RequireColumns(lesson.set_alias, lesson.set.Outputs(), "outputs", owner, network.NumOutputs());
-  if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
-}
-
 int TrainByGradient(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson) {
   int epochs = AtLeast(0, Required(line.Long("epochs"), "tag epochs not found"), "epochs");
   const std::shared_ptr<TTrainModule> trainer = AsGradientTrainer(lesson.trainer);
@@ -58,11 +51,19 @@ int TrainByGradient(TInterpreter& interpreter, const CommandLine& line, const TL
 // How the object of an entry is trained; null when it is no trainer.
 TTraining TrainingOf(const TRegistryNode& node) {
   if (AsGradientTrainer(node)) return TrainByGradient;
+  if (AsGeneticTrainer(node)) return TrainGenetically;
   if (node.As<TKohonenModule>()) return TrainMap;
   return nullptr;
 }
 
 }  // namespace
+
+void CheckFits(const TLesson& lesson, const TBasicNetwork& network) {
+  const std::string owner = "the network of " + std::string(lesson.trainer_alias);
+  RequireColumns(lesson.set_alias, lesson.set.Inputs(), "inputs", owner, network.NumInputs());
+  RequireColumns(lesson.set_alias, lesson.set.Outputs(), "outputs", owner, network.NumOutputs());
+  if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
+}
 
 int Train(TInterpreter& interpreter, const CommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");

@@ -6,6 +6,10 @@
 #include "Interpreter/CommandLine.h"
 #include "Interpreter/TInterpreter.h"
 
+namespace kiln {
+class TBasicNetwork;
+}
+
 // What "train" does with each kind of trainer.
 namespace kiln::commands {
 
@@ -20,6 +24,12 @@ struct TLesson {
 // Reads the tags of one kind of trainer, trains and gives the answer.
 using TTraining = int (*)(TInterpreter& interpreter, const CommandLine& line,
                           const TLesson& lesson);
+
+// Fails unless the set has rows and fits the trainer's network.
+void CheckFits(const TLesson& lesson, const TBasicNetwork& network);
+
+// GeneticCommands.cpp
+int TrainGenetically(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson);
 
 // KohonenCommands.cpp
 int TrainMap(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson);
