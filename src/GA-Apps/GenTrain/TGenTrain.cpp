@@ -44,9 +44,9 @@ float TargetFitness(double error) {
 
 TGenTrain::TGenTrain(std::shared_ptr<TBasicNetwork> network, const WeightBounds& bounds,
                      std::size_t population)
-    : MbrNetNetwork(std::move(network)), MbrBndWeights(bounds), MbrNdxPopulation(population) {
-  Assert(MbrNetNetwork != nullptr, "PtrNetNetwork != 0", kModule);
-  CheckParameters(*MbrNetNetwork, bounds, population);
+    : MbrPtrNetNetwork(std::move(network)), MbrBndWeights(bounds), MbrNdxPopulation(population) {
+  Assert(MbrPtrNetNetwork != nullptr, "PtrNetNetwork != 0", kModule);
+  CheckParameters(*MbrPtrNetNetwork, bounds, population);
 }
 
 void TGenTrain::Initialise() {
@@ -62,11 +62,11 @@ double TGenTrain::Train(RunSettings settings, double target_error,
   MbrPtrEvlEvaluator->SetData(sets);
   if (settings.IntGenerations < 1) return MbrPtrEvlEvaluator->Error();
   settings.FltTarget = TargetFitness(target_error);
-  const std::vector<double> start = MbrNetNetwork->GetWeights(FMaskAll);
+  const std::vector<double> start = MbrPtrNetNetwork->GetWeights(FMaskAll);
   try {
     return Evolve(settings, observer);
   } catch (...) {
-    MbrNetNetwork->SetWeights(start, FMaskAll);
+    MbrPtrNetNetwork->SetWeights(start, FMaskAll);
     throw;
   }
 }

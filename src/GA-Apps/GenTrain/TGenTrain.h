@@ -24,7 +24,7 @@ class TGenTrain {
 
   virtual ~TGenTrain() = default;
 
-  const TBasicNetwork& Network() const { return *MbrNetNetwork; }
+  const TBasicNetwork& Network() const { return *MbrPtrNetNetwork; }
 
   // Makes a population of random individuals around one that is the network as it is, the last.
   void Initialise();
@@ -64,7 +64,7 @@ class TGenTrain {
 
   double Evolve(const RunSettings& settings, const TGenerationObserver& observer);
 
-  std::shared_ptr<TBasicNetwork> MbrNetNetwork;
+  std::shared_ptr<TBasicNetwork> MbrPtrNetNetwork;
   WeightBounds MbrBndWeights;
   std::size_t MbrNdxPopulation;
   std::unique_ptr<TGenTrainEval> MbrPtrEvlEvaluator;  // these two only after Initialise

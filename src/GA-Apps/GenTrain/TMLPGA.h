@@ -14,14 +14,14 @@ class TMLPGA : public TGenTrain {
  public:
   // Throws as TGenTrain does.
   TMLPGA(std::shared_ptr<TMLPNetwork> network, const WeightBounds& bounds, std::size_t population)
-      : TGenTrain(network, bounds, population), MbrNetPerceptron(std::move(network)) {}
+      : TGenTrain(network, bounds, population), MbrPtrNetPerceptron(std::move(network)) {}
 
  private:
   std::unique_ptr<TGenTrainEval> MakeEvaluator() const override {
-    return std::make_unique<TMLPGAEval>(*MbrNetPerceptron, Bounds());
+    return std::make_unique<TMLPGAEval>(*MbrPtrNetPerceptron, Bounds());
   }
 
-  std::shared_ptr<TMLPNetwork> MbrNetPerceptron;
+  std::shared_ptr<TMLPNetwork> MbrPtrNetPerceptron;
 };
 
 }  // namespace kiln
