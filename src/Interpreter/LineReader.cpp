@@ -9,20 +9,18 @@ namespace kiln {
 LineReader::LineReader(std::istream& in, std::size_t longest) : in_(in), buffer_(longest + 1) {}
 
 bool LineReader::Next() {
+  if (too_long_) in_.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
   in_.getline(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   const auto taken = static_cast<std::size_t>(in_.gcount());
   if (in_.bad() || taken == 0) return false;  // an empty line takes its end
   // The only failure that is left is a full buffer without the end of the line.
-  const bool too_long = in_.fail();
-  if (too_long) {
-    in_.clear();
-    in_.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
-  }
+  too_long_ = in_.fail();
+  if (too_long_) in_.clear();
   // The end of a line was taken but not stored.
-  const bool ended = !too_long && !in_.eof();
+  const bool ended = !too_long_ && !in_.eof();
   length_ = ended ? taken - 1 : taken;
   fault_ = {};
-  if (too_long) {
+  if (too_long_) {
     fault_ = "line too long";
   } else if (Line().find('\0') != std::string_view::npos) {
     fault_ = "line holds a null character";

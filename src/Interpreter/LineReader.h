@@ -8,8 +8,9 @@
 
 namespace kiln {
 
-// Reads commands line by line in bounded memory: of a line that is too long the rest is skipped. A
-// carriage return at the end of a line counts as a blank.
+// Reads commands line by line in bounded memory: of a line that is too long the rest is skipped,
+// but not before the next line is asked for, since it may have no end. A carriage return at the end
+// of a line counts as a blank.
 class LineReader {
  public:
   // Lines may hold up to `longest` characters. `in` must outlive the reader.
@@ -34,6 +35,7 @@ class LineReader {
   std::vector<char> buffer_;  // with room for a terminator
   std::size_t length_ = 0;
   std::int64_t number_ = 0;
+  bool too_long_ = false;
   std::string_view fault_;
 };
 
