@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
 #include <string_view>
 #include <utility>
 #include <vector>
