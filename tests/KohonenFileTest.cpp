@@ -44,7 +44,7 @@ TEST_F(KohonenFileTest, RefusesWhatIsNoMap) {
     const char* part;
     std::string failure;
   } kFaults[] = {
-      {"NumberOfLayers = 3", "NumberOfLayers = 4", kAssertion + "numlayers == 3"},
+      {"NumberOfLayers = 3", "NumberOfLayers = 2", kAssertion + "numlayers == 3"},
       {"[Dimensions = 2]", "", "Missing dimensions in Kohonen"},
       {"[Dimensions = 2]", "[Dimensions = 2 Now = 1 ]", "Too complicated statement"},
       {"[Dimensions = 2]", "[Dimensions = 3]", "Dimension not defined"},

@@ -7,6 +7,7 @@
 #include "FileHandler/NetworkSections.h"
 #include "FileHandler/ParseTools.h"
 #include "KQmessage/TKQstructure.h"
+#include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
 namespace kiln::NetworkFiler {
@@ -60,6 +61,8 @@ std::unique_ptr<TBasicNetwork> LoadNetwork(const std::string& path) {
   const NetworkHeader header = ReadHeader(reader);
   std::unique_ptr<TBasicNetwork> network = MakeNetwork(header, reader);
   if (!network) FailLoad(reader, "Unknown network type");
+  // Only now: a kind of network that has a fixed number of layers says so first.
+  Assert(header.output_layer < network->NumLayers(), "outlayer < numlayers", kModule);
   network->SetInputAndOutputLayer(header.input_layer, header.output_layer);
 
   ParseItem next = ReadLayers(reader, header, *network);

@@ -64,7 +64,6 @@ NetworkHeader ReadHeader(Reader& reader) {
   Assert(input_layer < layers, "inlayer < numlayers", kModule);
   Assert(input_layer >= 0, "inlayer >= 0", kModule);
   const std::int64_t output_layer = information.output_layer.value_or(layers - 1);
-  Assert(output_layer < layers, "outlayer < numlayers", kModule);
   Assert(output_layer >= 0, "outlayer >= 0", kModule);
   if (layers > static_cast<std::int64_t>(TBasicNetwork::kMaxLayers)) {
     FailLoad(reader, "NumberOfLayers = " + std::to_string(layers) + " is out of range");
