@@ -9,18 +9,25 @@
 namespace kiln {
 namespace {
 
-const std::string kPath = testing::TempDir() + "tarn.net";
+class TarnFileTest : public testing::Test {
+ protected:
+  ~TarnFileTest() override { std::filesystem::remove(path_); }
 
-std::shared_ptr<TTarn> Read(const std::string& text) {
-  std::ofstream(kPath, std::ios::binary) << text;
-  return std::dynamic_pointer_cast<TTarn>(std::shared_ptr(NetworkFiler::LoadNetwork(kPath)));
-}
+  std::shared_ptr<TTarn> Read(const std::string& text) {
+    std::ofstream(path_, std::ios::binary) << text;
+    return std::dynamic_pointer_cast<TTarn>(std::shared_ptr(NetworkFiler::LoadNetwork(path_)));
+  }
+
+  // Tests run side by side, so each has a file of its own.
+  const std::string path_ = testing::TempDir() + "tarn-" +
+                            testing::UnitTest::GetInstance()->current_test_info()->name() + ".net";
+};
 
 std::string GoodText() {
   return Contents(KILN_TEST_DATA "/tarn.net");
 }
 
-TEST(TarnFileTest, ReadsWhatPeopleWrite) {
+TEST_F(TarnFileTest, ReadsWhatPeopleWrite) {
   const auto tarn = Read(GoodText());
   EXPECT_EQ((TSizes{2, 3}), tarn->InputMF());
   EXPECT_FALSE(tarn->Connections(2, 1).IsTrainable(0, 0));
@@ -31,14 +38,14 @@ TEST(TarnFileTest, ReadsWhatPeopleWrite) {
   EXPECT_NEAR(0.75 + 2 * 0.25 + 4 * 0.4 + 8 * 0.6, tarn->GetActivationValue(3, 0), 1e-12);
   EXPECT_NEAR((1 * 0.25 + 0.5 * 1) / 1.5, output[0], 1e-15);
 
-  NetworkFiler::SaveNetwork(kPath, *tarn);
-  const std::string saved = Contents(kPath);
-  NetworkFiler::SaveNetwork(kPath, *Read(saved));
-  EXPECT_EQ(saved, Contents(kPath));
+  NetworkFiler::SaveNetwork(path_, *tarn);
+  const std::string saved = Contents(path_);
+  NetworkFiler::SaveNetwork(path_, *Read(saved));
+  EXPECT_EQ(saved, Contents(path_));
 }
 
-TEST(TarnFileTest, RefusesBrokenTexts) {
-  const std::string place = " (" + kPath + ", line 13)";
+TEST_F(TarnFileTest, RefusesBrokenTexts) {
+  const std::string place = " (" + path_ + ", line 13)";
   const std::string loader = " Bad Format NetworkFiler::LoadNetwork";
   const std::string misfit = "Layers and connections are not those of a TARN" + loader;
   const struct {
@@ -52,7 +59,7 @@ TEST(TarnFileTest, RefusesBrokenTexts) {
       {"[Input=1 MF=3 ]", "[Input=1 Mf ]", "invalid tag in membership2" + place},
       {"[Input=1 ", "[Input=5 ", "Assertion failed: i<numnodes, file FileHandler/SaveTarn"},
       {"[Input=1 ", "[Input=-1 ", "Assertion failed: i>=0, file FileHandler/SaveTarn"},
-      {"[Input=0 ", "[Input=1 ", "repeated Input (" + kPath + ", line 14)"},
+      {"[Input=0 ", "[Input=1 ", "repeated Input (" + path_ + ", line 14)"},
       {"[Input=0 ", "[Input=2 ", "Assertion failed: NdxMF >= 2, file Tarn/TConditionLayer"},
       {"MF=3 ]", "MF=-3 ]", "MF = -3 is out of range" + place},
       {"MF=3 ]", "MF=99999999999 ]", "the inputs have 2147483649 membership functions but"},
@@ -72,12 +79,12 @@ TEST(TarnFileTest, RefusesBrokenTexts) {
   }
 }
 
-TEST(TarnFileTest, RefusesTruncatedFiles) {
+TEST_F(TarnFileTest, RefusesTruncatedFiles) {
   const std::string text = GoodText();
   Read(text);
   for (std::size_t size = text.rfind(']'); size-- > 0;) {
-    std::filesystem::resize_file(kPath, size);
-    EXPECT_NE("none", Failure([&] { NetworkFiler::LoadNetwork(kPath); })) << size;
+    std::filesystem::resize_file(path_, size);
+    EXPECT_NE("none", Failure([&] { NetworkFiler::LoadNetwork(path_); })) << size;
   }
 }
 
