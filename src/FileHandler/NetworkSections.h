@@ -28,7 +28,7 @@ struct NetworkHeader {
   std::string_view kind;  // a view into the reader's text
   int layers = 0;
   std::size_t input_layer = 1;
-  std::size_t output_layer = 0;  // may be beyond the last layer
+  std::size_t output_layer = 0;        // may be beyond the last layer
   std::optional<std::int64_t> inputs;  // demanded of the input layer where the file has them
   std::optional<std::int64_t> outputs;
 };
