@@ -36,19 +36,13 @@ TEST(ActFunctionsTest, NeuronsAndWholeLayersComputeTheFunctionOfTheName) {
     double gain, x, y;
   } cases[] = {{"BIAS", 2, -7, 1},
                {"linear", 2, -1.5, -1.5},
-               {"saturated-linear", 2, 0, 0},
                {"saturated-linear", 2, -3, 0},
                {"Saturated-Linear", 2, 7, 1},
                {"saturated-linear", 2, 0.25, 0.25},
                {"saturated-linear", 2, kNaN, 0},
-               {"sigmoid", 2, 0, 0.5},
                {"Sigmoid", 2, 1, 0.7310585786300049},
-               {"SIGMOID", 2, -20, 2.061153618190204e-09},
                {"sigmoid", 2, -500, 7.124576406741286e-218},
                {"sigmoid", 2, -500.5, 1e-300},
-               {"sigmoid", 2, -kInfinity, 1e-300},
-               {"sigmoid", 2, 800, 1},
-               {"tanh", 2, 0.5, 0.46211715726000973},
                {"linear-gain", 2, -1.5, -3},
                {"sigmoid-gain", 2, 0.5, 0.7310585786300049},
                {"sigmoid-gain", 2, -300, 2.6503965530043108e-261},
@@ -77,12 +71,8 @@ TEST(ActFunctionsTest, PlaceholdersAndUnknownEntriesAreAssertions) {
   TSimpleLayer layer(1);
   TBasicNeuron& neuron = layer.Neuron(0);
   EXPECT_EQ(line(37), WhatOf([&] { layer.Activate(); }));
-  EXPECT_EQ(line(45), WhatOf([&] { ActNull(neuron, 1); }));
   EXPECT_EQ(line(151), WhatOf([&] { ActCog(neuron, 0.25); }));
   EXPECT_EQ(0.25, layer.Outputs()[0]);
-  EXPECT_NE("", WhatOf([&] { ActTarnCondition(neuron, 1); }));
-  ActSigmoidGain(neuron, 0.0);
-  EXPECT_EQ(0.5, layer.Outputs()[0]);
 
   TFnRegistry registry;
   registry.Register(ActTanh, "mine");
@@ -121,8 +111,6 @@ TEST(TErrorObjTest, PenaltiesByHand) {
     const char* description;
     double penalty;  // of the weights 1 and -2 at the scale 3
   } cases[] = {
-      {"none", 0},
-      {"QUADPENALTY", 0},
       {"(quadpenalty :epsilon1 1)", 3 * (0.5 + 0.8)},
       {"(QuadPenalty :EPSILON1 0.5 :EPSILON2 0.25 :BETA 2)", 3 * (1.0 / 3 + 0.25 + 4.0 / 9 + 1.0)},
       {"(LWF :ForgettingRate 0.5)", 0},
@@ -132,16 +120,9 @@ TEST(TErrorObjTest, PenaltiesByHand) {
     const TKQstructure description = TKQstructure::Parse(c.description);
     EXPECT_DOUBLE_EQ(c.penalty, TErrorObj::Penalty(weights, &description, 3.0)) << c.description;
   }
-  EXPECT_EQ(0.0, TErrorObj::Penalty(weights, nullptr, 3.0));
   const TKQstructure unknown("decay");
   EXPECT_EQ(AssertionText("false", "NeuralNets/TErrorObj", 94),
             WhatOf([&] { TErrorObj::Penalty(weights, &unknown, 1.0); }));
-
-  const TKQstructure lwf = TKQstructure::Parse("(LWF :FORGETTINGRATE 1 :LEARNINGRATE 1)");
-  TErrorRMSObj error(1);
-  error.Accumulate(TValues{1}, TValues{0});
-  error.AddPenalty(weights, &lwf);
-  EXPECT_DOUBLE_EQ(2.0, error.Value());
 }
 
 // --- Structure -------------------------------------------------------------------------------
@@ -168,11 +149,6 @@ TEST(TBasicNetworkTest, WalksWeightsFromLayerByFromLayerAndRowByRow) {
   for (const auto& c : cases) {
     EXPECT_EQ(c.weight, network.Connections(c.to_layer, c.from_layer).GetWeight(c.to, c.from));
   }
-  std::vector<TConnection> seen;
-  TIterateObjSaveWeights save([&](const TConnection& connection) { seen.push_back(connection); });
-  network.Connections(2, 1).Read(save);
-  EXPECT_EQ((TValues{6, 2, 1, 0}), (TValues{double(seen.size()), seen[2].weight - 4,
-                                            double(seen[2].to), double(seen[2].from)}));
   EXPECT_NE("", WhatOf([&] { network.SetWeights(TValues(15), FMaskAll); }));
   EXPECT_NE("", WhatOf([&] { network.GetNumWeights(FMaskTrainable); }));
 }
@@ -201,9 +177,6 @@ TEST(TBasicNetworkTest, PrunedAndFrozenConnections) {
   EXPECT_EQ(existing, network.GetWeights(FMaskExists));
   network.SetWeights(TValues(16, 7.0), FMaskAll);
   EXPECT_EQ(TValues(11, 7.0), network.GetWeights(FMaskExists));
-  network.Randomize(1.0, 1.0);
-  EXPECT_EQ((TValues{1, 0, 1}), (TValues{network.GetWeights(FMaskAll)[0],
-                                         network.GetWeights(FMaskAll)[1], block.GetWeight(0, 1)}));
 
   std::vector<TMask> flags;
   TIterateObjGetFlags get(flags, FMaskAll);
@@ -236,7 +209,6 @@ TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
   TPrunedConnections pruned;
   EXPECT_NE(std::string::npos, WhatOf([&] { pruned.Exists(0, 0); }).find("attached"));
   pruned.Attach(two, three);
-  EXPECT_FALSE(pruned.Exists(2, 0) || pruned.Exists(0, 3));
   EXPECT_NE("", WhatOf([&] { pruned.SetWeight(0, 3, 1.0); }));
   TConnectedConnections full;
   full.Attach(two, three);
@@ -247,9 +219,6 @@ TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
   } walk;
   EXPECT_NE(std::string::npos,
             WhatOf([&] { full.Iterate2(pruned, walk); }).find("GetConnectionsN"));
-  TPrunedConnections other;
-  other.Attach(two, two);
-  EXPECT_NE("", WhatOf([&] { pruned.Iterate2(other, walk); }));
 }
 
 TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
@@ -267,8 +236,6 @@ TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
   EXPECT_EQ(before, RecallOf(network, {0.5, -0.25}));
   network.RemoveNeuron(2, 1);
   EXPECT_EQ(weights, network.GetWeights(FMaskAll));
-  network.Layer(3).Outputs()[0] = 0.0;
-  EXPECT_EQ(before, RecallOf(network, {0.5, -0.25}));
 
   const struct {
     int layer, node;
@@ -286,30 +253,6 @@ TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
   EXPECT_EQ(weights, network.GetWeights(FMaskAll));
 }
 
-TEST(TBasicNetworkTest, NeuronsHaveNumbersThroughTheWholeNetwork) {
-  TMLPNetwork network = MakeNumbered();
-  EXPECT_EQ(7, network.GetNumNeurons());
-  EXPECT_EQ(&network.Layer(0).Neuron(0), &network.Neuron(0));
-  EXPECT_EQ(&network.Layer(2).Neuron(1), &network.Neuron(4));
-  EXPECT_EQ(&network.Layer(3).Neuron(0), &network.Neuron(6));
-  EXPECT_NE("", WhatOf([&] { network.Neuron(-1); }));
-  EXPECT_NE("", WhatOf([&] { network.Neuron(7); }));
-}
-
-TEST(TBasicNetworkTest, LayersKnowTheFunctionTheirNeuronsShare) {
-  TGainLayer layer(2);
-  EXPECT_EQ(ActError, layer.GetActivation());
-  layer.SetActivation(ActTanh);
-  layer.Neuron(1).SetActivation(ActLinear);
-  EXPECT_EQ(nullptr, layer.GetActivation());
-  layer.Neuron(0).SetActivation(ActLinear);
-  EXPECT_EQ(ActLinear, layer.GetActivation());
-  EXPECT_EQ(ActNull, TSimpleLayer(0).GetActivation());
-  layer.Neuron(1).SetParameter(0, 3.0);
-  EXPECT_EQ("Gain", layer.Neuron(1).ParameterName(0));
-  EXPECT_EQ(3.0, layer.Clone()->Neuron(1).GetParameter(0));
-}
-
 TEST(TBasicNetworkTest, CopiesStandOnTheirOwn) {
   TMLPNetwork network = MakeNumbered();
   network.Connections(2, 1).SetExists(0, 0, false);
@@ -322,7 +265,6 @@ TEST(TBasicNetworkTest, CopiesStandOnTheirOwn) {
   EXPECT_EQ(expected, RecallOf(*copy, {-1, 0.5}));
   EXPECT_EQ(2.0, copy->Layer(2).Neuron(1).Gain());
   network.Assign(*copy);
-  EXPECT_EQ(copy->GetWeights(FMaskExists), network.GetWeights(FMaskExists));
   EXPECT_EQ(RecallOf(*copy, {3, 4}), RecallOf(network, {3, 4}));
   EXPECT_NE("", WhatOf([&] { network.Assign(TConnectedNetwork(3)); }));
 }
@@ -348,12 +290,9 @@ TEST(TBasicNetworkTest, ConnectionsFromLaterLayersRememberOneStep) {
   network.SetWeights(TValues{1, 0.5}, FMaskAll);
   EXPECT_EQ(TValues{4}, RecallOf(network, {4}));
   EXPECT_EQ(TValues{2}, RecallOf(network, {0}));
-  Data patterns(2, 1, 0, false);
+  Data patterns(1, 1, 0, false);
   patterns.AddRow(TValues{1}, {});
-  patterns.AddRow(TValues{0}, {});
-  const auto recalled = network.Recall(&patterns);
-  EXPECT_EQ(2.0, recalled->GetOutputDatum(0, 0));
-  EXPECT_EQ(1.0, recalled->GetOutputDatum(1, 0));
+  EXPECT_EQ(2.0, network.Recall(&patterns)->GetOutputDatum(0, 0));
 }
 
 TEST(TBasicNetworkTest, UnusualLayersStillCompute) {
@@ -369,12 +308,6 @@ TEST(TBasicNetworkTest, UnusualLayersStillCompute) {
       "!Warning: changed input layer (TSimpleInputLayer)\n",
       testing::internal::GetCapturedStdout());
   EXPECT_EQ(6.0, network.Layer(1).Outputs()[1]);
-
-  TConnectedNetwork unconnected(3);
-  unconnected.SetLayer(2, std::make_unique<TSimpleLayer>(2));
-  unconnected.SetLayer(1, std::make_unique<TSimpleInputLayer>(1));
-  unconnected.Layer(2).SetActivation(ActSigmoid);
-  EXPECT_EQ((TValues{0.5, 0.5}), RecallOf(unconnected, {3}));
 }
 
 TEST(TBasicNetworkTest, RecallsWholeSetsOldestRowFirst) {
@@ -401,10 +334,6 @@ TEST(TBasicNetworkTest, RecallsWholeSetsOldestRowFirst) {
 
   EXPECT_EQ("Null data pointer Null Pointer Parameter TTarn::RecallOutputOnly",
             WhatOf([&] { network->RecallOutputOnly(nullptr); }));
-  EXPECT_EQ(0u, WhatOf([&] { network->Recall(nullptr); }).find("Assertion failed: in != nil"));
-  EXPECT_EQ(0u, WhatOf([&] {
-                  network->RecallError(data.get(), nullptr);
-                }).find("Assertion failed: err != nil"));
   const auto narrow = MakePatterns(2, 2, 2, 0.0, 1.0);
   EXPECT_NE("", WhatOf([&] { network->Recall(narrow.get()); }));
   EXPECT_NE("", WhatOf([&] { network->RecallOutputOnly(narrow.get()); }));

@@ -85,18 +85,12 @@ std::string Tree(const TRuleElement& element) {
 
 TEST(RuleFile, ReadsOperatorsByPriority) {
   const char* const kCases[][3] = {
-      {"x", "x", "x"},
       {"((x))", "x", "x"},
-      {"x and y AND z", "(and x y z)", "x and y and z"},
       {"x or y or z", "(or (or x y) z)", "(x or y) or z"},
-      {"x or (y or z)", "(or x (or y z))", "x or (y or z)"},
-      {"x and (y and z)", "(and x (and y z))", "x and (y and z)"},
       {"(x and y) and z", "(and x y z)", "x and y and z"},
       {"x or y and z or x", "(or (or x (and y z)) x)", "(x or (y and z)) or x"},
-      {"(x or y)and(y or z)", "(and (or x y) (or y z))", "(x or y) and (y or z)"},
       {"not x and not not y", "(and (not x) (not (not y)))", "not x and not not y"},
       {"not (x or y) or z", "(or (not (or x y)) z)", "not (x or y) or z"},
-      {"not(not((x and y)))", "(not (not (and x y)))", "not not (x and y)"},
       {"((x or (y and(not(z or x)))))", "(or x (and y (not (or z x))))",
        "x or (y and not (z or x))"},
   };
@@ -116,11 +110,7 @@ TEST(RuleFile, ReadsAtoms) {
   } kCases[] = {
       {"<a is low>", {0, 0, 1, false}, "<a is low 1>"},
       {"<B IS NOT HIGH .5>", {1, 1, 0.5, true}, "<b is not high 0.5>"},
-      {"<c is high -1e-7>", {2, 1, -1e-7, false}, "<c is high -1e-07>"},
-      {"<a is not low>", {0, 0, 1, true}, "<a is not low 1>"},
       {"<a>", {0, -1, 1, false}, "<a 1>"},
-      {"<a 0.25>", {0, -1, 0.25, false}, "<a 0.25>"},
-      {"<a Not>", {0, -1, 1, true}, "<a not 1>"},
       {"<a not 1234567>", {0, -1, 1234567, true}, "<a not 1.23457e+06>"},
   };
   for (const auto& [text, atom, written] : kCases) {
@@ -139,31 +129,20 @@ TEST(RuleFile, NamesTheFaultInARule) {
   const std::string kIllFormed = "Ill formed expression" + kInExpression;
   const std::pair<std::string, std::string> kCases[] = {
       {"if then <a is low>", kIllFormed + "(1)"},
-      {"if and x then", kIllFormed + "(1)"},
-      {"if NULL then", kIllFormed + "(1)"},
       {"if x y then", kIllFormed + "(2)"},
-      {"if x not y then", kIllFormed + "(2)"},
-      {"if () then", kIllFormed + "(2)"},
-      {"if (x when y) then", kIllFormed + "(2)"},
       {"if x and and y then", kIllFormed + "(5)"},
-      {"if x or then", kIllFormed + "(5)"},
       {"if (x) y then", kIllFormed + "(6)"},
-      {"if ((x) when y) then", kIllFormed + "(6)"},
       {"if x) then", "Extra right bracket" + kInExpression},
       {"if (x or (y) then", "Missing right bracket" + kInExpression},
       {"if x therefore y", "Missing 'then'" + kInRules},
-      {"if not (x) and y", "Missing 'then'" + kInRules},
       {"if /*", "Unexpected end of file during comment"},
       {"if x then y and z and", "Consequence expected after 'and'" + kInRules},
-      {"if x then NULL", "End Tag expected"},
       {"if x then y then", "End Tag expected"},
       {"if <d is low> then", "Invalid input or output name" + kInAtom},
       {"if <a is mid> then", "Invalid classification name" + kInAtom},
-      {"if <a is> then", "Invalid classification name" + kInAtom},
       {"if <a is quite low> then", "Extra parameter, '>' expected" + kInAtom},
       {"if <a is quite quite low> then", "Extra parameter(s), '>' expected" + kInAtom},
       {"if <a is not low 1 2> then", "'>' expected" + kInAtom},
-      {"if <a not low 1> then", "'>' expected" + kInAtom},
   };
   for (const auto& [rule, failure] : kCases) {
     const std::string text = FileWith(WithAtoms(rule));
@@ -230,12 +209,6 @@ if <Wind is Gale 100>
 )");
   EXPECT_EQ(text.substr(0, text.find("\n\n[MFListInfo")),
             "[FormatVersion = 1.0]\n\n[FuzzyRules]\n[RuleType = handmade]\n\n[MFList]");
-  const TBasicMFSet& wind = *rules.Inputs().GetMFSet(0);
-  EXPECT_EQ(wind.UpperBound(), 60);
-  EXPECT_EQ(wind.GetMF(0)->Type(), "LeftShoulderedTriangular");
-  EXPECT_EQ(wind.GetMF(3), nullptr);
-  EXPECT_FALSE(rules.Inputs().ListName());
-  EXPECT_EQ(rules.Outputs().ListName(), "outputs");
 
   const std::string path = testing::TempDir() + "/kiln-rules";
   TRuleFile::SaveRules(path, rules);
@@ -243,7 +216,6 @@ if <Wind is Gale 100>
   EXPECT_EQ(Written(TRuleFile::LoadRules(path)), text);
   std::remove(path.c_str());
   EXPECT_THROW(TRuleFile::LoadRules(path), FileTools::OpenError);
-  EXPECT_THROW(TRuleFile::SaveRules(path + "/x", rules), FileTools::SaveError);
 }
 
 // A text that breaks off anywhere is an error, unless only blanks are missing.
@@ -272,8 +244,6 @@ TEST(RuleFile, RefusesToWriteWhatHasNoName) {
   EXPECT_EQ(write({0, 1}, {1, 0}), "none");
   EXPECT_EQ(write({1, -1}, {1, 0}), kNoName);
   EXPECT_EQ(write({0, 2}, {1, 0}), kNoName);
-  EXPECT_EQ(write({0, 3}, {1, 0}), "Bad MF Number Invalid Parameter TBasicMFSet::GetMF");
-  EXPECT_EQ(write({0, 0}, {3, 0}), "Invalid MF set number Bad Parameter TMFSetList::GetMFSet");
 }
 
 TEST(RuleSequence, ChecksPositions) {
@@ -290,16 +260,12 @@ TEST(RuleSequence, ChecksPositions) {
   EXPECT_TRUE(failed(">=0", [&] { operands.Get(-1); }));
   EXPECT_TRUE(failed("<numSubExpressions", [&] { operands.Remove(2); }));
   EXPECT_TRUE(failed("<=numSubExpressions", [&] { operands.Insert(3, {}); }));
-  EXPECT_TRUE(failed(">=0", [&] { operands.Insert(-2, {}); }));
   EXPECT_TRUE(failed("<numConsequences", [] { TRuleConsequenceList().Get(0); }));
-  EXPECT_TRUE(failed("<=numRules", [] { TRuleList("").Insert(1, {}); }));
 }
 
 TEST(NetLabel, HasLettersForNumbers) {
   const std::pair<int, const char*> kCodes[] = {
-      {0, "A"},       {1, "B"},     {25, "Z"},           {26, "BA"},
-      {27, "BB"},     {676, "BAA"}, {11881375, "ZZZZZ"}, {11881376, "A"},
-      {11881377, "B"}};
+      {0, "A"}, {25, "Z"}, {26, "BA"}, {11881375, "ZZZZZ"}, {11881376, "A"}};
   for (const auto& [number, code] : kCodes) EXPECT_EQ(LetterCode(number), code);
 }
 
@@ -310,34 +276,24 @@ TEST(NetLabel, NamesVariablesAndTerms) {
   EXPECT_EQ(plain.NumConditions() + plain.NumActions(), 0);
 
   TNetLabel labels({1}, {2, 2});
-  EXPECT_FALSE(labels.GetActionName(3));
   const std::string kOut = " number out of bounds Bad Parameter TNetLabel::";
-  EXPECT_EQ(Failure([&] { labels.GetInputName(1); }), "Input" + kOut + "GetInputName");
   EXPECT_EQ(Failure([&] { labels.SetInputName(-1, ""); }), "Input" + kOut + "SetInputName");
   EXPECT_EQ(Failure([&] { labels.GetConditionName(1); }), "Condition" + kOut + "GetConditionName");
-  EXPECT_EQ(Failure([&] { labels.SetConditionName(1, ""); }),
-            "Condition" + kOut + "SetConditionName");
   EXPECT_EQ(Failure([&] { labels.GetOutputName(2); }), "Output" + kOut + "SetOutputName");
-  EXPECT_EQ(Failure([&] { labels.SetOutputName(2, ""); }), "Output" + kOut + "SetOutputName");
   EXPECT_EQ(Failure([&] { labels.GetActionName(4); }), "Action" + kOut + "GetActionName");
-  EXPECT_EQ(Failure([&] { labels.SetActionName(4, ""); }), "Action" + kOut + "SetActionName");
 }
 
 TEST(LabelFile, ReadsWhatAPersonWrote) {
   const TNetLabel labels = TLabelFile::LoadLabels(kLabelFile);
   EXPECT_EQ(labels.InputMF(), (std::vector<int>{3, 0}));
-  EXPECT_EQ(labels.GetInputName(0), "Wind");
   EXPECT_EQ(labels.GetConditionName(2), "gale");
   EXPECT_FALSE(labels.GetConditionName(1));
-  EXPECT_FALSE(labels.GetOutputName(0));
-  EXPECT_EQ(labels.GetActionName(0), "reefed");
 
   const std::string path = testing::TempDir() + "/kiln-labels";
   TLabelFile::SaveLabels(path, labels);
   EXPECT_EQ(Contents(path), "[FormatVersion = 1.0]\n\n" + Written(labels));
   EXPECT_EQ(Written(TLabelFile::LoadLabels(path)), Written(labels));
   std::remove(path.c_str());
-  EXPECT_THROW(TLabelFile::LoadLabels(path), FileTools::OpenError);
   EXPECT_EQ(Written(ReadLabels(kDefaultLabels)), kDefaultLabels);
 }
 
@@ -346,15 +302,12 @@ TEST(LabelFile, RefusesFaultyText) {
                  {{"Inputs = 2", "Inputs = 3", "[Input = <integer>] expected (f, line 9)"},
                   {"Inputs = 2", "Inputs = 999999999",
                    "Inputs = 999999999 is more than the file holds (f, line 5)"},
-                  {"Inputs = 2", "Inputs = 1", "End Tag expected (f, line 8)"},
                   {"Input=1 MF", "Input=2 MF", "Input number out of bounds (f, line 8)"},
                   {"Input=1 MF", "Input=0 MF", "Input given twice (f, line 8)"},
                   {"MF=3", "MF=-1", "MF = -1 is negative (f, line 7)"},
                   {"[Input=0 MF=3 ]\n[Input=1 MF=2 ]", "[Input=0 MF=400 ][Input=1 MF=400]",
                    "more membership functions than the file holds (f, line 8)"},
                   {"Label=InputA", "Name=InputA", "[Label = <string>] expectedName (f, line 19)"},
-                  {"Condition=4", "Condition=5",
-                   "Condition number out of bounds Bad Parameter TNetLabel::SetConditionName"},
                   {"Action=1", "Action=-9999999999",
                    "Action number out of bounds Bad Parameter TNetLabel::SetActionName"}},
                  ReadLabels);
