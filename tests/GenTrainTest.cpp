@@ -6,6 +6,7 @@
 
 #include "Bramble/Status.h"
 #include "GA-Apps/GenTrain/TMLPGA.h"
+#include "GA-Apps/GenTrain/TTarnGA.h"
 #include "Networks.h"
 #include "NeuralNets/TErrorObj.h"
 #include "Shared/TAssertion.h"
@@ -79,22 +80,29 @@ TEST_F(GeneticTraining, PutsTheNetworkOnceIntoItsPopulation) {
 }
 
 TEST_F(GeneticTraining, NeverLosesItsBest) {
-  TMLPGA trainer(network, kBounds, 30);
-  const auto weights = WeightsOf(*network);
-  for (const int selection : {kRouletteSelection, kTournamentSelection}) {
-    for (const int crossover : {-1, 0, 1, 2, 7, 1000}) {
-      network->SetWeights(weights, FMaskAll);
-      const double result = Train(trainer, {60, 0.0F, 1, crossover, 0.02F, selection});
-      EXPECT_EQ(errors.size(), 60U);
-      EXPECT_TRUE(std::ranges::is_sorted(errors, std::greater<>())) << selection << crossover;
-      EXPECT_LT(errors.back(), errors.front());
-      EXPECT_EQ(result, errors.back());
-      EXPECT_EQ(result, RecallErrorOf(*network, *set));
+  const auto tarn = std::make_shared<TTarn>(TSizes{5, 3}, 3, TSizes{4, 2});
+  TMLPGA perceptron_trainer(network, kBounds, 30);
+  TTarnGA tarn_trainer(tarn, kBounds, 30);
+  for (TGenTrain* trainer :
+       {static_cast<TGenTrain*>(&perceptron_trainer), static_cast<TGenTrain*>(&tarn_trainer)}) {
+    TBasicNetwork& trained =
+        trainer == &tarn_trainer ? static_cast<TBasicNetwork&>(*tarn) : *network;
+    const auto weights = WeightsOf(trained);
+    for (const int selection : {kRouletteSelection, kTournamentSelection}) {
+      for (const int crossover : {-1, 0, 1, 2, 7, 1000}) {
+        trained.SetWeights(weights, FMaskAll);
+        const double result = Train(*trainer, {60, 0.0F, 1, crossover, 0.02F, selection});
+        EXPECT_EQ(errors.size(), 60U);
+        EXPECT_TRUE(std::ranges::is_sorted(errors, std::greater<>())) << selection << crossover;
+        EXPECT_LT(errors.back(), errors.front());
+        EXPECT_EQ(result, errors.back());
+        EXPECT_EQ(result, RecallErrorOf(trained, *set));
+      }
     }
+    // Another run starts from the trained network, and so does no worse.
+    const double reached = errors.back();
+    EXPECT_LE(Train(*trainer, {2, 0.0F}), reached);
   }
-  // Another run starts from the trained network, and so does no worse.
-  const double reached = errors.back();
-  EXPECT_LE(Train(trainer, {2, 0.0F}), reached);
 }
 
 TEST_F(GeneticTraining, WritesTheBestGenesWhereWeightsAreTrained) {
@@ -209,6 +217,112 @@ TEST_F(GeneticTraining, ChecksWhatItIsMadeFrom) {
   EXPECT_THROW(make(0.0F, 1.0F, TGenTrain::kMaxPopulation + 1)(), TException);
   const auto large = std::make_shared<TMLPNetwork>(TSizes{20, 20}, false);
   EXPECT_THROW(TMLPGA(large, kBounds, TGenTrain::kMaxPopulation), TException);
+}
+
+// --- Tarns -----------------------------------------------------------------------------------
+
+TEST(GeneticRepair, OrdersGroupsByThePlacesOfItsPasses) {
+  const struct {
+    TSizes groups;
+    std::vector<float> before;
+    std::vector<float> after;
+  } cases[] = {
+      {{3}, {.9F, .1F, .5F}, {.1F, .5F, .9F}},
+      {{4}, {.4F, .3F, .2F, .1F}, {.1F, .2F, .3F, .4F}},
+      {{4}, {.1F, .2F, .4F, .3F}, {.1F, .2F, .4F, .3F}},
+      {{5}, {.1F, .5F, .4F, .3F, .2F}, {.1F, .2F, .4F, .3F, .5F}},
+      {{2, 3}, {.2F, .1F, .5F, .4F, .3F}, {.1F, .2F, .3F, .4F, .5F}},
+      // The group behind one of five begins a place late; at the end of a side it is cut short.
+      {{5, 2}, {.5F, .4F, .3F, .2F, .1F, .9F, .8F}, {.1F, .2F, .3F, .4F, .5F, .9F, .8F}},
+      {{5, 2, 2},
+       {.5F, .4F, .3F, .2F, .1F, .9F, .8F, .7F, .6F},
+       {.1F, .2F, .3F, .4F, .5F, .9F, .7F, .8F, .6F}},
+      // The passes of eight end at 21, where there are no centres any more.
+      {{8, 2}, {8, 7, 6, 5, 4, 3, 2, 1, .9F, .8F}, {1, 2, 6, 3, 4, 5, 7, 8, .9F, .8F}},
+  };
+  for (const auto& [groups, before, after] : cases) {
+    TTarn tarn(groups, 1, groups);
+    TTarnGAEval evaluator(tarn, kBounds);
+    const auto both_sides = [&](const std::vector<float>& centres) {
+      std::vector<GeneValue> genes;
+      for (const float centre : centres) genes.push_back(GeneValue::OfReal(centre));
+      const std::vector<GeneValue> side = genes;
+      genes.insert(genes.end(), 2 * centres.size(), GeneValue::OfReal(-1.0F));  // of the one rule
+      genes.insert(genes.end(), side.begin(), side.end());
+      return genes;
+    };
+    std::vector<GeneValue> genes = both_sides(before);
+    EXPECT_TRUE(evaluator.Repair(genes));
+    EXPECT_EQ(genes, both_sides(after)) << testing::PrintToString(before);
+  }
+}
+
+TEST(GeneticRepair, PassesOverFrozenCentres) {
+  TTarn tarn(TSizes{4}, 1, TSizes{2});
+  tarn.FreezeWeight(1, 0, 1);
+  TTarnGAEval evaluator(tarn, kBounds);
+  std::vector<GeneValue> genes(4 + 4 + 2 + 2);
+  const float before[] = {.9F, .1F, .3F, .2F};
+  for (std::size_t i = 0; i < 4; ++i) genes[i] = GeneValue::OfReal(before[i]);
+  EXPECT_TRUE(evaluator.Repair(genes));
+  const float after[] = {.2F, .1F, .3F, .9F};
+  for (std::size_t i = 0; i < 4; ++i) EXPECT_EQ(genes[i].Real(), after[i]) << i;
+}
+
+TEST_F(GeneticTraining, DrawsCentresFromZeroToOneAndRulesFromTheBounds) {
+  const auto tarn = std::make_shared<TTarn>(TSizes{5, 4}, 3, TSizes{4, 5});
+  TTarnGA trainer(tarn, {-3.0F, -2.0F}, 50);
+  trainer.Initialise();
+  const Population& population = trainer.Driver()->Current();
+  for (const Individual& individual : population.Individuals().first(49)) {
+    const auto genes = individual.Genes().Values();
+    ASSERT_EQ(genes.size(), 9U + 27U + 27U + 9U);
+    for (std::size_t i = 0; i < genes.size(); ++i) {
+      const bool is_rule = i >= 9 && i < 63;
+      EXPECT_GE(genes[i].Real(), is_rule ? -3.0F : 0.0F) << i;
+      EXPECT_LE(genes[i].Real(), is_rule ? -2.0F : 1.0F) << i;
+    }
+  }
+}
+
+TEST_F(GeneticTraining, LeavesATarnThatRecallsWhateverItsCentresOrder) {
+  const auto tarn = std::make_shared<TTarn>(TSizes{5, 6}, 3, TSizes{4, 5});
+  tarn->InitWeights(-1.0, 1.0);
+  tarn->SetWeightValue(1, 0, 2, 0.3);
+  tarn->FreezeWeight(1, 0, 2);
+  tarn->SetWeightValue(4, 8, 1, 0.7);
+  tarn->FreezeWeight(4, 8, 1);
+  tarn->FreezeWeight(2, 3, 1);
+  const double rule = tarn->GetWeightValue(2, 3, 1);
+  TTarnGA trainer(tarn, kBounds, 20);
+  const auto far = MakePatterns(200, 2, 2, -0.5, 1.5);
+  for (int run = 0; run < 5; ++run) {
+    const double result = Train(trainer, {10, 0.0F, 1, -1, 0.2F});
+    EXPECT_EQ(result, RecallErrorOf(*tarn, *set));
+    for (const int layer : {1, 4}) {
+      for (const double centre : tarn->GetWeightLayer(layer)) {
+        EXPECT_GE(centre, 0.0);
+        EXPECT_LE(centre, 1.0);
+      }
+    }
+    EXPECT_NO_THROW(tarn->Recall(far.get()));
+  }
+  EXPECT_EQ(tarn->GetWeightValue(1, 0, 2), 0.3);
+  EXPECT_EQ(tarn->GetWeightValue(4, 8, 1), 0.7);
+  EXPECT_EQ(tarn->GetWeightValue(2, 3, 1), rule);
+}
+
+// The centre of an output's term beyond 1 makes networks fail to recall: the training fails too.
+TEST_F(GeneticTraining, GivesWeightsBackWhenRecallFails) {
+  const auto tarn = std::make_shared<TTarn>(TSizes{2, 2}, 2, TSizes{2, 2});
+  tarn->InitWeights(-1.0, 1.0);
+  for (const int from : {0, 1}) tarn->SetWeightValue(4, from, 0, 1.5);
+  const auto weights = WeightsOf(*tarn);
+  TTarnGA trainer(tarn, kBounds, 5);
+  testing::internal::CaptureStdout();
+  EXPECT_THROW(Train(trainer, {3, 0.0F}), TAssertion);
+  testing::internal::GetCapturedStdout();
+  EXPECT_EQ(WeightsOf(*tarn), weights);
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 
 #include "Bramble/Status.h"
 #include "GA-Apps/GenTrain/TMLPGA.h"
+#include "GA-Apps/GenTrain/TTarnGA.h"
 #include "Interpreter/Answers.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
@@ -69,8 +70,11 @@ int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {
   const WeightBounds bounds = {SingleBound(minimum, "minweight"),
                                SingleBound(maximum, "maxweight")};
   const std::size_t population = CheckedPopulation(asked_population);
-  if (tarn) NotYet("Genetic trainers of Tarn networks");
-  interpreter.Insert({alias, std::make_unique<TMLPGA>(perceptron, bounds, population)});
+  if (tarn) {
+    interpreter.Insert({alias, std::make_unique<TTarnGA>(tarn, bounds, population)});
+  } else {
+    interpreter.Insert({alias, std::make_unique<TMLPGA>(perceptron, bounds, population)});
+  }
   return kDone;
 }
 

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "GA-Apps/GenTrain/TMLPGA.h"
+#include "GA-Apps/GenTrain/TTarnGA.h"
 #include "Interpreter/Checks.h"
 #include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TKohonenNetwork.h"
@@ -26,6 +27,7 @@ std::shared_ptr<TTrainModule> AsGradientTrainer(const TRegistryNode& node) {
 }
 
 std::shared_ptr<TGenTrain> AsGeneticTrainer(const TRegistryNode& node) {
+  if (auto trainer = node.As<TTarnGA>()) return trainer;
   if (auto trainer = node.As<TMLPGA>()) return trainer;
   return nullptr;
 }

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <utility>
+
+#include "GA-Apps/GenTrain/TGenTrain.h"
+#include "GA-Apps/GenTrain/TTarnGAEval.h"
+#include "Tarn/TTarn.h"
+
+namespace kiln {
+
+// Genetic training of a Tarn.
+class TTarnGA : public TGenTrain {
+ public:
+  // Throws as TGenTrain does. REQUIRES: network->IsComplete().
+  TTarnGA(std::shared_ptr<TTarn> network, const WeightBounds& bounds, std::size_t population)
+      : TGenTrain(network, bounds, population), MbrPtrNetTarn(std::move(network)) {}
+
+ private:
+  std::unique_ptr<TGenTrainEval> MakeEvaluator() const override {
+    return std::make_unique<TTarnGAEval>(*MbrPtrNetTarn, Bounds());
+  }
+
+  std::shared_ptr<TTarn> MbrPtrNetTarn;
+};
+
+}  // namespace kiln

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "GA-Apps/GenTrain/TGenTrainEval.h"
+#include "Tarn/TTarn.h"
+
+namespace kiln {
+
+// Breeds Tarns. The genes are the weights of the weight layers 1 to 4, one after the other: first
+// the centres of the inputs' terms, last those of the outputs' terms, in groups of one variable
+// each; in between the weights of the rules. Centres lie in [0, 1], other weights within the
+// bounds.
+class TTarnGAEval : public TGenTrainEval {
+ public:
+  // REQUIRES: as for TGenTrainEval, and network.IsComplete().
+  TTarnGAEval(TTarn& network, const WeightBounds& bounds);
+
+  // Puts the centres of each variable in order, as far as an ordering goes that passes over more
+  // places from pass to pass: into the places 0, 1, 3, 6, 10, .. of a group of n centres, n - 1 in
+  // all, the smallest of those from there to the end of the group is swapped. So groups of two and
+  // three centres ascend, larger ones only in part. Where the last place lies beyond the end of a
+  // group, the next one begins there in place of behind it; centres that it then lacks are not made
+  // up for by other weights. Frozen centres stay where they are. Always true.
+  bool Repair(std::span<GeneValue> genes) override;
+
+ protected:
+  MetaGene DefinitionOf(std::size_t gene) const override;
+
+ private:
+  void OrderGroups(std::span<GeneValue> genes, std::size_t first, std::size_t end,
+                   std::span<const int> sizes) const;
+  void SwapSmallest(std::span<GeneValue> genes, std::size_t place, std::size_t end) const;
+
+  std::vector<int> MbrDyaIntInputGroups;  // centres of each variable
+  std::vector<int> MbrDyaIntOutputGroups;
+  std::size_t MbrNdxRules;          // genes before the first rule's weight
+  std::size_t MbrNdxOutputCentres;  // genes before the first centre of an output
+  MetaGene MbrMgnWeight;
+};
+
+}  // namespace kiln
