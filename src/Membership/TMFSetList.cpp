@@ -28,6 +28,12 @@ void TMFSetList::SetMFSet(int index, std::unique_ptr<TBasicMFSet> set) {
   sets_[CheckedIndex(index, "TMFSetList::SetMFSet")] = std::move(set);
 }
 
+std::vector<int> TMFSetList::MFCounts() const {
+  std::vector<int> counts;
+  for (const auto& set : sets_) counts.push_back(set ? set->NumberOfMF() : 0);
+  return counts;
+}
+
 int TMFSetList::FindMFSet(std::string_view name) const {
   for (int i = 0; i < Count(); ++i) {
     const TBasicMFSet* set = GetMFSet(i);

@@ -26,6 +26,9 @@ class TMFSetList {
   const TBasicMFSet* GetMFSet(int index) const;
   void SetMFSet(int index, std::unique_ptr<TBasicMFSet> set);
 
+  // The number of members of each set; 0 for an empty slot.
+  std::vector<int> MFCounts() const;
+
   // Index of the first set of that name, ignoring case; -1 when there is none.
   int FindMFSet(std::string_view name) const;
 
