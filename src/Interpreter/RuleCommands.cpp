@@ -1,28 +1,63 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "KQmessage/TKQstructure.h"
+#include "RuleObject/NetworkLabels.h"
+#include "Tarn/RuleExtraction/TNetRule.h"
 
 namespace kiln::commands {
 
+namespace {
+
+// How rules are to be read from a network.
+TKQstructure ExtractionParams(const CommandLine& line) {
+  TKQstructure params("Params");
+  for (const char* const threshold : {"ThresholdIn", "ThresholdOut"}) {
+    const Reading<double> reading = line.Double(threshold);
+    if (reading.code == ReadCode::kRead) params.SetDouble(threshold, reading.value);
+  }
+  const Reading<std::string_view> method = line.Word("method");
+  if (method.code == ReadCode::kRead) params.SetString("method", std::string(method.value));
+  return params;
+}
+
+// The labels that the line names; null where it names none.
+std::shared_ptr<const TNetLabel> NamedLabels(const TInterpreter& interpreter,
+                                             const CommandLine& line) {
+  const Reading<std::string_view> alias = line.Word("labels");
+  if (alias.code != ReadCode::kRead) return nullptr;
+  return RequiredKind<TNetLabel>(RequiredEntry(interpreter, alias.value), alias.value,
+                                 " is not of type TarnLabel");
+}
+
+}  // namespace
+
 int LabelTarn(TInterpreter& interpreter, const CommandLine& line) {
-  const std::string_view network = RequiredAlias(line, "network");
-  RequiredKind<TTarn>(RequiredEntry(interpreter, network), network, " is not of type Tarn");
-  RequiredNewAlias(interpreter, line, "labels");
-  NotYet("Labels");
+  const std::string_view name = RequiredAlias(line, "network");
+  const auto network =
+      RequiredKind<TTarn>(RequiredEntry(interpreter, name), name, " is not of type Tarn");
+  const std::string_view labels = RequiredNewAlias(interpreter, line, "labels");
+  interpreter.Insert({labels, std::make_unique<TNetLabel>(MakeDefaultLabels(*network))});
+  return kDone;
 }
 
 int RETarn(TInterpreter& interpreter, const CommandLine& line) {
-  const std::string_view network = RequiredAlias(line, "network");
-  RequiredKind<TTarn>(RequiredEntry(interpreter, network), network, " is not type Tarn");
-  RequiredNewAlias(interpreter, line, "rules");
-  NotYet("Fuzzy rules");
+  const std::string_view name = RequiredAlias(line, "network");
+  const auto network =
+      RequiredKind<TTarn>(RequiredEntry(interpreter, name), name, " is not type Tarn");
+  const std::string_view rules = RequiredNewAlias(interpreter, line, "rules");
+  const std::shared_ptr<const TNetLabel> labels = NamedLabels(interpreter, line);
+  interpreter.Insert({rules, std::make_unique<TFuzzyRuleSet>(TNetRule::RETarn(
+                                 *network, ExtractionParams(line), labels.get()))});
+  return kDone;
 }
 
 int RITarn(TInterpreter& interpreter, const CommandLine& line) {
-  const std::string_view rules = RequiredAlias(line, "rules");
-  RequiredKind<TFuzzyRuleSet>(RequiredEntry(interpreter, rules), rules,
-                              " is not of type FuzzyRules");
-  RequiredNewAlias(interpreter, line, "network");
-  NotYet("Tarn networks");
+  const std::string_view name = RequiredAlias(line, "rules");
+  const auto rules = RequiredKind<TFuzzyRuleSet>(RequiredEntry(interpreter, name), name,
+                                                 " is not of type FuzzyRules");
+  const std::string_view network = RequiredNewAlias(interpreter, line, "network");
+  interpreter.Insert({network, TNetRule::RITarn(*rules)});
+  return kDone;
 }
 
 }  // namespace kiln::commands
