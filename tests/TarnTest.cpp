@@ -161,6 +161,7 @@ TEST(TTarnTest, RefusesWhatIsNotThere) {
     EXPECT_EQ(message + " Bad Parameter TTarn::" + operation, WhatOf(action));
   }
   EXPECT_NE("", WhatOf([=] { t->AddNeuron(4, 0); }));
+  EXPECT_EQ(2u, tarn.Layer(4).NumNeurons());
   EXPECT_TRUE(tarn.WeightExists(1, 1, 2));
   EXPECT_TRUE(tarn.WeightExists(4, 1, 0));
   const int ends[] = {0, 2, 5, 4, 2};  // the neuron behind the last one may be asked for

@@ -13,11 +13,10 @@ namespace {
 // Each number as the nearest int.
 std::vector<int> ToInts(const std::vector<std::int64_t>& numbers) {
   using TLimits = std::numeric_limits<int>;
-  std::vector<int> ints;
-  for (const std::int64_t number : numbers) {
-    ints.push_back(static_cast<int>(
-        std::clamp(number, std::int64_t{TLimits::min()}, std::int64_t{TLimits::max()})));
-  }
+  std::vector<int> ints(numbers.size());
+  std::ranges::transform(numbers, ints.begin(), [](std::int64_t number) {
+    return static_cast<int>(std::clamp<std::int64_t>(number, TLimits::min(), TLimits::max()));
+  });
   return ints;
 }
 
