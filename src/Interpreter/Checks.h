@@ -30,11 +30,6 @@ template <typename... TParts>
   throw CommandFailure(message);
 }
 
-// What a command answers whose objects the system cannot make yet.
-[[noreturn]] inline void NotYet(std::string_view objects) {
-  Fail(objects, " are not available yet");
-}
-
 // --- Arguments -------------------------------------------------------------------------------
 
 // An argument without which the command cannot go on.
