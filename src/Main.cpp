@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "Interpreter/LineReader.h"
 #include "Interpreter/TInterpreter.h"
+#include "Interpreter/TLineReader.h"
 #include "Shared/Text.h"
 
 namespace {
@@ -42,7 +42,7 @@ int main() {
   std::ios::sync_with_stdio(false);
   std::signal(SIGPIPE, SIG_IGN);  // a reader that goes away is a failed write, not our end
   kiln::TInterpreter interpreter;
-  kiln::LineReader input(std::cin, kLongestTypedLine);
+  kiln::TLineReader input(std::cin, kLongestTypedLine);
   std::string remembered;
   // The prompt is flushed, and every answer before it, so that a program can drive the console.
   while (std::cout << "Kiln>>" << std::flush && input.Next()) {

@@ -116,8 +116,8 @@ TEST(DataManipTest, RecombinesASampleOfEachClass) {
 
 TEST(DataManipTest, NormalisesEachSideByItsOwnBounds) {
   const auto ring = MakeRing(4, 7);  // rows 4 to 7
-  const ColumnBounds columns(TRow{6.0, 5.5}, TRow{4.5, 5.5});
-  const ColumnBounds global(1, -4.0, -8.0);
+  const TColumnBounds columns(TRow{6.0, 5.5}, TRow{4.5, 5.5});
+  const TColumnBounds global(1, -4.0, -8.0);
   const auto both = TDataManip::Normalise(ring.get(), columns, global);
   const auto back = TDataManip::Denormalise(both.get(), {}, global);
   const auto beyond = TDataManip::Denormalise(ring.get(), columns, {});

@@ -15,7 +15,7 @@
 namespace kiln {
 namespace {
 
-constexpr WeightBounds kBounds = {-5.0F, 5.0F};
+constexpr TWeightBounds kBounds = {-5.0F, 5.0F};
 
 double RecallErrorOf(const TBasicNetwork& network, const Data& set) {
   TErrorRMSObj error(network.NumOutputs());

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "DataObject/Data.h"
-#include "Interpreter/CommandLine.h"
+#include "Interpreter/TCommandLine.h"
 #include "Interpreter/TInterpreter.h"
 
 namespace kiln {
@@ -34,42 +34,42 @@ TEST(Registry, ReservesTheWordsThatCommandsSearchFor) {
     EXPECT_FALSE(TObjectRegistry::IsReserved(word)) << word;
 }
 
-TEST(CommandLine, FindsTagsAsWholeWordsFromTheLeft) {
-  EXPECT_EQ(CommandLine("create Data alias alias inputs 2").Word("alias").value, "alias");
-  EXPECT_EQ(CommandLine("x myalias a aliased b alias   c d").Word("alias").value, "c");
-  EXPECT_EQ(CommandLine("alias c").Word("alias").value, "c");
-  EXPECT_EQ(CommandLine("a rows 1 rows 2").Long("rows").value, 1);
+TEST(TCommandLine, FindsTagsAsWholeWordsFromTheLeft) {
+  EXPECT_EQ(TCommandLine("create Data alias alias inputs 2").Word("alias").value, "alias");
+  EXPECT_EQ(TCommandLine("x myalias a aliased b alias   c d").Word("alias").value, "c");
+  EXPECT_EQ(TCommandLine("alias c").Word("alias").value, "c");
+  EXPECT_EQ(TCommandLine("a rows 1 rows 2").Long("rows").value, 1);
   for (const char* line : {"", "x", "alias", "x Alias c", "x\talias c", "x alias", "x alias   "})
-    EXPECT_EQ(CommandLine(line).Word("alias").code, ReadCode::kTagAbsent) << line;
-  EXPECT_EQ(CommandLine("  two words").CommandWord(), "two");
-  EXPECT_EQ(CommandLine("a " + std::string(90, 'x')).Word("a").value.size(), 80U);
+    EXPECT_EQ(TCommandLine(line).Word("alias").code, TReadCode::kTagAbsent) << line;
+  EXPECT_EQ(TCommandLine("  two words").CommandWord(), "two");
+  EXPECT_EQ(TCommandLine("a " + std::string(90, 'x')).Word("a").value.size(), 80U);
 }
 
-TEST(CommandLine, ConvertsWithoutComplaint) {
-  EXPECT_EQ(CommandLine("n 12abc").Long("n").value, 12);
-  EXPECT_EQ(CommandLine("n abc").Long("n").value, 0);
-  EXPECT_EQ(CommandLine("n -99999999999999999999").Long("n").value, INT64_MIN);
-  EXPECT_DOUBLE_EQ(CommandLine("n +.5e1,").Double("n").value, 5.0);
-  EXPECT_TRUE(CommandLine("b ON").Boolean("b").value);
-  EXPECT_FALSE(CommandLine("b False").Boolean("b").value);
-  EXPECT_EQ(CommandLine("b yes").Boolean("b").code, ReadCode::kNotABoolean);
-  EXPECT_EQ(CommandLine("seed inputs seed 1x seed -7 seed 8").WholeNumber("seed"), -7);
-  EXPECT_FALSE(CommandLine("alias seed network seed").WholeNumber("seed"));
+TEST(TCommandLine, ConvertsWithoutComplaint) {
+  EXPECT_EQ(TCommandLine("n 12abc").Long("n").value, 12);
+  EXPECT_EQ(TCommandLine("n abc").Long("n").value, 0);
+  EXPECT_EQ(TCommandLine("n -99999999999999999999").Long("n").value, INT64_MIN);
+  EXPECT_DOUBLE_EQ(TCommandLine("n +.5e1,").Double("n").value, 5.0);
+  EXPECT_TRUE(TCommandLine("b ON").Boolean("b").value);
+  EXPECT_FALSE(TCommandLine("b False").Boolean("b").value);
+  EXPECT_EQ(TCommandLine("b yes").Boolean("b").code, TReadCode::kNotABoolean);
+  EXPECT_EQ(TCommandLine("seed inputs seed 1x seed -7 seed 8").WholeNumber("seed"), -7);
+  EXPECT_FALSE(TCommandLine("alias seed network seed").WholeNumber("seed"));
 }
 
-TEST(CommandLine, ReadsListsAndParentheses) {
-  const CommandLine line("f (a b) l { 1,x , 3} b {on, OFF } bad {on, 2} empty { } open {1");
+TEST(TCommandLine, ReadsListsAndParentheses) {
+  const TCommandLine line("f (a b) l { 1,x , 3} b {on, OFF } bad {on, 2} empty { } open {1");
   EXPECT_EQ(line.Parenthesised("f").value, "a b");
-  EXPECT_EQ(line.Parenthesised("l").code, ReadCode::kNoParentheses);
-  EXPECT_EQ(line.Parenthesised("F").code, ReadCode::kTagAbsent);
+  EXPECT_EQ(line.Parenthesised("l").code, TReadCode::kNoParentheses);
+  EXPECT_EQ(line.Parenthesised("F").code, TReadCode::kTagAbsent);
   EXPECT_EQ(line.Longs("l").value, (std::vector<std::int64_t>{1, 0, 3}));
   EXPECT_EQ(line.Words("l").value, (std::vector<std::string_view>{" 1", "x ", " 3"}));
   EXPECT_EQ(line.Booleans("b").value, (std::vector<bool>{true, false}));
-  EXPECT_EQ(line.Booleans("bad").code, ReadCode::kNotABoolean);
-  EXPECT_EQ(line.Doubles("empty").code, ReadCode::kRead);
+  EXPECT_EQ(line.Booleans("bad").code, TReadCode::kNotABoolean);
+  EXPECT_EQ(line.Doubles("empty").code, TReadCode::kRead);
   EXPECT_TRUE(line.Doubles("empty").value.empty());
-  EXPECT_EQ(line.Doubles("open").code, ReadCode::kTagAbsent);
-  EXPECT_EQ(CommandLine("l {" + std::string(300, '1') + "}").Words("l").value[0].size(), 254U);
+  EXPECT_EQ(line.Doubles("open").code, TReadCode::kTagAbsent);
+  EXPECT_EQ(TCommandLine("l {" + std::string(300, '1') + "}").Words("l").value[0].size(), 254U);
 }
 
 TEST(Interpreter, AnErrorLeavesTheCursorOfAWrappedSetWhereItWas) {

@@ -137,8 +137,8 @@ DataSets ReadRows(Reader& reader, const DataHeader& header) {
 }
 
 // What `read` gives, or nothing where the text is faulty.
-template <typename Read>
-std::optional<std::invoke_result_t<Read>> Attempt(Read read) {
+template <typename TRead>
+std::optional<std::invoke_result_t<TRead>> Attempt(TRead read) {
   try {
     return read();
   } catch (const FileTools::Error&) {

@@ -43,16 +43,16 @@ class ConnectionsReader {
   void Read();
 
  private:
-  enum class TColumn { kWeight, kTrainable };
+  enum class Column { kWeight, kTrainable };
 
   ParseItem ReadDescription();
   void SetDescription(const ParseItem& statement);
   void SkipAttributes(ParseItem item);
   void Connect(std::unique_ptr<TBasicConnections> block);
-  std::vector<TColumn> ReadColumns(ParseItem item);
+  std::vector<Column> ReadColumns(ParseItem item);
   void CheckRoom(std::size_t columns) const;
-  void ReadMatrix(const std::vector<TColumn>& columns);
-  Cell ReadCell(const std::vector<TColumn>& columns);
+  void ReadMatrix(const std::vector<Column>& columns);
+  Cell ReadCell(const std::vector<Column>& columns);
   void ReadWeightList();
   void ReadEntry(ParseItem item);
   void SetConnection(std::size_t to, std::size_t from, const Cell& cell);
@@ -73,7 +73,7 @@ void ConnectionsReader::Read() {
     FailLoad(reader_, "Connections already defined");
   }
   if (IsStartTag(section, "Matrix")) {
-    const std::vector<TColumn> columns = ReadColumns(section);
+    const std::vector<Column> columns = ReadColumns(section);
     CheckRoom(columns.size());
     Connect(std::move(block));
     ReadMatrix(columns);
@@ -148,22 +148,22 @@ void ConnectionsReader::SetConnection(std::size_t to, std::size_t from, const Ce
 // --- Matrix ----------------------------------------------------------------------------------
 
 // What each connection shows, in the order of its tokens. `item` opens the matrix.
-std::vector<ConnectionsReader::TColumn> ConnectionsReader::ReadColumns(ParseItem item) {
+std::vector<ConnectionsReader::Column> ConnectionsReader::ReadColumns(ParseItem item) {
   constexpr std::size_t kEnd = 10;
-  std::vector<TColumn> columns;
+  std::vector<Column> columns;
   while (item.unbracketed) {
     item = reader_.ReadUnbracketedItem("Matrix");
     if (item.kind != ParseItem::kStartTag) break;
     if (EqualNoCase(item.name, "Weights")) {
-      columns.push_back(TColumn::kWeight);
+      columns.push_back(Column::kWeight);
     } else if (EqualNoCase(item.name, "TrainableInfo")) {
-      columns.push_back(TColumn::kTrainable);
+      columns.push_back(Column::kTrainable);
     } else {
       FailLoad(reader_, "Unknown matric attribute");
     }
     Assert(columns.size() < kEnd, "wnum < 10", kModule);
   }
-  const bool has_weights = std::ranges::find(columns, TColumn::kWeight) != columns.end();
+  const bool has_weights = std::ranges::find(columns, Column::kWeight) != columns.end();
   if (item.kind != ParseItem::kStartTag || !has_weights) {
     FailLoad(reader_, "Keyword expected in matrix parameter");
   }
@@ -181,7 +181,7 @@ void ConnectionsReader::CheckRoom(std::size_t columns) const {
   }
 }
 
-void ConnectionsReader::ReadMatrix(const std::vector<TColumn>& columns) {
+void ConnectionsReader::ReadMatrix(const std::vector<Column>& columns) {
   for (std::size_t from = 0; from < block_->Columns(); ++from) {
     for (std::size_t to = 0; to < block_->Rows(); ++to) {
       SetConnection(to, from, ReadCell(columns));
@@ -190,13 +190,13 @@ void ConnectionsReader::ReadMatrix(const std::vector<TColumn>& columns) {
   ExpectEndTag(reader_.ReadItem("Matrix"), reader_);
 }
 
-Cell ConnectionsReader::ReadCell(const std::vector<TColumn>& columns) {
+Cell ConnectionsReader::ReadCell(const std::vector<Column>& columns) {
   Cell cell;
-  for (const TColumn column : columns) {
+  for (const Column column : columns) {
     const ParseItem item = reader_.ReadItem("Matrix");
     if (item.kind != ParseItem::kToken) FailLoad(reader_, "Token Expected");
     if (item.name == "-") continue;
-    if (column == TColumn::kWeight) {
+    if (column == Column::kWeight) {
       cell.weight = FileTools::ParseNumber(item.name, reader_);
     } else if (EqualNoCase(item.name, "T") || EqualNoCase(item.name, "F")) {
       cell.trainable = EqualNoCase(item.name, "T");

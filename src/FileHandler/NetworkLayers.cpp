@@ -32,7 +32,7 @@ class LayerReader {
 
  private:
   // One for each named parameter, in their order; none while the file has not told.
-  using TValues = std::vector<std::optional<double>>;
+  using Values = std::vector<std::optional<double>>;
 
   ParseItem ReadCommon();
   ParseItem ReadAll();
@@ -56,7 +56,7 @@ class LayerReader {
   TActFunction function_ = nullptr;     // the common one
   // The common values. What a line sets for its neuron holds for the neurons on later lines as
   // well.
-  TValues values_;
+  Values values_;
 };
 
 std::unique_ptr<TBasicLayer> LayerReader::Read() {

@@ -22,24 +22,24 @@ constexpr const char* kModule = "FileHandler/ParseTools";
 constexpr double kNewestVersion = 1.0;
 constexpr std::size_t kMaxStream = std::size_t{1} << 30;
 
-enum class TCharClass : unsigned char { kSeparator, kSpecial, kWord };
+enum class CharClass : unsigned char { kSeparator, kSpecial, kWord };
 
-constexpr std::array<TCharClass, 256> kCharClasses = [] {
-  std::array<TCharClass, 256> classes{};
-  for (std::size_t c = 33; c <= 126; ++c) classes[c] = TCharClass::kWord;
-  classes[','] = TCharClass::kSeparator;
+constexpr std::array<CharClass, 256> kCharClasses = [] {
+  std::array<CharClass, 256> classes{};
+  for (std::size_t c = 33; c <= 126; ++c) classes[c] = CharClass::kWord;
+  classes[','] = CharClass::kSeparator;
   for (const char c : {'[', ']', '/', '*', '=', '<', '>'}) {
-    classes[static_cast<unsigned char>(c)] = TCharClass::kSpecial;
+    classes[static_cast<unsigned char>(c)] = CharClass::kSpecial;
   }
   return classes;
 }();
 
-TCharClass ClassOf(char c) {
+CharClass ClassOf(char c) {
   return kCharClasses[static_cast<unsigned char>(c)];
 }
 
 bool IsWordCharacter(char c) {
-  return ClassOf(c) == TCharClass::kWord;
+  return ClassOf(c) == CharClass::kWord;
 }
 
 // The whole file. Files that do not tell their size, such as pipes, are read until they end, which
@@ -141,7 +141,7 @@ void Reader::SkipComment() {
 }
 
 void Reader::SkipSeparators() {
-  while (position_ < text_.size() && ClassOf(text_[position_]) == TCharClass::kSeparator) {
+  while (position_ < text_.size() && ClassOf(text_[position_]) == CharClass::kSeparator) {
     ++position_;
   }
 }

@@ -25,8 +25,8 @@ using FileTools::ParseItem;
 using FileTools::Reader;
 using FileTools::Writer;
 
-using TName = std::optional<std::string>;
-using TValues = std::vector<double>;
+using OptionalName = std::optional<std::string>;
+using Values = std::vector<double>;
 
 constexpr const char* kModule = "FileHandler/TFuzzyMFFiler";
 constexpr int kDecimals = 7;
@@ -34,16 +34,16 @@ constexpr std::string_view kEmptySlot = "Empty";
 
 // A kind of membership function: its parameters in the order in which files hold them, and the way
 // from a function to them and back.
-struct TMFKind {
+struct MFKind {
   std::string_view type;
   std::vector<std::string_view> parameters;
-  TValues (*values)(const TBasicMF& mf);
-  std::unique_ptr<TBasicMF> (*make)(TName name, const TValues& values);
+  Values (*values)(const TBasicMF& mf);
+  std::unique_ptr<TBasicMF> (*make)(OptionalName name, const Values& values);
 };
 
 // Makes a function of the class T from as many values as `I` counts.
 template <typename T, std::size_t... I>
-std::unique_ptr<TBasicMF> Make(TName name, const TValues& values) {
+std::unique_ptr<TBasicMF> Make(OptionalName name, const Values& values) {
   return std::make_unique<T>(std::move(name), values[I]...);
 }
 
@@ -52,31 +52,31 @@ const T& As(const TBasicMF& mf) {
   return dynamic_cast<const T&>(mf);
 }
 
-TValues LShoulderValues(const TBasicMF& mf) {
+Values LShoulderValues(const TBasicMF& mf) {
   const auto& shoulder = As<TLShoulderTriangularMF>(mf);
   return {shoulder.Centre(), shoulder.RightBound()};
 }
 
-TValues RShoulderValues(const TBasicMF& mf) {
+Values RShoulderValues(const TBasicMF& mf) {
   const auto& shoulder = As<TRShoulderTriangularMF>(mf);
   return {shoulder.LeftBound(), shoulder.Centre()};
 }
 
-TValues TriangleValues(const TBasicMF& mf) {
+Values TriangleValues(const TBasicMF& mf) {
   const auto& triangle = As<TTriangularMF>(mf);
   return {triangle.LeftBound(), triangle.Centre(), triangle.RightBound()};
 }
 
-TValues SingletonValues(const TBasicMF& mf) {
+Values SingletonValues(const TBasicMF& mf) {
   return {As<TSingletonMF>(mf).Centre()};
 }
 
-TValues RectangleValues(const TBasicMF& mf) {
+Values RectangleValues(const TBasicMF& mf) {
   const auto& rectangle = As<TRectangularMF>(mf);
   return {rectangle.LeftBound(), rectangle.RightBound()};
 }
 
-const TMFKind kKinds[] = {
+const MFKind kKinds[] = {
     {TLShoulderTriangularMF::kType,
      {"Centre", "RightBound"},
      LShoulderValues,
@@ -97,21 +97,21 @@ const TMFKind kKinds[] = {
 };
 
 // Null for an unknown type.
-const TMFKind* FindKind(std::string_view type) {
-  const auto* kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const TMFKind& known) {
+const MFKind* FindKind(std::string_view type) {
+  const auto* kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const MFKind& known) {
     return EqualNoCase(known.type, type);
   });
   return kind == std::end(kKinds) ? nullptr : kind;
 }
 
 // The line that sets and functions start with: "[Name=low Index=0 Type=Triangular ]".
-struct THeading {
-  TName name;
+struct Heading {
+  OptionalName name;
   int index = 0;
-  TName type;
+  OptionalName type;
 };
 
-void SaveHeading(Writer& out, const THeading& heading) {
+void SaveHeading(Writer& out, const Heading& heading) {
   out.OpenBracket();
   if (heading.name) out.WriteString("Name", *heading.name);
   out.WriteInteger("Index", heading.index);
@@ -119,8 +119,8 @@ void SaveHeading(Writer& out, const THeading& heading) {
   out.CloseBracket();
 }
 
-THeading ReadHeading(Reader& reader, std::string_view block) {
-  THeading heading;
+Heading ReadHeading(Reader& reader, std::string_view block) {
+  Heading heading;
   ParseItem item = reader.ReadItem(block);
   if (item.kind == ParseItem::kStatement && EqualNoCase(item.name, "Name")) {
     heading.name = item.value;
@@ -134,9 +134,9 @@ THeading ReadHeading(Reader& reader, std::string_view block) {
 }
 
 void SaveParameters(Writer& out, const TBasicMF& mf) {
-  const TMFKind* kind = FindKind(mf.Type());
+  const MFKind* kind = FindKind(mf.Type());
   if (!kind) AssertFalse(kModule);
-  const TValues values = kind->values(mf);
+  const Values values = kind->values(mf);
   const bool grouped = values.size() > 1;
   if (grouped) out.OpenBracket();
   for (std::size_t i = 0; i < values.size(); ++i) {
@@ -145,8 +145,8 @@ void SaveParameters(Writer& out, const TBasicMF& mf) {
   if (grouped) out.CloseBracket();
 }
 
-TValues ReadParameters(Reader& reader, const TMFKind& kind) {
-  TValues values;
+Values ReadParameters(Reader& reader, const MFKind& kind) {
+  Values values;
   for (const std::string_view parameter : kind.parameters) {
     const ParseItem item =
         values.empty() ? reader.ReadItem("MF") : reader.ReadUnbracketedItem("MF");
@@ -177,14 +177,14 @@ void SkipParameters(Reader& reader) {
 
 void ReadMF(Reader& reader, TBasicMFSet& set) {
   ExpectStartTag(reader.ReadItem("MFSet"), reader, "MF");
-  THeading heading = ReadHeading(reader, "MF");
+  Heading heading = ReadHeading(reader, "MF");
   if (!heading.type) reader.Fail("[Type = <string>] expected");
-  const TMFKind* kind = FindKind(*heading.type);
+  const MFKind* kind = FindKind(*heading.type);
   if (!kind) {
     SkipParameters(reader);
     return;
   }
-  const TValues values = ReadParameters(reader, *kind);
+  const Values values = ReadParameters(reader, *kind);
   set.SetMF(heading.index, kind->make(std::move(heading.name), values));
   ExpectEndTag(reader.ReadItem("MF"), reader);
 }
@@ -210,7 +210,7 @@ void SaveSet(Writer& out, int index, const TBasicMFSet& set) {
 std::unique_ptr<TBasicMFSet> ReadSet(Reader& reader) {
   ExpectStartTag(reader.ReadItem("MFList"), reader, "MFSet");
   ExpectStartTag(reader.ReadItem("MFSet"), reader, "MFSetInfo");
-  THeading heading = ReadHeading(reader, "MFSetInfo");
+  Heading heading = ReadHeading(reader, "MFSetInfo");
   const double lower = ExpectNumber(reader.ReadItem("MFSetInfo"), reader, "LowerBound");
   const double upper = ExpectNumber(reader.ReadUnbracketedItem("MFSetInfo"), reader, "UpperBound");
   const int number_of_mf = ExpectCount(reader.ReadItem("MFSetInfo"), reader, "NumberOfMF");
@@ -229,7 +229,7 @@ std::unique_ptr<TBasicMFSet> ReadSet(Reader& reader) {
 TMFSetList ReadInfo(Reader& reader) {
   ExpectStartTag(reader.ReadItem("MFList"), reader, "MFListInfo");
   const int count = ExpectCount(reader.ReadItem("MFListInfo"), reader, "VariablesRepresented");
-  TName list_name;
+  OptionalName list_name;
   ParseItem item = reader.ReadItem("MFListInfo");
   if (item.kind == ParseItem::kStatement) {
     list_name = ExpectString(item, reader, "ListName");

@@ -7,14 +7,14 @@
 
 namespace kiln {
 
-bool RequiredBoolean(const CommandLine& line, std::string_view tag) {
-  const Reading<bool> reading = line.Boolean(tag);
-  if (reading.code == ReadCode::kTagAbsent) Fail("tag ", tag, " not found");
-  if (reading.code == ReadCode::kNotABoolean) Fail("bad argument to tag ", tag);
+bool RequiredBoolean(const TCommandLine& line, std::string_view tag) {
+  const TReading<bool> reading = line.Boolean(tag);
+  if (reading.code == TReadCode::kTagAbsent) Fail("tag ", tag, " not found");
+  if (reading.code == TReadCode::kNotABoolean) Fail("bad argument to tag ", tag);
   return reading.value;
 }
 
-std::string RequiredPath(const CommandLine& line, std::string_view message) {
+std::string RequiredPath(const TCommandLine& line, std::string_view message) {
   return std::string(TrimBlanks(Required(line.Parenthesised("filename"), message)));
 }
 
@@ -27,21 +27,21 @@ void RefuseReserved(std::string_view alias) {
   if (TObjectRegistry::IsReserved(alias)) Fail(alias, " is a reserved word");
 }
 
-std::string_view RequiredAlias(const CommandLine& line, std::string_view tag,
+std::string_view RequiredAlias(const TCommandLine& line, std::string_view tag,
                                std::string_view message) {
   const std::string_view alias = Required(line.Word(tag), message);
   RefuseReserved(alias);
   return alias;
 }
 
-std::string_view RequiredAlias(const CommandLine& line, std::string_view tag) {
-  const Reading<std::string_view> alias = line.Word(tag);
-  if (alias.code != ReadCode::kRead) Fail("tag ", tag, " not found");
+std::string_view RequiredAlias(const TCommandLine& line, std::string_view tag) {
+  const TReading<std::string_view> alias = line.Word(tag);
+  if (alias.code != TReadCode::kRead) Fail("tag ", tag, " not found");
   RefuseReserved(alias.value);
   return alias.value;
 }
 
-std::string_view RequiredNewAlias(const TObjectRegistry& registry, const CommandLine& line,
+std::string_view RequiredNewAlias(const TObjectRegistry& registry, const TCommandLine& line,
                                   std::string_view tag) {
   const std::string_view alias = RequiredAlias(line, tag);
   if (registry.Exists(alias)) Fail(alias, " already exists");

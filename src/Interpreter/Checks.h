@@ -8,49 +8,49 @@
 #include <string_view>
 #include <utility>
 
-#include "Interpreter/CommandLine.h"
+#include "Interpreter/TCommandLine.h"
 #include "Interpreter/TObjectRegistry.h"
 #include "Shared/TAssertion.h"
 
-// The checks of which command handlers are made. Each passes its value on or throws CommandFailure
+// The checks of which command handlers are made. Each passes its value on or throws TCommandFailure
 // with the answer to the user.
 namespace kiln {
 
 // A command that cannot be carried out, and why.
-class CommandFailure : public std::runtime_error {
+class TCommandFailure : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// Throws CommandFailure with the parts of the message put together.
+// Throws TCommandFailure with the parts of the message put together.
 template <typename... TParts>
 [[noreturn]] void Fail(const TParts&... parts) {
   std::string message;
   (message.append(parts), ...);
-  throw CommandFailure(message);
+  throw TCommandFailure(message);
 }
 
 // --- Arguments -------------------------------------------------------------------------------
 
 // An argument without which the command cannot go on.
 template <typename T>
-T Required(Reading<T> reading, std::string_view message) {
-  if (reading.code != ReadCode::kRead) Fail(message);
+T Required(TReading<T> reading, std::string_view message) {
+  if (reading.code != TReadCode::kRead) Fail(message);
   return std::move(reading.value);
 }
 
 // An argument that may be left out. One that is there but cannot be read is TAssertion.
 template <typename T>
-T Optional(Reading<T> reading, T fallback) {
-  if (reading.code == ReadCode::kTagAbsent) return fallback;
-  Assert(reading.code == ReadCode::kRead, "IntReturn == SUCCESS", "Interpreter/Checks");
+T Optional(TReading<T> reading, T fallback) {
+  if (reading.code == TReadCode::kTagAbsent) return fallback;
+  Assert(reading.code == TReadCode::kRead, "IntReturn == SUCCESS", "Interpreter/Checks");
   return std::move(reading.value);
 }
 
-bool RequiredBoolean(const CommandLine& line, std::string_view tag);
+bool RequiredBoolean(const TCommandLine& line, std::string_view tag);
 
 // The file name in parentheses behind "filename".
-std::string RequiredPath(const CommandLine& line, std::string_view message);
+std::string RequiredPath(const TCommandLine& line, std::string_view message);
 
 // A count that must be at least `minimum`; one beyond 2^31-1 becomes that.
 int AtLeast(int minimum, std::int64_t count, std::string_view tag);
@@ -60,12 +60,12 @@ int AtLeast(int minimum, std::int64_t count, std::string_view tag);
 void RefuseReserved(std::string_view alias);
 
 // The alias behind `tag`, not a reserved word.
-std::string_view RequiredAlias(const CommandLine& line, std::string_view tag,
+std::string_view RequiredAlias(const TCommandLine& line, std::string_view tag,
                                std::string_view message);
-std::string_view RequiredAlias(const CommandLine& line, std::string_view tag);
+std::string_view RequiredAlias(const TCommandLine& line, std::string_view tag);
 
 // The alias behind `tag` for an object that is to be made: not reserved, not taken.
-std::string_view RequiredNewAlias(const TObjectRegistry& registry, const CommandLine& line,
+std::string_view RequiredNewAlias(const TObjectRegistry& registry, const TCommandLine& line,
                                   std::string_view tag);
 
 // The entry called `alias`, which must exist.

@@ -18,7 +18,7 @@ constexpr TCommand kKinds[] = {
 
 }  // namespace
 
-int Create(TInterpreter& interpreter, const CommandLine& line) {
+int Create(TInterpreter& interpreter, const TCommandLine& line) {
   return Dispatch(kKinds, Selector(line, "create"), "unknown argument to create", interpreter,
                   line);
 }

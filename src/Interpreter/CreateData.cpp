@@ -5,7 +5,7 @@
 
 namespace kiln::commands {
 
-int CreateData(TInterpreter& interpreter, const CommandLine& line) {
+int CreateData(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   if (interpreter.Exists(alias)) Fail("alias ", alias, " already exists");
   const std::int64_t inputs = Required(line.Long("inputs"), "tag inputs not found");
@@ -20,7 +20,7 @@ int CreateData(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int CreateDataStats(TInterpreter& interpreter, const CommandLine& line) {
+int CreateDataStats(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::string_view source = RequiredAlias(line, "source");
   auto set = RequiredKind<Data>(RequiredEntry(interpreter, source), source, " is not type Data");

@@ -22,7 +22,7 @@ std::vector<int> ToInts(const std::vector<std::int64_t>& numbers) {
 
 }  // namespace
 
-int CreateMLP(TInterpreter& interpreter, const CommandLine& line) {
+int CreateMLP(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias", "alias tag not found");
   if (interpreter.Exists(alias)) Fail("alias already exists");
   const std::int64_t inputs = Required(line.Long("inputs"), "number of inputs not specified");
@@ -43,7 +43,7 @@ int CreateMLP(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int CreateTarn(TInterpreter& interpreter, const CommandLine& line) {
+int CreateTarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::int64_t inputs = Required(line.Long("inputs"), "tag inputs not found");
   const std::vector<std::int64_t> conditions =

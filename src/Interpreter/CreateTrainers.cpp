@@ -6,7 +6,7 @@
 
 namespace kiln::commands {
 
-int CreateBPTrainer(TInterpreter& interpreter, const CommandLine& line) {
+int CreateBPTrainer(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias", "cannot find alias tag");
   if (interpreter.Exists(alias)) Fail(alias, " already exists");
   const std::string_view name = RequiredAlias(line, "network", "cannot find network tag");
@@ -22,7 +22,7 @@ int CreateBPTrainer(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int CreateLWFTrainer(TInterpreter& interpreter, const CommandLine& line) {
+int CreateLWFTrainer(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::string_view name = RequiredAlias(line, "network");
   const TRegistryNode* network = interpreter.Find(name);

@@ -39,7 +39,7 @@ int ToInt(std::int64_t value) {
   return static_cast<int>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
 }
 
-RunSettings ReadSettings(const CommandLine& line) {
+RunSettings ReadSettings(const TCommandLine& line) {
   RunSettings settings;
   settings.NdxElites = Optional(line.Boolean("elitism"), true) ? 1 : 0;
   settings.IntCrossover = ToInt(Optional(line.Long("crossover"), std::int64_t{1}));
@@ -55,7 +55,7 @@ RunSettings ReadSettings(const CommandLine& line) {
 
 }  // namespace
 
-int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {
+int CreateGATrainer(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const TRegistryNode& network = RequiredEntry(interpreter, RequiredAlias(line, "network"));
   const auto perceptron = network.As<TMLPNetwork>();
@@ -67,8 +67,8 @@ int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {
   const std::int64_t asked_population =
       Required(line.Long("population"), "tag population not found");
 
-  const WeightBounds bounds = {SingleBound(minimum, "minweight"),
-                               SingleBound(maximum, "maxweight")};
+  const TWeightBounds bounds = {SingleBound(minimum, "minweight"),
+                                SingleBound(maximum, "maxweight")};
   const std::size_t population = CheckedPopulation(asked_population);
   if (tarn) {
     interpreter.Insert({alias, std::make_unique<TTarnGA>(tarn, bounds, population)});
@@ -78,7 +78,7 @@ int CreateGATrainer(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int TrainGenetically(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson) {
+int TrainGenetically(TInterpreter& interpreter, const TCommandLine& line, const TLesson& lesson) {
   const double target_error = Optional(line.Double("terminating"), 0.0);
   const RunSettings settings = ReadSettings(line);
   const std::shared_ptr<TGenTrain> trainer = AsGeneticTrainer(lesson.trainer);

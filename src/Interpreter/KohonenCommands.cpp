@@ -19,7 +19,7 @@ double DefaultFactor(int epochs) {
 
 }  // namespace
 
-int CreateKohonen(TInterpreter& interpreter, const CommandLine& line) {
+int CreateKohonen(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::int64_t inputs = Required(line.Long("inputs"), "tag inputs not found");
   const std::int64_t dimensions = Required(line.Long("dimensions"), "tag dimensions not found");
@@ -40,7 +40,7 @@ int CreateKohonen(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int CreateKohonenTrainer(TInterpreter& interpreter, const CommandLine& line) {
+int CreateKohonenTrainer(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::string_view name = RequiredAlias(line, "network");
   const auto map = RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
@@ -49,7 +49,7 @@ int CreateKohonenTrainer(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int TrainMap(TInterpreter&, const CommandLine& line, const TLesson& lesson) {
+int TrainMap(TInterpreter&, const TCommandLine& line, const TLesson& lesson) {
   const std::int64_t asked_epochs = Required(line.Long("epochs"), "tag epochs not found");
   const double rate = Required(line.Double("LearningRate"), "tag LearningRate not found");
   std::vector<double> radii =
@@ -69,7 +69,7 @@ int TrainMap(TInterpreter&, const CommandLine& line, const TLesson& lesson) {
   return kDone;
 }
 
-int Map(TInterpreter& interpreter, const CommandLine& line) {
+int Map(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto map = RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
                                                  " is not a Kohonen network");

@@ -61,7 +61,7 @@ class TUnitRows {
 
 }  // namespace
 
-int Label(TInterpreter& interpreter, const CommandLine& line) {
+int Label(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network = RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
                                                      " is not of type Kohonen");

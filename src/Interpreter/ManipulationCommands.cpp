@@ -23,11 +23,11 @@ constexpr TBoundTags kOutputTags = {"outputcmaxs", "outputcmins", "outputgmax", 
 constexpr char kNothing[] = "nothing to do";
 
 // A list of bounds, which may be left out.
-Reading<std::vector<double>> ColumnValues(const CommandLine& line, std::string_view tag,
-                                          int columns) {
-  if (line.Word(tag).code != ReadCode::kRead) return {ReadCode::kTagAbsent, {}};
-  Reading<std::vector<double>> values = line.Doubles(tag);
-  if (values.code != ReadCode::kRead || std::ssize(values.value) != columns) {
+TReading<std::vector<double>> ColumnValues(const TCommandLine& line, std::string_view tag,
+                                           int columns) {
+  if (line.Word(tag).code != TReadCode::kRead) return {TReadCode::kTagAbsent, {}};
+  TReading<std::vector<double>> values = line.Doubles(tag);
+  if (values.code != TReadCode::kRead || std::ssize(values.value) != columns) {
     Fail("error parsing array");
   }
   return values;
@@ -35,30 +35,30 @@ Reading<std::vector<double>> ColumnValues(const CommandLine& line, std::string_v
 
 // Whether two bounds that only make sense together are given.
 template <typename T>
-bool ArePair(const Reading<T>& maximum, const Reading<T>& minimum) {
+bool ArePair(const TReading<T>& maximum, const TReading<T>& minimum) {
   if (maximum.code != minimum.code) Fail(kNothing);
-  return maximum.code == ReadCode::kRead;
+  return maximum.code == TReadCode::kRead;
 }
 
 // The bounds of a side of so many columns. Those of single columns win over those of all.
-std::optional<ColumnBounds> SideBounds(const CommandLine& line, const TBoundTags& tags,
-                                       int columns) {
+std::optional<TColumnBounds> SideBounds(const TCommandLine& line, const TBoundTags& tags,
+                                        int columns) {
   const auto maxima = ColumnValues(line, tags.column_maxima, columns);
   const auto minima = ColumnValues(line, tags.column_minima, columns);
   const auto maximum = line.Double(tags.maximum);
   const auto minimum = line.Double(tags.minimum);
   const bool by_column = ArePair(maxima, minima);
   const bool for_all = ArePair(maximum, minimum);
-  if (by_column) return ColumnBounds(maxima.value, minima.value);
-  if (for_all) return ColumnBounds(columns, maximum.value, minimum.value);
+  if (by_column) return TColumnBounds(maxima.value, minima.value);
+  if (for_all) return TColumnBounds(columns, maximum.value, minimum.value);
   return std::nullopt;
 }
 
 // One of the two directions between values and the range from 0 to 1.
-using TMapping = std::unique_ptr<Data> (*)(const Data* source, const ColumnBounds& inputs,
-                                           const ColumnBounds& outputs);
+using TMapping = std::unique_ptr<Data> (*)(const Data* source, const TColumnBounds& inputs,
+                                           const TColumnBounds& outputs);
 
-int Rescale(TInterpreter& interpreter, const CommandLine& line, TMapping mapping) {
+int Rescale(TInterpreter& interpreter, const TCommandLine& line, TMapping mapping) {
   const std::string_view source = RequiredAlias(line, "source");
   const TRegistryNode& node = RequiredEntry(interpreter, source);
   const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
@@ -68,15 +68,15 @@ int Rescale(TInterpreter& interpreter, const CommandLine& line, TMapping mapping
   const auto inputs = SideBounds(line, kInputTags, set->Inputs());
   const auto outputs = SideBounds(line, kOutputTags, set->Outputs());
   if (!inputs && !outputs) Fail(kNothing);
-  interpreter.Insert({destination, mapping(set.get(), inputs.value_or(ColumnBounds()),
-                                           outputs.value_or(ColumnBounds()))});
+  interpreter.Insert({destination, mapping(set.get(), inputs.value_or(TColumnBounds()),
+                                           outputs.value_or(TColumnBounds()))});
   set->ResetCursor();
   return kDone;
 }
 
 }  // namespace
 
-int Shuffle(TInterpreter& interpreter, const CommandLine& line) {
+int Shuffle(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view source = RequiredAlias(line, "source");
   const TRegistryNode& node = RequiredEntry(interpreter, source);
   const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
@@ -87,11 +87,11 @@ int Shuffle(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int Normalise(TInterpreter& interpreter, const CommandLine& line) {
+int Normalise(TInterpreter& interpreter, const TCommandLine& line) {
   return Rescale(interpreter, line, TDataManip::Normalise);
 }
 
-int Denormalise(TInterpreter& interpreter, const CommandLine& line) {
+int Denormalise(TInterpreter& interpreter, const TCommandLine& line) {
   return Rescale(interpreter, line, TDataManip::Denormalise);
 }
 

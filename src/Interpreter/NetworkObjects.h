@@ -25,7 +25,7 @@ std::shared_ptr<TGenTrain> AsGeneticTrainer(const TRegistryNode& node);
 // The network that a trainer of any kind trains; null when the entry holds no such trainer.
 const TBasicNetwork* TrainedNetwork(const TRegistryNode& node);
 
-// Registers a network under its own kind. Throws CommandFailure for a kind without a type tag.
+// Registers a network under its own kind. Throws TCommandFailure for a kind without a type tag.
 // REQUIRES: the alias is free.
 void InsertNetwork(TInterpreter& interpreter, std::string_view alias,
                    std::unique_ptr<TBasicNetwork> network);

@@ -15,14 +15,14 @@ std::shared_ptr<TBasicNetwork> CopyableNetwork(const TRegistryNode& node) {
 
 }  // namespace
 
-int Destroy(TInterpreter& interpreter, const CommandLine& line) {
+int Destroy(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = Selector(line, "destroy");
   RequiredEntry(interpreter, alias);
   interpreter.Remove(alias);
   return kDone;
 }
 
-int Copy(TInterpreter& interpreter, const CommandLine& line) {
+int Copy(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& source = RequiredEntry(interpreter, RequiredAlias(line, "source"));
   const auto set = source.As<Data>();
   const auto network = CopyableNetwork(source);

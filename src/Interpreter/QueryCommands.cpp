@@ -27,19 +27,20 @@ struct TSubject {
   const TRegistryNode& node;
 };
 
-TSubject Subject(const TInterpreter& interpreter, const CommandLine& line, std::string_view query) {
+TSubject Subject(const TInterpreter& interpreter, const TCommandLine& line,
+                 std::string_view query) {
   const std::string_view alias = Selector(line, query);
   RefuseReserved(alias);
   return {alias, RequiredEntry(interpreter, alias)};
 }
 
-int AliasExists(TInterpreter& interpreter, const CommandLine& line) {
+int AliasExists(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "aliasexists", "cannot get argument");
   interpreter.SetResult(std::string(AnswerBoolean(interpreter.Exists(alias))));
   return kValue;
 }
 
-int ClassOf(TInterpreter& interpreter, const CommandLine& line) {
+int ClassOf(TInterpreter& interpreter, const TCommandLine& line) {
   const int tag = Subject(interpreter, line, "classof").node.Type();
   const std::string_view name = kClassNames[static_cast<std::size_t>(tag) - 1];
   if (!name.empty()) interpreter.SetResult(std::string(name));
@@ -86,7 +87,7 @@ std::string Structure(const TKohonenNetwork& map) {
   return text.str();
 }
 
-int StructureOf(TInterpreter& interpreter, const CommandLine& line) {
+int StructureOf(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& node = Subject(interpreter, line, "structureof").node;
   if (const auto set = node.As<Data>()) {
     interpreter.SetResult(Structure(*set));
@@ -124,7 +125,7 @@ std::string StepToNextRow(Data& set) {
          AnswerArray(names) + " labelweights " + AnswerArray(weights);
 }
 
-int GetNextRow(TInterpreter& interpreter, const CommandLine& line) {
+int GetNextRow(TInterpreter& interpreter, const TCommandLine& line) {
   const TSubject subject = Subject(interpreter, line, "getnextrow");
   const auto set = RequiredKind<Data>(subject.node, subject.alias, " is not of type Data");
   if (set->DataRows() == 0) Fail(subject.alias, " has no rows");
@@ -139,7 +140,7 @@ constexpr TCommand kQueries[] = {
 
 }  // namespace
 
-int Query(TInterpreter& interpreter, const CommandLine& line) {
+int Query(TInterpreter& interpreter, const TCommandLine& line) {
   return Dispatch(kQueries, Selector(line, "query"), "unknown query", interpreter, line);
 }
 

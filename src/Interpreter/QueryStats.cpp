@@ -23,7 +23,7 @@ constexpr TStatistic kStatistics[] = {
     {"average", &TDataStats::GetInputAverages, &TDataStats::GetOutputAverages},
 };
 
-const TStatistic& RequiredStatistic(const CommandLine& line) {
+const TStatistic& RequiredStatistic(const TCommandLine& line) {
   const std::string_view word = Selector(line, "getstats");
   for (const TStatistic& statistic : kStatistics) {
     if (EqualNoCase(statistic.word, word)) return statistic;
@@ -33,7 +33,7 @@ const TStatistic& RequiredStatistic(const CommandLine& line) {
 
 }  // namespace
 
-int GetStats(TInterpreter& interpreter, const CommandLine& line) {
+int GetStats(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const auto stats = RequiredKind<TDataStats>(RequiredEntry(interpreter, alias), alias,
                                               " is not of type DataStats");

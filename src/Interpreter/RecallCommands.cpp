@@ -6,7 +6,7 @@
 
 namespace kiln::commands {
 
-int Recall(TInterpreter& interpreter, const CommandLine& line) {
+int Recall(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network", "cannot find tag network");
   const auto network = AsNetwork(RequiredEntry(interpreter, name));
   if (!network) Fail(name, " is not an ANN");

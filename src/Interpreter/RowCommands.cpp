@@ -11,7 +11,7 @@ namespace {
 constexpr char kBadArray[] = "bad array format";
 
 // The values of a side of the new row, one a column; none when the side is left out.
-std::vector<double> SideValues(const CommandLine& line, std::string_view tag, int columns) {
+std::vector<double> SideValues(const TCommandLine& line, std::string_view tag, int columns) {
   if (!line.Contains(tag)) return {};
   std::vector<double> values = Required(line.Doubles(tag), kBadArray);
   if (std::ssize(values) != columns) Fail(kBadArray);
@@ -19,7 +19,7 @@ std::vector<double> SideValues(const CommandLine& line, std::string_view tag, in
 }
 
 // One weight a label; 1 where none are given.
-std::vector<double> LabelWeights(const CommandLine& line, std::size_t labels) {
+std::vector<double> LabelWeights(const TCommandLine& line, std::size_t labels) {
   if (!line.Contains("labelweights")) return std::vector<double>(labels, 1.0);
   std::vector<double> weights = Required(line.Doubles("labelweights"), kBadArray);
   if (weights.size() != labels) Fail(kBadArray);
@@ -27,7 +27,7 @@ std::vector<double> LabelWeights(const CommandLine& line, std::size_t labels) {
 }
 
 // The labels of the new row. Their names must be such that a data file can hold them.
-LabelList RowLabels(const CommandLine& line) {
+LabelList RowLabels(const TCommandLine& line) {
   std::vector<std::string_view> names;
   if (line.Contains("labels")) names = Required(line.Words("labels"), kBadArray);
   const std::vector<double> weights = LabelWeights(line, names.size());
@@ -41,14 +41,14 @@ LabelList RowLabels(const CommandLine& line) {
 }
 
 // The data set that "resetdata" and "purgedata" name.
-std::shared_ptr<Data> NamedSet(const TInterpreter& interpreter, const CommandLine& line) {
+std::shared_ptr<Data> NamedSet(const TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   return RequiredKind<Data>(RequiredEntry(interpreter, alias), alias, " is not of type Data");
 }
 
 }  // namespace
 
-int Append(TInterpreter& interpreter, const CommandLine& line) {
+int Append(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const TRegistryNode* node = interpreter.Find(alias);
   if (!node) Fail("object ", alias, " does not exist");
@@ -61,12 +61,12 @@ int Append(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int ResetData(TInterpreter& interpreter, const CommandLine& line) {
+int ResetData(TInterpreter& interpreter, const TCommandLine& line) {
   NamedSet(interpreter, line)->ResetCursor();
   return kDone;
 }
 
-int PurgeData(TInterpreter& interpreter, const CommandLine& line) {
+int PurgeData(TInterpreter& interpreter, const TCommandLine& line) {
   NamedSet(interpreter, line)->Clear();
   return kDone;
 }

@@ -9,29 +9,29 @@ namespace kiln::commands {
 namespace {
 
 // How rules are to be read from a network.
-TKQstructure ExtractionParams(const CommandLine& line) {
+TKQstructure ExtractionParams(const TCommandLine& line) {
   TKQstructure params("Params");
   for (const char* const threshold : {"ThresholdIn", "ThresholdOut"}) {
-    const Reading<double> reading = line.Double(threshold);
-    if (reading.code == ReadCode::kRead) params.SetDouble(threshold, reading.value);
+    const TReading<double> reading = line.Double(threshold);
+    if (reading.code == TReadCode::kRead) params.SetDouble(threshold, reading.value);
   }
-  const Reading<std::string_view> method = line.Word("method");
-  if (method.code == ReadCode::kRead) params.SetString("method", std::string(method.value));
+  const TReading<std::string_view> method = line.Word("method");
+  if (method.code == TReadCode::kRead) params.SetString("method", std::string(method.value));
   return params;
 }
 
 // The labels that the line names; null where it names none.
 std::shared_ptr<const TNetLabel> NamedLabels(const TInterpreter& interpreter,
-                                             const CommandLine& line) {
-  const Reading<std::string_view> alias = line.Word("labels");
-  if (alias.code != ReadCode::kRead) return nullptr;
+                                             const TCommandLine& line) {
+  const TReading<std::string_view> alias = line.Word("labels");
+  if (alias.code != TReadCode::kRead) return nullptr;
   return RequiredKind<TNetLabel>(RequiredEntry(interpreter, alias.value), alias.value,
                                  " is not of type TarnLabel");
 }
 
 }  // namespace
 
-int LabelTarn(TInterpreter& interpreter, const CommandLine& line) {
+int LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network =
       RequiredKind<TTarn>(RequiredEntry(interpreter, name), name, " is not of type Tarn");
@@ -40,7 +40,7 @@ int LabelTarn(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int RETarn(TInterpreter& interpreter, const CommandLine& line) {
+int RETarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network =
       RequiredKind<TTarn>(RequiredEntry(interpreter, name), name, " is not type Tarn");
@@ -51,7 +51,7 @@ int RETarn(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int RITarn(TInterpreter& interpreter, const CommandLine& line) {
+int RITarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "rules");
   const auto rules = RequiredKind<TFuzzyRuleSet>(RequiredEntry(interpreter, name), name,
                                                  " is not of type FuzzyRules");

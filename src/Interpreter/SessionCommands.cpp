@@ -3,7 +3,7 @@
 
 namespace kiln::commands {
 
-int Log(TInterpreter& interpreter, const CommandLine& line) {
+int Log(TInterpreter& interpreter, const TCommandLine& line) {
   if (line.Contains("start")) {
     interpreter.StartTranscript(RequiredPath(line, "filename not spcified or bad format"));
   } else if (line.Contains("stop")) {
@@ -14,11 +14,11 @@ int Log(TInterpreter& interpreter, const CommandLine& line) {
   return kDone;
 }
 
-int Run(TInterpreter& interpreter, const CommandLine& line) {
+int Run(TInterpreter& interpreter, const TCommandLine& line) {
   return interpreter.RunScript(RequiredPath(line, "tag filename not found"));
 }
 
-int Purge(TInterpreter& interpreter, const CommandLine& /*line*/) {
+int Purge(TInterpreter& interpreter, const TCommandLine& /*line*/) {
   interpreter.Purge();
   return kDone;
 }

@@ -9,7 +9,7 @@
 
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
-#include "Interpreter/LineReader.h"
+#include "Interpreter/TLineReader.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -47,16 +47,16 @@ constexpr TCommand kCommands[] = {
 };
 
 // Keeps the path of a script among those of all that are being run, for as long as it runs.
-class RunningScript {
+class TRunningScript {
  public:
-  RunningScript(std::vector<std::string>& running, const std::string& path) : running_(running) {
+  TRunningScript(std::vector<std::string>& running, const std::string& path) : running_(running) {
     if (running.size() == kDeepestScript) Fail("scripts nested too deeply");
     running.push_back(path);
   }
-  ~RunningScript() { running_.pop_back(); }
+  ~TRunningScript() { running_.pop_back(); }
 
-  RunningScript(const RunningScript&) = delete;
-  RunningScript& operator=(const RunningScript&) = delete;
+  TRunningScript(const TRunningScript&) = delete;
+  TRunningScript& operator=(const TRunningScript&) = delete;
 
  private:
   std::vector<std::string>& running_;
@@ -71,13 +71,13 @@ bool AreSameFile(const std::string& a, const std::string& b) {
 }  // namespace
 
 int TInterpreter::Execute(std::string_view text) {
-  const CommandLine line(text);
+  const TCommandLine line(text);
   const int code = Answer(line);
   if (transcript_.is_open() && !EqualNoCase(line.CommandWord(), "log")) Record(text, code);
   return code;
 }
 
-int TInterpreter::Answer(const CommandLine& line) {
+int TInterpreter::Answer(const TCommandLine& line) {
   try {
     return Dispatch(kCommands, line.CommandWord(), "Unknown command", *this, line);
   } catch (const std::bad_alloc&) {
@@ -116,10 +116,10 @@ int TInterpreter::RunScript(const std::string& path) {
   // Each of its commands would make it longer: it would never end.
   if (transcript_.is_open() && AreSameFile(path, transcript_path_))
     Fail("file ", path, " is the open transcript");
-  const RunningScript running(running_scripts_, path);
+  const TRunningScript running(running_scripts_, path);
   std::ifstream script(path);
   if (!script) Fail("cannot open file ", path);
-  LineReader reader(script, kLongestScriptLine);
+  TLineReader reader(script, kLongestScriptLine);
   const auto fail = [&](std::string_view why) {
     Fail("line ", std::to_string(reader.Number()), " of file ", path, " Error: ", why);
   };

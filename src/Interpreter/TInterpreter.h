@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Interpreter/CommandLine.h"
+#include "Interpreter/TCommandLine.h"
 #include "Interpreter/TObjectRegistry.h"
 
 namespace kiln {
@@ -27,22 +27,22 @@ class TInterpreter : public TObjectRegistry {
   void SetError(std::string message) { error_message_ = std::move(message); }
   void SetResult(std::string message) { result_message_ = std::move(message); }
 
-  // Executes the lines of a file until one fails, whose answer the CommandFailure carries. Empty
+  // Executes the lines of a file until one fails, whose answer the TCommandFailure carries. Empty
   // lines and those that begin with "#" are passed over. Returns the code of the last line. The
   // open transcript cannot be run.
   int RunScript(const std::string& path);
 
   // From now on writes every command but "log", and its answer, to the file, which must not be one
-  // that is being run. On failure throws CommandFailure and goes on with the transcript that is
+  // that is being run. On failure throws TCommandFailure and goes on with the transcript that is
   // open.
   void StartTranscript(const std::string& path);
 
-  // Closes the transcript, if one is open. Throws CommandFailure when the file does not hold all of
-  // it, as on a full disk.
+  // Closes the transcript, if one is open. Throws TCommandFailure when the file does not hold all
+  // of it, as on a full disk.
   void StopTranscript();
 
  private:
-  int Answer(const CommandLine& line);
+  int Answer(const TCommandLine& line);
   void Record(std::string_view line, int code);
 
   std::string error_message_;

@@ -21,14 +21,14 @@ std::string Exact(double value) {
 }
 
 // The parameters of a gradient trainer. Only one that `forgets` takes a decay of the weights.
-TKQstructure GradientParams(const CommandLine& line, bool forgets) {
+TKQstructure GradientParams(const TCommandLine& line, bool forgets) {
   TKQstructure params("Params");
   const double learning_rate = Optional(line.Double("LearningRate"), 0.8);
   params.SetDouble("LearningRate", learning_rate);
   params.SetDouble("Momentum", Optional(line.Double("Momentum"), 0.5));
   params.SetString("Threshold", Exact(Optional(line.Double("terminating"), 0.0)));
-  const Reading<double> decay = line.Double("decay");
-  if (forgets && decay.code == ReadCode::kRead) {
+  const TReading<double> decay = line.Double("decay");
+  if (forgets && decay.code == TReadCode::kRead) {
     auto penalty = std::make_unique<TKQstructure>("LWF");
     penalty->SetString("ForgettingRate", Exact(decay.value));
     penalty->SetDouble("LearningRate", learning_rate);
@@ -39,7 +39,7 @@ TKQstructure GradientParams(const CommandLine& line, bool forgets) {
   return params;
 }
 
-int TrainByGradient(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson) {
+int TrainByGradient(TInterpreter& interpreter, const TCommandLine& line, const TLesson& lesson) {
   int epochs = AtLeast(0, Required(line.Long("epochs"), "tag epochs not found"), "epochs");
   const std::shared_ptr<TTrainModule> trainer = AsGradientTrainer(lesson.trainer);
   TKQstructure params = GradientParams(line, !lesson.trainer.As<TTarnBP>());
@@ -65,7 +65,7 @@ void CheckFits(const TLesson& lesson, const TBasicNetwork& network) {
   if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
 }
 
-int Train(TInterpreter& interpreter, const CommandLine& line) {
+int Train(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const TRegistryNode& trainer = RequiredEntry(interpreter, alias);
   const TTraining train = TrainingOf(trainer);
@@ -78,7 +78,7 @@ int Train(TInterpreter& interpreter, const CommandLine& line) {
   return code;
 }
 
-int GetTrained(TInterpreter& interpreter, const CommandLine& line) {
+int GetTrained(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& source = RequiredEntry(interpreter, RequiredAlias(line, "source"));
   const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
   const TBasicNetwork* network = TrainedNetwork(source);

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "DataObject/Data.h"
-#include "Interpreter/CommandLine.h"
+#include "Interpreter/TCommandLine.h"
 #include "Interpreter/TInterpreter.h"
 
 namespace kiln {
@@ -22,16 +22,16 @@ struct TLesson {
 };
 
 // Reads the tags of one kind of trainer, trains and gives the answer.
-using TTraining = int (*)(TInterpreter& interpreter, const CommandLine& line,
+using TTraining = int (*)(TInterpreter& interpreter, const TCommandLine& line,
                           const TLesson& lesson);
 
 // Fails unless the set has rows and fits the trainer's network.
 void CheckFits(const TLesson& lesson, const TBasicNetwork& network);
 
 // GeneticCommands.cpp
-int TrainGenetically(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson);
+int TrainGenetically(TInterpreter& interpreter, const TCommandLine& line, const TLesson& lesson);
 
 // KohonenCommands.cpp
-int TrainMap(TInterpreter& interpreter, const CommandLine& line, const TLesson& lesson);
+int TrainMap(TInterpreter& interpreter, const TCommandLine& line, const TLesson& lesson);
 
 }  // namespace kiln::commands

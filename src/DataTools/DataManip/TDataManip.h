@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "DataObject/Data.h"
-#include "DataTools/DataManip/ColumnBounds.h"
+#include "DataTools/DataManip/TColumnBounds.h"
 
 namespace kiln {
 
@@ -67,10 +67,10 @@ class TDataManip {
   // All rows with their labels, the values of each side normalised or denormalised by its bounds; a
   // side with bounds `{}` is copied. The sides may have bounds of different kinds.
   // Throws "Invalid number of bounds" when a side has bounds, but not one pair a column.
-  static std::unique_ptr<Data> Normalise(const Data* source, const ColumnBounds& inputs,
-                                         const ColumnBounds& outputs);
-  static std::unique_ptr<Data> Denormalise(const Data* source, const ColumnBounds& inputs,
-                                           const ColumnBounds& outputs);
+  static std::unique_ptr<Data> Normalise(const Data* source, const TColumnBounds& inputs,
+                                         const TColumnBounds& outputs);
+  static std::unique_ptr<Data> Denormalise(const Data* source, const TColumnBounds& inputs,
+                                           const TColumnBounds& outputs);
 };
 
 }  // namespace kiln

@@ -6,11 +6,11 @@ namespace kiln {
 
 namespace {
 
-using TMapping = void (ColumnBounds::*)(std::span<double>) const;
+using TMapping = void (TColumnBounds::*)(std::span<double>) const;
 
 // The source with each side's values mapped by its bounds.
-std::unique_ptr<Data> Map(const Data* source, const ColumnBounds& input_bounds,
-                          const ColumnBounds& output_bounds, TMapping mapping,
+std::unique_ptr<Data> Map(const Data* source, const TColumnBounds& input_bounds,
+                          const TColumnBounds& output_bounds, TMapping mapping,
                           const char* operation) {
   const Data& from = CheckedSource(source, operation);
   if (!input_bounds.Fits(from.Inputs()) || !output_bounds.Fits(from.Outputs()))
@@ -31,14 +31,14 @@ std::unique_ptr<Data> Map(const Data* source, const ColumnBounds& input_bounds,
 
 }  // namespace
 
-std::unique_ptr<Data> TDataManip::Normalise(const Data* source, const ColumnBounds& inputs,
-                                            const ColumnBounds& outputs) {
-  return Map(source, inputs, outputs, &ColumnBounds::Normalise, "Normalise");
+std::unique_ptr<Data> TDataManip::Normalise(const Data* source, const TColumnBounds& inputs,
+                                            const TColumnBounds& outputs) {
+  return Map(source, inputs, outputs, &TColumnBounds::Normalise, "Normalise");
 }
 
-std::unique_ptr<Data> TDataManip::Denormalise(const Data* source, const ColumnBounds& inputs,
-                                              const ColumnBounds& outputs) {
-  return Map(source, inputs, outputs, &ColumnBounds::Denormalise, "Denormalise");
+std::unique_ptr<Data> TDataManip::Denormalise(const Data* source, const TColumnBounds& inputs,
+                                              const TColumnBounds& outputs) {
+  return Map(source, inputs, outputs, &TColumnBounds::Denormalise, "Denormalise");
 }
 
 }  // namespace kiln

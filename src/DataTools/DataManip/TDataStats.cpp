@@ -38,12 +38,12 @@ TDataStats::TDataStats(std::shared_ptr<Data> source)
       MbrStsInputs(PtrDatSource->Inputs()),
       MbrStsOutputs(PtrDatSource->Outputs()) {}
 
-const SideStats& TDataStats::Inputs() {
+const TSideStats& TDataStats::Inputs() {
   Update();
   return MbrStsInputs;
 }
 
-const SideStats& TDataStats::Outputs() {
+const TSideStats& TDataStats::Outputs() {
   Update();
   return MbrStsOutputs;
 }

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "DataObject/Data.h"
-#include "DataTools/DataManip/SideStats.h"
+#include "DataTools/DataManip/TSideStats.h"
 
 namespace kiln {
 
@@ -47,13 +47,13 @@ class TDataStats {
 
  private:
   // A side's figures as the source is now.
-  const SideStats& Inputs();
-  const SideStats& Outputs();
+  const TSideStats& Inputs();
+  const TSideStats& Outputs();
   void Update();
 
   std::shared_ptr<Data> PtrDatSource;
-  SideStats MbrStsInputs;
-  SideStats MbrStsOutputs;
+  TSideStats MbrStsInputs;
+  TSideStats MbrStsOutputs;
   std::optional<int> MbrNdxChangeCount;  // of the source when the figures were computed
 };
 

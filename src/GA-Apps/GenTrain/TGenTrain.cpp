@@ -16,7 +16,7 @@ namespace {
 
 constexpr char kModule[] = "GA-Apps/GenTrain/TGenTrain";
 
-void CheckParameters(const TBasicNetwork& network, const WeightBounds& bounds,
+void CheckParameters(const TBasicNetwork& network, const TWeightBounds& bounds,
                      std::size_t population) {
   const auto fail = [](const std::string& message) {
     throw TException(message, "Bad Parameter", "TGenTrain::TGenTrain");
@@ -42,7 +42,7 @@ float TargetFitness(double error) {
 
 }  // namespace
 
-TGenTrain::TGenTrain(std::shared_ptr<TBasicNetwork> network, const WeightBounds& bounds,
+TGenTrain::TGenTrain(std::shared_ptr<TBasicNetwork> network, const TWeightBounds& bounds,
                      std::size_t population)
     : MbrPtrNetNetwork(std::move(network)), MbrBndWeights(bounds), MbrNdxPopulation(population) {
   Assert(MbrPtrNetNetwork != nullptr, "PtrNetNetwork != 0", kModule);

@@ -53,10 +53,10 @@ class TGenTrain {
  protected:
   // Throws TException "Bad Parameter" unless the bounds are finite and not the wrong way round,
   // and the population has 1 to kMaxPopulation individuals and not more than kMaxGenes genes.
-  TGenTrain(std::shared_ptr<TBasicNetwork> network, const WeightBounds& bounds,
+  TGenTrain(std::shared_ptr<TBasicNetwork> network, const TWeightBounds& bounds,
             std::size_t population);
 
-  const WeightBounds& Bounds() const { return MbrBndWeights; }
+  const TWeightBounds& Bounds() const { return MbrBndWeights; }
 
  private:
   // An evaluator for the network as it is.
@@ -65,7 +65,7 @@ class TGenTrain {
   double Evolve(const RunSettings& settings, const TGenerationObserver& observer);
 
   std::shared_ptr<TBasicNetwork> MbrPtrNetNetwork;
-  WeightBounds MbrBndWeights;
+  TWeightBounds MbrBndWeights;
   std::size_t MbrNdxPopulation;
   std::unique_ptr<TGenTrainEval> MbrPtrEvlEvaluator;  // these two only after Initialise
   std::optional<DeathCap> MbrDtcTrainer;

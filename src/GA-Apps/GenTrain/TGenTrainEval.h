@@ -15,7 +15,7 @@ namespace kiln {
 class Data;
 
 // What random weights of a trained network are drawn from, both ends included.
-struct WeightBounds {
+struct TWeightBounds {
   float FltMinimum;
   float FltMaximum;
 };

@@ -13,7 +13,7 @@ namespace kiln {
 class TMLPGA : public TGenTrain {
  public:
   // Throws as TGenTrain does.
-  TMLPGA(std::shared_ptr<TMLPNetwork> network, const WeightBounds& bounds, std::size_t population)
+  TMLPGA(std::shared_ptr<TMLPNetwork> network, const TWeightBounds& bounds, std::size_t population)
       : TGenTrain(network, bounds, population), MbrPtrNetPerceptron(std::move(network)) {}
 
  private:

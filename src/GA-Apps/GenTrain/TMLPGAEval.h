@@ -9,7 +9,7 @@ namespace kiln {
 class TMLPGAEval : public TGenTrainEval {
  public:
   // REQUIRES: as for TGenTrainEval.
-  TMLPGAEval(TMLPNetwork& network, const WeightBounds& bounds)
+  TMLPGAEval(TMLPNetwork& network, const TWeightBounds& bounds)
       : TGenTrainEval(network),
         MbrMgnWeight(MetaGene::Real(bounds.FltMinimum, bounds.FltMaximum)) {}
 

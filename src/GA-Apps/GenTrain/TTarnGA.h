@@ -13,7 +13,7 @@ namespace kiln {
 class TTarnGA : public TGenTrain {
  public:
   // Throws as TGenTrain does. REQUIRES: network->IsComplete().
-  TTarnGA(std::shared_ptr<TTarn> network, const WeightBounds& bounds, std::size_t population)
+  TTarnGA(std::shared_ptr<TTarn> network, const TWeightBounds& bounds, std::size_t population)
       : TGenTrain(network, bounds, population), MbrPtrNetTarn(std::move(network)) {}
 
  private:

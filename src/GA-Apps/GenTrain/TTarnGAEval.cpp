@@ -13,7 +13,7 @@ std::size_t SizeOf(const TTarn& network, std::size_t from) {
 
 }  // namespace
 
-TTarnGAEval::TTarnGAEval(TTarn& network, const WeightBounds& bounds)
+TTarnGAEval::TTarnGAEval(TTarn& network, const TWeightBounds& bounds)
     : TGenTrainEval(network),
       MbrDyaIntInputGroups(network.InputMF()),
       MbrDyaIntOutputGroups(network.OutputMF()),

@@ -16,7 +16,7 @@ namespace kiln {
 class TTarnGAEval : public TGenTrainEval {
  public:
   // REQUIRES: as for TGenTrainEval, and network.IsComplete().
-  TTarnGAEval(TTarn& network, const WeightBounds& bounds);
+  TTarnGAEval(TTarn& network, const TWeightBounds& bounds);
 
   // Puts the centres of each variable in order, as far as an ordering goes that passes over more
   // places from pass to pass: into the places 0, 1, 3, 6, 10, .. of a group of n centres, n - 1 in

@@ -11,10 +11,10 @@ namespace kiln {
 // Reads commands line by line in bounded memory: of a line that is too long the rest is skipped,
 // but not before the next line is asked for, since it may have no end. A carriage return at the end
 // of a line counts as a blank.
-class LineReader {
+class TLineReader {
  public:
   // Lines may hold up to `longest` characters. `in` must outlive the reader.
-  LineReader(std::istream& in, std::size_t longest);
+  TLineReader(std::istream& in, std::size_t longest);
 
   // Reads the next line; false when there is none left. A last line without an end counts.
   bool Next();

@@ -1,4 +1,4 @@
-#include "Interpreter/CommandLine.h"
+#include "Interpreter/TCommandLine.h"
 
 #include <algorithm>
 
@@ -31,11 +31,11 @@ bool IsWholeNumber(std::string_view word) {
   return !word.empty() && word.find_first_not_of("0123456789") == word.npos;
 }
 
-Reading<bool> ToBoolean(std::string_view text) {
+TReading<bool> ToBoolean(std::string_view text) {
   text = TrimBlanks(text);
-  if (EqualNoCase(text, "true") || EqualNoCase(text, "on")) return {ReadCode::kRead, true};
-  if (EqualNoCase(text, "false") || EqualNoCase(text, "off")) return {ReadCode::kRead, false};
-  return {ReadCode::kNotABoolean, false};
+  if (EqualNoCase(text, "true") || EqualNoCase(text, "on")) return {TReadCode::kRead, true};
+  if (EqualNoCase(text, "false") || EqualNoCase(text, "off")) return {TReadCode::kRead, false};
+  return {TReadCode::kNotABoolean, false};
 }
 
 std::int64_t ToLong(std::string_view text) {
@@ -60,9 +60,9 @@ void ForEachElement(std::string_view list, TTake take) {
 
 template <typename TConvert>
 auto ConvertElements(const std::optional<std::string_view>& list, TConvert convert) {
-  Reading<std::vector<decltype(convert(*list))>> reading{ReadCode::kTagAbsent, {}};
+  TReading<std::vector<decltype(convert(*list))>> reading{TReadCode::kTagAbsent, {}};
   if (!list) return reading;
-  reading.code = ReadCode::kRead;
+  reading.code = TReadCode::kRead;
   ForEachElement(*list,
                  [&](std::string_view element) { reading.value.push_back(convert(element)); });
   return reading;
@@ -70,11 +70,11 @@ auto ConvertElements(const std::optional<std::string_view>& list, TConvert conve
 
 }  // namespace
 
-std::string_view CommandLine::CommandWord() const {
+std::string_view TCommandLine::CommandWord() const {
   return FirstWord(text_);
 }
 
-std::optional<std::string_view> CommandLine::Behind(std::string_view tag) const {
+std::optional<std::string_view> TCommandLine::Behind(std::string_view tag) const {
   for (std::size_t at = text_.find(tag); at != text_.npos; at = text_.find(tag, at + 1)) {
     const std::size_t end = at + tag.size();
     const bool begins_word = at == 0 || text_[at - 1] == ' ';
@@ -84,66 +84,66 @@ std::optional<std::string_view> CommandLine::Behind(std::string_view tag) const 
   return std::nullopt;
 }
 
-Reading<std::string_view> CommandLine::Word(std::string_view tag) const {
+TReading<std::string_view> TCommandLine::Word(std::string_view tag) const {
   const std::string_view word = FirstWord(Behind(tag).value_or(std::string_view()));
-  if (word.empty()) return {ReadCode::kTagAbsent, {}};
-  return {ReadCode::kRead, word.substr(0, kLongestWord)};
+  if (word.empty()) return {TReadCode::kTagAbsent, {}};
+  return {TReadCode::kRead, word.substr(0, kLongestWord)};
 }
 
-Reading<bool> CommandLine::Boolean(std::string_view tag) const {
-  const Reading<std::string_view> word = Word(tag);
-  if (word.code != ReadCode::kRead) return {word.code, false};
+TReading<bool> TCommandLine::Boolean(std::string_view tag) const {
+  const TReading<std::string_view> word = Word(tag);
+  if (word.code != TReadCode::kRead) return {word.code, false};
   return ToBoolean(word.value);
 }
 
-Reading<std::int64_t> CommandLine::Long(std::string_view tag) const {
-  const Reading<std::string_view> word = Word(tag);
+TReading<std::int64_t> TCommandLine::Long(std::string_view tag) const {
+  const TReading<std::string_view> word = Word(tag);
   return {word.code, ToLong(word.value)};
 }
 
-Reading<double> CommandLine::Double(std::string_view tag) const {
-  const Reading<std::string_view> word = Word(tag);
+TReading<double> TCommandLine::Double(std::string_view tag) const {
+  const TReading<std::string_view> word = Word(tag);
   return {word.code, ToDouble(word.value)};
 }
 
-Reading<std::string_view> CommandLine::Parenthesised(std::string_view tag) const {
+TReading<std::string_view> TCommandLine::Parenthesised(std::string_view tag) const {
   const std::optional<std::string_view> rest = Behind(tag);
-  if (!rest) return {ReadCode::kTagAbsent, {}};
+  if (!rest) return {TReadCode::kTagAbsent, {}};
   const std::optional<std::string_view> text = Between(*rest, '(', ')');
-  if (!text) return {ReadCode::kNoParentheses, {}};
-  return {ReadCode::kRead, *text};
+  if (!text) return {TReadCode::kNoParentheses, {}};
+  return {TReadCode::kRead, *text};
 }
 
-std::optional<std::string_view> CommandLine::List(std::string_view tag) const {
+std::optional<std::string_view> TCommandLine::List(std::string_view tag) const {
   const std::optional<std::string_view> rest = Behind(tag);
   return rest ? Between(*rest, '{', '}') : std::nullopt;
 }
 
-Reading<std::vector<std::string_view>> CommandLine::Words(std::string_view tag) const {
+TReading<std::vector<std::string_view>> TCommandLine::Words(std::string_view tag) const {
   return ConvertElements(List(tag), [](std::string_view element) { return element; });
 }
 
-Reading<std::vector<std::int64_t>> CommandLine::Longs(std::string_view tag) const {
+TReading<std::vector<std::int64_t>> TCommandLine::Longs(std::string_view tag) const {
   return ConvertElements(List(tag), ToLong);
 }
 
-Reading<std::vector<double>> CommandLine::Doubles(std::string_view tag) const {
+TReading<std::vector<double>> TCommandLine::Doubles(std::string_view tag) const {
   return ConvertElements(List(tag), ToDouble);
 }
 
-Reading<std::vector<bool>> CommandLine::Booleans(std::string_view tag) const {
-  const Reading<std::vector<std::string_view>> words = Words(tag);
-  Reading<std::vector<bool>> reading{words.code, {}};
+TReading<std::vector<bool>> TCommandLine::Booleans(std::string_view tag) const {
+  const TReading<std::vector<std::string_view>> words = Words(tag);
+  TReading<std::vector<bool>> reading{words.code, {}};
   for (const std::string_view word : words.value) {
-    const Reading<bool> element = ToBoolean(word);
-    if (element.code != ReadCode::kRead) return {element.code, {}};
+    const TReading<bool> element = ToBoolean(word);
+    if (element.code != TReadCode::kRead) return {element.code, {}};
     reading.value.push_back(element.value);
   }
   return reading;
 }
 
-std::optional<std::int64_t> CommandLine::WholeNumber(std::string_view tag) const {
-  for (auto rest = Behind(tag); rest; rest = CommandLine(*rest).Behind(tag)) {
+std::optional<std::int64_t> TCommandLine::WholeNumber(std::string_view tag) const {
+  for (auto rest = Behind(tag); rest; rest = TCommandLine(*rest).Behind(tag)) {
     const std::string_view word = FirstWord(*rest);
     if (IsWholeNumber(word)) return ScanInteger(word);
   }

@@ -1,24 +1,24 @@
-#include "DataTools/DataManip/SideStats.h"
+#include "DataTools/DataManip/TSideStats.h"
 
 #include <algorithm>
 #include <cstddef>
 
 namespace kiln {
 
-SideStats::SideStats(int columns) {
+TSideStats::TSideStats(int columns) {
   const std::size_t slots = static_cast<std::size_t>(columns) + 1;
   for (auto* figures : {&DyaMaxima, &DyaMinima, &DyaAverages}) figures->resize(slots);
   for (auto* positions : {&DyaMaximumRows, &DyaMinimumRows}) positions->resize(slots);
 }
 
-void SideStats::Begin(std::span<const double> row, int position) {
+void TSideStats::Begin(std::span<const double> row, int position) {
   for (auto* figures : {&DyaMaxima, &DyaMinima, &DyaAverages})
     std::copy(row.begin(), row.end(), figures->begin());
   for (auto* positions : {&DyaMaximumRows, &DyaMinimumRows})
     std::fill_n(positions->begin(), row.size(), position);
 }
 
-void SideStats::Add(std::span<const double> row, int position) {
+void TSideStats::Add(std::span<const double> row, int position) {
   for (std::size_t c = 0; c < row.size(); ++c) {
     const double value = row[c];
     DyaAverages[c] += value;
@@ -33,7 +33,7 @@ void SideStats::Add(std::span<const double> row, int position) {
   }
 }
 
-void SideStats::Finish(int rows) {
+void TSideStats::Finish(int rows) {
   for (double& average : DyaAverages) average /= rows;
 }
 

@@ -8,7 +8,7 @@
 namespace kiln {
 
 // How reading an argument ended.
-enum class ReadCode {
+enum class TReadCode {
   kRead = 0,
   kTagAbsent = -201,  // the tag, or what should stand behind it, is not there
   kNotABoolean = -202,
@@ -17,8 +17,8 @@ enum class ReadCode {
 
 // What an argument reader found: `value` counts when `code` is kRead.
 template <typename T>
-struct Reading {
-  ReadCode code;
+struct TReading {
+  TReadCode code;
   T value;
 };
 
@@ -31,9 +31,9 @@ struct Reading {
 //
 // Readers convert without complaint: what is no number is 0. Views that they return live as long as
 // the text of the line.
-class CommandLine {
+class TCommandLine {
  public:
-  explicit CommandLine(std::string_view text) : text_(text) {}
+  explicit TCommandLine(std::string_view text) : text_(text) {}
 
   std::string_view Text() const { return text_; }
 
@@ -44,23 +44,23 @@ class CommandLine {
   bool Contains(std::string_view text) const { return text_.find(text) != text_.npos; }
 
   // The word behind the tag, cut to 80 characters.
-  Reading<std::string_view> Word(std::string_view tag) const;
+  TReading<std::string_view> Word(std::string_view tag) const;
 
   // "true" or "on", "false" or "off", in any case.
-  Reading<bool> Boolean(std::string_view tag) const;
+  TReading<bool> Boolean(std::string_view tag) const;
 
-  Reading<std::int64_t> Long(std::string_view tag) const;
-  Reading<double> Double(std::string_view tag) const;
+  TReading<std::int64_t> Long(std::string_view tag) const;
+  TReading<double> Double(std::string_view tag) const;
 
   // The text between the first "(" behind the tag and the next ")".
-  Reading<std::string_view> Parenthesised(std::string_view tag) const;
+  TReading<std::string_view> Parenthesised(std::string_view tag) const;
 
   // The elements of the first list "{...}" behind the tag: the texts between its commas, each cut
   // to 254 characters. A list of nothing but blanks has none.
-  Reading<std::vector<std::string_view>> Words(std::string_view tag) const;
-  Reading<std::vector<bool>> Booleans(std::string_view tag) const;
-  Reading<std::vector<std::int64_t>> Longs(std::string_view tag) const;
-  Reading<std::vector<double>> Doubles(std::string_view tag) const;
+  TReading<std::vector<std::string_view>> Words(std::string_view tag) const;
+  TReading<std::vector<bool>> Booleans(std::string_view tag) const;
+  TReading<std::vector<std::int64_t>> Longs(std::string_view tag) const;
+  TReading<std::vector<double>> Doubles(std::string_view tag) const;
 
   // The whole number behind the first occurrence of the tag that has one. Other occurrences, such
   // as an alias that is spelled like the tag, do not count.

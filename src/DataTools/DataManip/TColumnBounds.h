@@ -10,17 +10,17 @@ namespace kiln {
 // what a linear normalisation maps to 1 and to 0.
 //
 // A side for which no bounds are made (`{}`) is one that is left as it is.
-class ColumnBounds {
+class TColumnBounds {
  public:
-  ColumnBounds() = default;
+  TColumnBounds() = default;
 
   // The same bounds for each of `columns` columns. REQUIRES: columns >= 0.
-  ColumnBounds(int columns, double maximum, double minimum)
+  TColumnBounds(int columns, double maximum, double minimum)
       : MbrDyaMaxima(static_cast<std::size_t>(columns), maximum),
         MbrDyaMinima(static_cast<std::size_t>(columns), minimum) {}
 
   // Bounds for as many columns as there are values. REQUIRES: both have the same number.
-  ColumnBounds(std::span<const double> maxima, std::span<const double> minima)
+  TColumnBounds(std::span<const double> maxima, std::span<const double> minima)
       : MbrDyaMaxima(maxima.begin(), maxima.end()), MbrDyaMinima(minima.begin(), minima.end()) {}
 
   // Whether there are bounds for `columns` columns, or none at all.

@@ -1,4 +1,4 @@
-#include "Interpreter/LineReader.h"
+#include "Interpreter/TLineReader.h"
 
 #include <limits>
 
@@ -6,9 +6,9 @@
 
 namespace kiln {
 
-LineReader::LineReader(std::istream& in, std::size_t longest) : in_(in), buffer_(longest + 1) {}
+TLineReader::TLineReader(std::istream& in, std::size_t longest) : in_(in), buffer_(longest + 1) {}
 
-bool LineReader::Next() {
+bool TLineReader::Next() {
   if (too_long_) in_.ignore(std::numeric_limits<std::streamsize>::max(), '\n');
   in_.getline(buffer_.data(), static_cast<std::streamsize>(buffer_.size()));
   const auto taken = static_cast<std::size_t>(in_.gcount());
@@ -29,7 +29,7 @@ bool LineReader::Next() {
   return true;
 }
 
-std::string_view LineReader::Line() const {
+std::string_view TLineReader::Line() const {
   std::string_view line(buffer_.data(), length_);
   if (line.ends_with('\r')) line.remove_suffix(1);
   return TrimBlanks(line);

@@ -7,8 +7,8 @@ namespace kiln {
 
 // The figures of each column of one side of a data set. Behind the last column stands a spare one,
 // which is always 0.
-struct SideStats {
-  explicit SideStats(int columns);
+struct TSideStats {
+  explicit TSideStats(int columns);
 
   // Takes a row that stands at `position` into account: the first, or a further one.
   void Begin(std::span<const double> row, int position);
