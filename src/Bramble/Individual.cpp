@@ -1,11 +1,9 @@
 #include "Bramble/Individual.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
 #include <utility>
 
 #include "Bramble/Chance.h"
+#include "Shared/Narrowing.h"
 
 namespace kiln {
 
@@ -13,8 +11,7 @@ Individual::Individual(std::uint32_t identifier, Chromosome chromosome)
     : MbrIntIdentifier(identifier), MbrChmGenes(std::move(chromosome)) {}
 
 void Individual::SetFitness(float fitness) {
-  constexpr float kLargest = std::numeric_limits<float>::max();
-  MbrFltFitness = std::isnan(fitness) ? 0.0F : std::clamp(fitness, -kLargest, kLargest);
+  MbrFltFitness = ToSingle(fitness);
 }
 
 Individual Individual::Mate(const Individual& mate, int crossover_points) const {

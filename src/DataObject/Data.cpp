@@ -1,8 +1,8 @@
 #include "DataObject/Data.h"
 
 #include <algorithm>
-#include <limits>
 
+#include "Shared/Narrowing.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
@@ -208,9 +208,7 @@ std::int64_t Data::PositionAfter(int n) const {
 }
 
 void Data::Step(int n) {
-  using Limits = std::numeric_limits<int>;
-  MbrNdxCursor = static_cast<int>(
-      std::clamp(PositionAfter(n), std::int64_t{Limits::min()}, std::int64_t{Limits::max()}));
+  MbrNdxCursor = ToInt32(PositionAfter(n));
 }
 
 void Data::Current(std::span<double> inputs, std::span<double> outputs, LabelList* labels) const {

@@ -20,7 +20,7 @@ namespace {
 using FileTools::ParseItem;
 using FileTools::Reader;
 
-constexpr const char* kModule = "FileHandler/Filer";
+constexpr char kModule[] = "FileHandler/Filer";
 
 // The groups of columns, in the order in which the header must name them.
 struct ColumnGroup {

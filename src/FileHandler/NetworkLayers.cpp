@@ -54,8 +54,7 @@ class LayerReader {
   std::optional<std::size_t> neurons_;
   std::unique_ptr<TBasicLayer> layer_;  // from when kind and number of neurons are known
   TActFunction function_ = nullptr;     // the common one
-  // The common values. What a line sets for its neuron holds for the neurons on later lines as
-  // well.
+  // The common values. What a line sets for its neuron holds on later lines as well.
   Values values_;
 };
 

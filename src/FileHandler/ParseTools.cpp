@@ -4,12 +4,12 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <limits>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
 
+#include "Shared/Narrowing.h"
 #include "Shared/NumberScan.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"
@@ -18,7 +18,7 @@ namespace kiln::FileTools {
 
 namespace {
 
-constexpr const char* kModule = "FileHandler/ParseTools";
+constexpr char kModule[] = "FileHandler/ParseTools";
 constexpr double kNewestVersion = 1.0;
 constexpr std::size_t kMaxStream = std::size_t{1} << 30;
 
@@ -267,9 +267,7 @@ double ExpectNumber(const ParseItem& item, const Reader& reader, std::string_vie
 
 std::int32_t ExpectInteger32(const ParseItem& item, const Reader& reader,
                              std::string_view keyword) {
-  using TLimits = std::numeric_limits<std::int32_t>;
-  const std::int64_t value = ExpectInteger(item, reader, keyword);
-  return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, TLimits::min(), TLimits::max()));
+  return ToInt32(ExpectInteger(item, reader, keyword));
 }
 
 std::int32_t ExpectCount(const ParseItem& item, const Reader& reader, std::string_view keyword) {

@@ -28,7 +28,7 @@ using FileTools::Writer;
 using OptionalName = std::optional<std::string>;
 using Values = std::vector<double>;
 
-constexpr const char* kModule = "FileHandler/TFuzzyMFFiler";
+constexpr char kModule[] = "FileHandler/TFuzzyMFFiler";
 constexpr int kDecimals = 7;
 constexpr std::string_view kEmptySlot = "Empty";
 

@@ -9,7 +9,7 @@ namespace kiln::FileTools {
 
 namespace {
 
-constexpr const char* kModule = "FileHandler/ParseTools";
+constexpr char kModule[] = "FileHandler/ParseTools";
 constexpr std::size_t kPiece = std::size_t{1} << 20;
 
 }  // namespace

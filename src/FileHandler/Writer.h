@@ -9,8 +9,7 @@
 namespace kiln::FileTools {
 
 // Lays out files in the bracketed syntax. Tags and statements are lines of their own, "[Name]" and
-// "[Name = value]"; between OpenBracket and CloseBracket they share one: "[Name=value Name=value
-// ]".
+// "[Name = value]"; between OpenBracket and CloseBracket they share one, "[A=1 B=2 ]".
 //
 // Text is gathered and handed to the stream in large pieces: at the latest by the destructor.
 class Writer {

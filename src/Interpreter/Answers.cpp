@@ -39,8 +39,8 @@ std::string AnswerArray(std::span<const double> values) {
   return Braced(values, [](double value) { return FormatGeneral(value, 12); });
 }
 
-std::string AnswerArray(std::span<const std::int64_t> values) {
-  return Braced(values, [](std::int64_t value) { return std::to_string(value); });
+std::string AnswerArray(std::span<const int> values) {
+  return Braced(values, [](int value) { return std::to_string(value); });
 }
 
 std::string AnswerArray(std::span<const std::string> words) {

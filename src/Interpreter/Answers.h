@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,7 +15,7 @@ std::string_view AnswerSwitch(bool value);   // "on" or "off"
 
 // "{first, second}"; doubles with 12 significant digits.
 std::string AnswerArray(std::span<const double> values);
-std::string AnswerArray(std::span<const std::int64_t> values);
+std::string AnswerArray(std::span<const int> values);
 std::string AnswerArray(std::span<const std::string> words);
 
 }  // namespace kiln

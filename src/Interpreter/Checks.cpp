@@ -1,8 +1,6 @@
 #include "Interpreter/Checks.h"
 
-#include <algorithm>
-#include <limits>
-
+#include "Shared/Narrowing.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -20,7 +18,7 @@ std::string RequiredPath(const TCommandLine& line, std::string_view message) {
 
 int AtLeast(int minimum, std::int64_t count, std::string_view tag) {
   if (count < minimum) Fail(tag, " must be at least ", std::to_string(minimum));
-  return static_cast<int>(std::min<std::int64_t>(count, std::numeric_limits<int>::max()));
+  return ToInt32(count);
 }
 
 void RefuseReserved(std::string_view alias) {
@@ -35,10 +33,7 @@ std::string_view RequiredAlias(const TCommandLine& line, std::string_view tag,
 }
 
 std::string_view RequiredAlias(const TCommandLine& line, std::string_view tag) {
-  const TReading<std::string_view> alias = line.Word(tag);
-  if (alias.code != TReadCode::kRead) Fail("tag ", tag, " not found");
-  RefuseReserved(alias.value);
-  return alias.value;
+  return RequiredAlias(line, tag, "tag " + std::string(tag) + " not found");
 }
 
 std::string_view RequiredNewAlias(const TObjectRegistry& registry, const TCommandLine& line,

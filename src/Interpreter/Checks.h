@@ -71,13 +71,19 @@ std::string_view RequiredNewAlias(const TObjectRegistry& registry, const TComman
 // The entry called `alias`, which must exist.
 const TRegistryNode& RequiredEntry(const TObjectRegistry& registry, std::string_view alias);
 
-// The object of an entry, which must be a `T`. `what` completes the message behind the alias.
+// The object of an entry, or of the entry called `alias`, which must be a `T`. `what` completes the
+// message behind the alias.
 template <typename T>
-std::shared_ptr<T> RequiredKind(const TRegistryNode& node, std::string_view alias,
-                                std::string_view what) {
+std::shared_ptr<T> RequiredObject(const TRegistryNode& node, std::string_view alias,
+                                  std::string_view what) {
   std::shared_ptr<T> object = node.As<T>();
   if (!object) Fail(alias, what);
   return object;
+}
+template <typename T>
+std::shared_ptr<T> RequiredObject(const TObjectRegistry& registry, std::string_view alias,
+                                  std::string_view what) {
+  return RequiredObject<T>(RequiredEntry(registry, alias), alias, what);
 }
 
 // Fails unless a side of the data set `set`, "inputs" or "outputs", has as many columns as that of

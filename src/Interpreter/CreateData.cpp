@@ -23,7 +23,7 @@ int CreateData(TInterpreter& interpreter, const TCommandLine& line) {
 int CreateDataStats(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::string_view source = RequiredAlias(line, "source");
-  auto set = RequiredKind<Data>(RequiredEntry(interpreter, source), source, " is not type Data");
+  auto set = RequiredObject<Data>(interpreter, source, " is not type Data");
   interpreter.Insert({alias, std::make_unique<TDataStats>(std::move(set))});
   return kDone;
 }

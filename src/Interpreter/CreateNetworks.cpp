@@ -1,9 +1,9 @@
 #include <algorithm>
-#include <limits>
 
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "Shared/Narrowing.h"
 #include "Tarn/TTarn.h"
 
 namespace kiln::commands {
@@ -12,11 +12,8 @@ namespace {
 
 // Each number as the nearest int.
 std::vector<int> ToInts(const std::vector<std::int64_t>& numbers) {
-  using TLimits = std::numeric_limits<int>;
   std::vector<int> ints(numbers.size());
-  std::ranges::transform(numbers, ints.begin(), [](std::int64_t number) {
-    return static_cast<int>(std::clamp<std::int64_t>(number, TLimits::min(), TLimits::max()));
-  });
+  std::ranges::transform(numbers, ints.begin(), ToInt32);
   return ints;
 }
 

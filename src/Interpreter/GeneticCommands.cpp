@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -11,7 +10,7 @@
 #include "Interpreter/CreateCommands.h"
 #include "Interpreter/NetworkObjects.h"
 #include "Interpreter/Training.h"
-#include "Shared/SinglePrecision.h"
+#include "Shared/Narrowing.h"
 #include "Shared/Text.h"
 
 namespace kiln::commands {
@@ -34,15 +33,10 @@ std::size_t CheckedPopulation(std::int64_t population) {
   return size;
 }
 
-int ToInt(std::int64_t value) {
-  using Limits = std::numeric_limits<int>;
-  return static_cast<int>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
-}
-
 RunSettings ReadSettings(const TCommandLine& line) {
   RunSettings settings;
   settings.NdxElites = Optional(line.Boolean("elitism"), true) ? 1 : 0;
-  settings.IntCrossover = ToInt(Optional(line.Long("crossover"), std::int64_t{1}));
+  settings.IntCrossover = ToInt32(Optional(line.Long("crossover"), std::int64_t{1}));
   settings.FltMutation = ToSingle(Optional(line.Double("mutation"), 0.001));
   const std::string_view selection = Optional(line.Word("selection"), std::string_view());
   settings.IntSelection =

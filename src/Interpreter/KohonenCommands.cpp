@@ -43,8 +43,7 @@ int CreateKohonen(TInterpreter& interpreter, const TCommandLine& line) {
 int CreateKohonenTrainer(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredNewAlias(interpreter, line, "alias");
   const std::string_view name = RequiredAlias(line, "network");
-  const auto map = RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
-                                                 " is not a Kohonen network");
+  const auto map = RequiredObject<TKohonenNetwork>(interpreter, name, " is not a Kohonen network");
   interpreter.Insert({alias, std::make_unique<TKohonenModule>(map)});
   return kDone;
 }
@@ -71,11 +70,9 @@ int TrainMap(TInterpreter&, const TCommandLine& line, const TLesson& lesson) {
 
 int Map(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
-  const auto map = RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
-                                                 " is not a Kohonen network");
+  const auto map = RequiredObject<TKohonenNetwork>(interpreter, name, " is not a Kohonen network");
   const std::string_view input = RequiredAlias(line, "input");
-  const auto set =
-      RequiredKind<Data>(RequiredEntry(interpreter, input), input, " is not of type Data");
+  const auto set = RequiredObject<Data>(interpreter, input, " is not of type Data");
   const std::string_view output = RequiredNewAlias(interpreter, line, "output");
   RequireColumns(input, set->Inputs(), "inputs", name, map->NumInputs());
   interpreter.Insert({output, map->RecallCoordinates(set.get())});

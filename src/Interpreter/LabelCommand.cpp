@@ -63,14 +63,12 @@ class TUnitRows {
 
 int Label(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
-  const auto network = RequiredKind<TKohonenNetwork>(RequiredEntry(interpreter, name), name,
-                                                     " is not of type Kohonen");
+  const auto network =
+      RequiredObject<TKohonenNetwork>(interpreter, name, " is not of type Kohonen");
   const std::string_view map = RequiredAlias(line, "map");
-  const auto labelled =
-      RequiredKind<Data>(RequiredEntry(interpreter, map), map, " is not of type data");
+  const auto labelled = RequiredObject<Data>(interpreter, map, " is not of type data");
   const std::string_view coord = RequiredAlias(line, "coord");
-  const auto asked =
-      RequiredKind<Data>(RequiredEntry(interpreter, coord), coord, " is not of type data");
+  const auto asked = RequiredObject<Data>(interpreter, coord, " is not of type data");
   const std::string_view output = RequiredNewAlias(interpreter, line, "output");
   if (!labelled->HasLabels()) Fail(map, " has no labels");
 

@@ -64,7 +64,7 @@ int Rescale(TInterpreter& interpreter, const TCommandLine& line, TMapping mappin
   const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
   const std::string_view method = Required(line.Word("method"), "tag method not found");
   if (!EqualNoCase(method, "linear")) Fail("unknown normalisation method");
-  const auto set = RequiredKind<Data>(node, source, " is not of type Data");
+  const auto set = RequiredObject<Data>(node, source, " is not of type Data");
   const auto inputs = SideBounds(line, kInputTags, set->Inputs());
   const auto outputs = SideBounds(line, kOutputTags, set->Outputs());
   if (!inputs && !outputs) Fail(kNothing);
@@ -80,7 +80,7 @@ int Shuffle(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view source = RequiredAlias(line, "source");
   const TRegistryNode& node = RequiredEntry(interpreter, source);
   const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
-  const auto set = RequiredKind<Data>(node, source, " is not of type Data");
+  const auto set = RequiredObject<Data>(node, source, " is not of type Data");
   StartRandom(line);
   interpreter.Insert({destination, TDataManip::Shuffle(set.get())});
   set->ResetCursor();

@@ -55,22 +55,18 @@ std::string Structure(const Data& set) {
 }
 
 std::string Structure(const TTarn& network) {
-  const std::vector<int> conditions = network.InputMF();
-  const std::vector<int> actions = network.OutputMF();
   std::ostringstream text;
-  text << "inputs " << network.NumInputs() << " condition "
-       << AnswerArray(std::vector<std::int64_t>(conditions.begin(), conditions.end())) << " rules "
-       << network.NumRules() << " action "
-       << AnswerArray(std::vector<std::int64_t>(actions.begin(), actions.end())) << " outputs "
-       << network.NumOutputs();
+  text << "inputs " << network.NumInputs() << " condition " << AnswerArray(network.InputMF())
+       << " rules " << network.NumRules() << " action " << AnswerArray(network.OutputMF())
+       << " outputs " << network.NumOutputs();
   return text.str();
 }
 
 std::string Structure(const TMLPNetwork& network) {
-  std::vector<std::int64_t> hidden;
+  std::vector<int> hidden;
   for (std::size_t i = 1; i < network.NumLayers(); ++i) {
     if (i == network.InputLayer() || i == network.OutputLayer()) continue;
-    hidden.push_back(static_cast<std::int64_t>(network.Layer(i).NumNeurons()));
+    hidden.push_back(static_cast<int>(network.Layer(i).NumNeurons()));
   }
   std::ostringstream text;
   text << "layers " << network.NumLayers() - 1 << " inputs " << network.NumInputs() << " hidden "
@@ -83,7 +79,7 @@ std::string Structure(const TKohonenNetwork& map) {
   const std::span<const int> sizes = map.Grid().Sizes();
   std::ostringstream text;
   text << "inputs " << map.NumInputs() << " dimensions " << sizes.size() << " mapdim "
-       << AnswerArray(std::vector<std::int64_t>(sizes.begin(), sizes.end()));
+       << AnswerArray(sizes);
   return text.str();
 }
 
@@ -127,7 +123,7 @@ std::string StepToNextRow(Data& set) {
 
 int GetNextRow(TInterpreter& interpreter, const TCommandLine& line) {
   const TSubject subject = Subject(interpreter, line, "getnextrow");
-  const auto set = RequiredKind<Data>(subject.node, subject.alias, " is not of type Data");
+  const auto set = RequiredObject<Data>(subject.node, subject.alias, " is not of type Data");
   if (set->DataRows() == 0) Fail(subject.alias, " has no rows");
   interpreter.SetResult(StepToNextRow(*set));
   return kValue;

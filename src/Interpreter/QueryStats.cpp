@@ -35,8 +35,7 @@ const TStatistic& RequiredStatistic(const TCommandLine& line) {
 
 int GetStats(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
-  const auto stats = RequiredKind<TDataStats>(RequiredEntry(interpreter, alias), alias,
-                                              " is not of type DataStats");
+  const auto stats = RequiredObject<TDataStats>(interpreter, alias, " is not of type DataStats");
   const TStatistic& statistic = RequiredStatistic(line);
   const bool inputs = RequiredBoolean(line, "inputs");
   const bool outputs = RequiredBoolean(line, "outputs");

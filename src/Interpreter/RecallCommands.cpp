@@ -11,8 +11,7 @@ int Recall(TInterpreter& interpreter, const TCommandLine& line) {
   const auto network = AsNetwork(RequiredEntry(interpreter, name));
   if (!network) Fail(name, " is not an ANN");
   const std::string_view input = RequiredAlias(line, "input", "cannot find tag input");
-  const auto set =
-      RequiredKind<Data>(RequiredEntry(interpreter, input), input, " must be type data");
+  const auto set = RequiredObject<Data>(interpreter, input, " must be type data");
   const std::string_view output = RequiredAlias(line, "output", "cannot find tag output");
   if (interpreter.Exists(output)) Fail("object ", output, " already exists");
   RequireColumns(input, set->Inputs(), "inputs", name, network->NumInputs());

@@ -43,7 +43,7 @@ LabelList RowLabels(const TCommandLine& line) {
 // The data set that "resetdata" and "purgedata" name.
 std::shared_ptr<Data> NamedSet(const TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
-  return RequiredKind<Data>(RequiredEntry(interpreter, alias), alias, " is not of type Data");
+  return RequiredObject<Data>(interpreter, alias, " is not of type Data");
 }
 
 }  // namespace
@@ -52,7 +52,7 @@ int Append(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const TRegistryNode* node = interpreter.Find(alias);
   if (!node) Fail("object ", alias, " does not exist");
-  const auto set = RequiredKind<Data>(*node, alias, " is not of type Data");
+  const auto set = RequiredObject<Data>(*node, alias, " is not of type Data");
   const std::vector<double> inputs = SideValues(line, "inputs", set->Inputs());
   const std::vector<double> outputs = SideValues(line, "outputs", set->Outputs());
   const LabelList labels = RowLabels(line);

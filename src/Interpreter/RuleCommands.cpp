@@ -25,16 +25,14 @@ std::shared_ptr<const TNetLabel> NamedLabels(const TInterpreter& interpreter,
                                              const TCommandLine& line) {
   const TReading<std::string_view> alias = line.Word("labels");
   if (alias.code != TReadCode::kRead) return nullptr;
-  return RequiredKind<TNetLabel>(RequiredEntry(interpreter, alias.value), alias.value,
-                                 " is not of type TarnLabel");
+  return RequiredObject<TNetLabel>(interpreter, alias.value, " is not of type TarnLabel");
 }
 
 }  // namespace
 
 int LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
-  const auto network =
-      RequiredKind<TTarn>(RequiredEntry(interpreter, name), name, " is not of type Tarn");
+  const auto network = RequiredObject<TTarn>(interpreter, name, " is not of type Tarn");
   const std::string_view labels = RequiredNewAlias(interpreter, line, "labels");
   interpreter.Insert({labels, std::make_unique<TNetLabel>(MakeDefaultLabels(*network))});
   return kDone;
@@ -42,8 +40,7 @@ int LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
 
 int RETarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
-  const auto network =
-      RequiredKind<TTarn>(RequiredEntry(interpreter, name), name, " is not type Tarn");
+  const auto network = RequiredObject<TTarn>(interpreter, name, " is not type Tarn");
   const std::string_view rules = RequiredNewAlias(interpreter, line, "rules");
   const std::shared_ptr<const TNetLabel> labels = NamedLabels(interpreter, line);
   interpreter.Insert({rules, std::make_unique<TFuzzyRuleSet>(TNetRule::RETarn(
@@ -53,8 +50,7 @@ int RETarn(TInterpreter& interpreter, const TCommandLine& line) {
 
 int RITarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "rules");
-  const auto rules = RequiredKind<TFuzzyRuleSet>(RequiredEntry(interpreter, name), name,
-                                                 " is not of type FuzzyRules");
+  const auto rules = RequiredObject<TFuzzyRuleSet>(interpreter, name, " is not of type FuzzyRules");
   const std::string_view network = RequiredNewAlias(interpreter, line, "network");
   interpreter.Insert({network, TNetRule::RITarn(*rules)});
   return kDone;

@@ -71,8 +71,7 @@ int Train(TInterpreter& interpreter, const TCommandLine& line) {
   const TTraining train = TrainingOf(trainer);
   if (!train) Fail(alias, " is not a training object");
   const std::string_view set_alias = RequiredAlias(line, "data");
-  const auto set =
-      RequiredKind<Data>(RequiredEntry(interpreter, set_alias), set_alias, " is not of type data");
+  const auto set = RequiredObject<Data>(interpreter, set_alias, " is not of type data");
   const int code = train(interpreter, line, {alias, trainer, set_alias, *set});
   set->ResetCursor();
   return code;

@@ -12,7 +12,7 @@ namespace kiln {
 
 namespace {
 
-constexpr const char* kModule = "KQmessage/KQML";
+constexpr char kModule[] = "KQmessage/KQML";
 
 bool IsPrintable(char c) {
   return c >= '!' && c <= '~';

@@ -1,11 +1,11 @@
 #include "KQmessage/TKQstructure.h"
 
 #include <algorithm>
-#include <iostream>
-#include <limits>
 #include <optional>
+#include <ostream>
 #include <utility>
 
+#include "Shared/Narrowing.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/NumberScan.h"
 #include "Shared/TAssertion.h"
@@ -16,7 +16,7 @@ namespace kiln {
 
 namespace {
 
-constexpr const char* kModule = "KQmessage/KQML";
+constexpr char kModule[] = "KQmessage/KQML";
 
 std::string Join(std::string_view left, std::string_view right) {
   std::string text(left);
@@ -29,11 +29,6 @@ std::string Join(std::string_view left, std::string_view right) {
   auto error = std::make_shared<TKQstructure>(TKQstructure::MakeError(type));
   error->SetString(key, std::string(text));
   throw TException(std::move(message), "", function, std::move(error));
-}
-
-std::int32_t ClampTo32Bits(std::int64_t value) {
-  using TLimits = std::numeric_limits<std::int32_t>;
-  return static_cast<std::int32_t>(std::clamp<std::int64_t>(value, TLimits::min(), TLimits::max()));
 }
 
 }  // namespace
@@ -125,7 +120,7 @@ bool TKQstructure::DerefBoolThrow(std::string_view keyword) const {
 }
 
 void TKQstructure::CheckMessage(std::string_view keyword, std::string_view expected_value) const {
-  constexpr const char* kFunction = "TKQstructure::CheckMessage";
+  constexpr char kFunction[] = "TKQstructure::CheckMessage";
   const TKQstructure* value = Deref(keyword);
   if (value == nullptr) {
     ThrowError(Join("invalid message: expected ", keyword), kFunction, "invalid-message",
@@ -165,7 +160,7 @@ void TKQstructure::PrintLine(std::ostream& out) const {
 }
 
 std::int32_t str2longThrow(std::string_view text) {
-  if (const auto value = ScanInteger(text)) return ClampTo32Bits(*value);
+  if (const auto value = ScanInteger(text)) return ToInt32(*value);
   ThrowError(Join(text, " is not a long"), "str2longThrow", "invalid-message", "integer-expected",
              text);
 }
@@ -179,7 +174,7 @@ double str2doubleThrow(std::string_view text) {
 std::int32_t str2long(std::string_view text) {
   const auto value = ScanInteger(text);
   Assert(value.has_value(), "err == 1", kModule);
-  return ClampTo32Bits(*value);
+  return ToInt32(*value);
 }
 
 double str2double(std::string_view text) {

@@ -11,7 +11,7 @@ namespace kiln {
 
 namespace {
 
-constexpr const char* kModule = "Membership/TBasicMFSet";
+constexpr char kModule[] = "Membership/TBasicMFSet";
 
 std::size_t SlotsFor(int number_of_mf) {
   Assert(number_of_mf >= 0, "number_of_mf >= 0", kModule);

@@ -116,7 +116,7 @@ class TBasicConnections {
   std::span<const TPatchShape> Patches() const { return patches_; }
   TWeightPatch PatchOf(const TPatchShape& shape);
 
-  // The name of the kind's source, for assertions.
+  // The name of the kind's source, for assertions. Hot paths ask for it only when one has failed.
   virtual const char* Module() const = 0;
 
   void CheckAttached() const {

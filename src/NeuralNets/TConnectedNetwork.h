@@ -7,8 +7,7 @@ namespace kiln {
 // A network whose layers are connected one pair at a time.
 class TConnectedNetwork : public TBasicNetwork {
  public:
-  // Empty simple layers without connections. Throws TException unless
-  // 1 <= layers <= kMaxLayers.
+  // Empty simple layers without connections. Throws as TBasicNetwork.
   explicit TConnectedNetwork(int layers) : TBasicNetwork(layers) {}
 
   // Connects every neuron of a layer with every neuron of another by a pruneable block. A pair that

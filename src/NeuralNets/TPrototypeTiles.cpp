@@ -8,8 +8,10 @@
 namespace kiln {
 
 namespace {
+
 constexpr std::size_t kTile = TKernels::kTile;
-}
+
+}  // namespace
 
 TPrototypeTiles::TPrototypeTiles(std::span<const double> prototypes, std::size_t inputs)
     : units_(prototypes.size() / inputs),

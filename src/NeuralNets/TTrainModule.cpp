@@ -62,7 +62,11 @@ TTrainRun TTrainModule::StartRun(const Data& data, TKQstructure& params) {
 
 double TTrainModule::RunEpoch(const Data& data, TTrainRun& run) {
   run.error->Reset();
-  run.batch ? RunBatch(data, run) : RunPatterns(data, run);
+  if (run.batch) {
+    RunBatch(data, run);
+  } else {
+    RunPatterns(data, run);
+  }
   AddPenaltyToError(run);
   return run.error->Value();
 }

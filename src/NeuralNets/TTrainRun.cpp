@@ -51,8 +51,9 @@ TPenaltyTerm::TPenaltyTerm(const TKQstructure& message, double learning_rate)
       beta(NumberOr(message, "BETA", 1.0)),
       forgetting(0.0) {
   const double rate = NumberOr(message, "FORGETTINGRATE", 0.0);
-  if (kind == TKind::kForgetting && learning_rate != 0.0)
+  if (kind == TKind::kForgetting && learning_rate != 0.0) {
     forgetting = rate * (rate / learning_rate);
+  }
 }
 
 TTrainRun::TTrainRun(TKQstructure& params, std::size_t outputs)

@@ -39,8 +39,7 @@ struct TTrainRun {
   double threshold;
   bool batch;
   bool cross_entropy;
-  bool at_once =
-      false;  // the pass that finds the gradient of a pattern changes the weights as well
+  bool at_once = false;  // weights change in the pass that finds the gradient of a pattern
   TPenaltyTerm penalty;
   std::unique_ptr<TErrorObj> error;
   std::vector<double> output;  // of the pattern at hand

@@ -51,7 +51,7 @@ class TRuleSequence {
       : below_count_(below_count), at_most_count_(at_most_count) {}
 
  private:
-  static constexpr const char* kModule = "RuleObject/RuleObject";
+  static constexpr char kModule[] = "RuleObject/RuleObject";
 
   void CheckElement(int position) const {
     Assert(position >= 0, "exprnum>=0", kModule);

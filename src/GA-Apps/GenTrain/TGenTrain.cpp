@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "Bramble/Status.h"
-#include "Shared/SinglePrecision.h"
+#include "Shared/Narrowing.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 

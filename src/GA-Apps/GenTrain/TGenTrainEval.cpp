@@ -2,8 +2,8 @@
 
 #include "DataObject/Data.h"
 #include "NeuralNets/TIterateObjFlags.h"
+#include "Shared/Narrowing.h"
 #include "Shared/Random.h"
-#include "Shared/SinglePrecision.h"
 #include "Shared/TException.h"
 
 namespace kiln {
