@@ -1,5 +1,8 @@
 #include "Tarn/TCentreConnections.h"
 
+#include <string>
+
+#include "Shared/TException.h"
 #include "Tarn/Centres.h"
 
 namespace kiln {
@@ -15,6 +18,16 @@ void TCentreConnections::PutInOrder() {
     const TWeightPatch patch = PatchOf(shape);
     PutCentresInOrder({patch.weights, patch.Size()}, patch.masks);
   }
+}
+
+const TMFGroups& TCentreConnections::GroupsOf(const TFuzzyLayer* layer, std::size_t functions,
+                                              std::size_t variables) const {
+  if (!layer || layer->Groups().NumMF() != functions ||
+      layer->Groups().NumVariables() != variables) {
+    const std::string kind(KindName());
+    throw TException(kind + " do not fit these layers", "Bad Parameter", "T" + kind + "::Layout");
+  }
+  return layer->Groups();
 }
 
 }  // namespace kiln

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "NeuralNets/TBasicConnections.h"
+#include "Tarn/TFuzzyLayer.h"
 
 namespace kiln {
 
@@ -14,6 +15,12 @@ class TCentreConnections : public TBasicConnections {
   // PutCentresInOrder say.
   void PlaceEvenly();
   void PutInOrder();
+
+ protected:
+  // The groups of `layer`, which must have so many functions and variables. Throws TException
+  // otherwise, and when the layer is null.
+  const TMFGroups& GroupsOf(const TFuzzyLayer* layer, std::size_t functions,
+                            std::size_t variables) const;
 };
 
 }  // namespace kiln

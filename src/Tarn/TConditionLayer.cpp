@@ -52,15 +52,11 @@ void TConditionLayer::Compute(std::span<const double>) {
 
 void TConditionLayer::Activate() {
   if (GetActivation() != ActTarnCondition) return TBasicLayer::Activate();
-  const std::span<const double> all = Centres();
-  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
-    const std::size_t first = Groups().First(i);
-    const std::span<const double> centres = all.subspan(first, Groups().Count(i));
-    const double x = NetInputs()[first];
+  ForEachInput([this](std::size_t first, std::span<const double> centres, double x) {
     for (std::size_t k = 0; k < centres.size(); ++k) {
       Outputs()[first + k] = kiln::Membership(centres, k, x);
     }
-  }
+  });
 }
 
 std::unique_ptr<TBasicLayer> TConditionLayer::Clone() const {
@@ -76,21 +72,26 @@ double TConditionLayer::Membership(std::size_t neuron, double x) const {
 
 void TConditionLayer::AddGradients(std::span<const double> errors,
                                    std::span<double> gradients) const {
-  const std::span<const double> all = Centres();
-  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
-    const std::size_t first = Groups().First(i);
-    const std::span<const double> centres = all.subspan(first, Groups().Count(i));
-    const double x = NetInputs()[first];
+  ForEachInput([&](std::size_t first, std::span<const double> centres, double x) {
+    const std::span<double> own = gradients.subspan(first, centres.size());
     for (std::size_t k = 0; k < centres.size(); ++k) {
-      AddCentreGradients(centres, k, x, errors[first + k],
-                         gradients.subspan(first, centres.size()));
+      AddCentreGradients(centres, k, x, errors[first + k], own);
     }
-  }
+  });
 }
 
 std::span<const double> TConditionLayer::Centres() const {
   const std::size_t source = SourceLayer(TToConditionConnections::kKindName);
   return Network().Connections(Index(), source).Weights();
+}
+
+template <typename TVisit>
+void TConditionLayer::ForEachInput(const TVisit& visit) const {
+  const std::span<const double> all = Centres();
+  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
+    const std::size_t first = Groups().First(i);
+    visit(first, all.subspan(first, Groups().Count(i)), NetInputs()[first]);
+  }
 }
 
 }  // namespace kiln

@@ -34,7 +34,13 @@ class TConditionLayer : public TFuzzyLayer {
  private:
   explicit TConditionLayer(const TMFGroups& groups);
 
+  // The centres of all functions, in the order of the neurons.
   std::span<const double> Centres() const;
+
+  // Calls visit(first, centres, x) for each input: its first neuron, the centres of its functions
+  // and its value in the last recall.
+  template <typename TVisit>
+  void ForEachInput(const TVisit& visit) const;
 };
 
 }  // namespace kiln

@@ -73,10 +73,6 @@ std::size_t ToIndex(int node) {
   return static_cast<std::size_t>(node);
 }
 
-void CheckExists(const TBasicConnections& block, int from, int to, const char* function) {
-  if (!block.Exists(ToIndex(to), ToIndex(from))) FailParameter("Invalid weight number", function);
-}
-
 // Lets the neuron just behind the last one pass, which callers have come to rely on.
 void CheckNode(int node, const TBasicLayer& layer) {
   if (node < 0 || ToIndex(node) > layer.NumNeurons()) {
@@ -164,27 +160,25 @@ double TTarn::GetWeightValue(int weight_layer, int from, int to) const {
 }
 
 void TTarn::SetWeightValue(int weight_layer, int from, int to, double value) {
-  constexpr char kFunction[] = "TTarn::SetWeightValue";
-  const std::size_t lower = CheckedWeightLayer(weight_layer, kFunction);
-  TBasicConnections& block = Connections(lower + 1, lower);
-  CheckExists(block, from, to, kFunction);
+  TBasicConnections& block = BlockWith(weight_layer, from, to, "TTarn::SetWeightValue");
   block.SetWeight(ToIndex(to), ToIndex(from), value);
 }
 
 void TTarn::FreezeWeight(int weight_layer, int from, int to) {
-  constexpr char kFunction[] = "TTarn::FreezeWeight";
-  const std::size_t lower = CheckedWeightLayer(weight_layer, kFunction);
-  TBasicConnections& block = Connections(lower + 1, lower);
-  CheckExists(block, from, to, kFunction);
+  TBasicConnections& block = BlockWith(weight_layer, from, to, "TTarn::FreezeWeight");
   block.SetTrainable(ToIndex(to), ToIndex(from), false);
 }
 
 void TTarn::UnfreezeWeight(int weight_layer, int from, int to) {
-  constexpr char kFunction[] = "TTarn::UnfreezeWeight";
-  const std::size_t lower = CheckedWeightLayer(weight_layer, kFunction);
-  TBasicConnections& block = Connections(lower + 1, lower);
-  CheckExists(block, from, to, kFunction);
+  TBasicConnections& block = BlockWith(weight_layer, from, to, "TTarn::UnfreezeWeight");
   block.SetTrainable(ToIndex(to), ToIndex(from), true);
+}
+
+TBasicConnections& TTarn::BlockWith(int weight_layer, int from, int to, const char* function) {
+  const std::size_t lower = CheckedWeightLayer(weight_layer, function);
+  TBasicConnections& block = Connections(lower + 1, lower);
+  if (!block.Exists(ToIndex(to), ToIndex(from))) FailParameter("Invalid weight number", function);
+  return block;
 }
 
 bool TTarn::WeightExists(int weight_layer, int from, int to) const {

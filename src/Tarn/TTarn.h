@@ -57,7 +57,7 @@ class TTarn : public TConnectedNetwork {
   // of layer k+1. Each throws TException "Invalid weight layer" ("Bad Parameter") for another k,
   // and, unless said otherwise, "Invalid weight number" for a connection that does not exist.
 
-  // A pruned connection weighs 0.
+  // A pruned connection weighs 0 and can be asked for, but not set.
   double GetWeightValue(int weight_layer, int from, int to) const;
   void SetWeightValue(int weight_layer, int from, int to, double value);
 
@@ -92,6 +92,9 @@ class TTarn : public TConnectedNetwork {
   std::unique_ptr<Data> Recall(const Data* in) override;
 
  private:
+  // The block of a weight layer in which there must be a connection, for `function`.
+  TBasicConnections& BlockWith(int weight_layer, int from, int to, const char* function);
+
   TCentreConnections& Centres(std::size_t to);
   bool HasLayers() const;
   bool HasConnections() const;

@@ -1,6 +1,5 @@
 #include "Tarn/TToConditionConnections.h"
 
-#include "Shared/TException.h"
 #include "Tarn/TConditionLayer.h"
 
 namespace kiln {
@@ -11,13 +10,8 @@ std::unique_ptr<TBasicConnections> TToConditionConnections::Clone() const {
 
 std::vector<TBasicConnections::TPatchShape> TToConditionConnections::Layout(
     const TBasicLayer& to, const TBasicLayer& from) const {
-  const auto* conditions = dynamic_cast<const TConditionLayer*>(&to);
-  if (!conditions || conditions->Groups().NumMF() != to.NumNeurons() ||
-      conditions->Groups().NumVariables() != from.NumNeurons()) {
-    throw TException("ToConditionConnections do not fit these layers", "Bad Parameter",
-                     "TToConditionConnections::Layout");
-  }
-  const TMFGroups& groups = conditions->Groups();
+  const TMFGroups& groups =
+      GroupsOf(dynamic_cast<const TConditionLayer*>(&to), to.NumNeurons(), from.NumNeurons());
   std::vector<TPatchShape> patches(groups.NumVariables());
   for (std::size_t i = 0; i < patches.size(); ++i) {
     patches[i] = {.to = groups.First(i), .from = i, .rows = groups.Count(i), .columns = 1};

@@ -1,7 +1,6 @@
 #include "Tarn/TToOutputConnections.h"
 
 #include "Shared/TAssertion.h"
-#include "Shared/TException.h"
 #include "Tarn/TTarnOutputLayer.h"
 
 namespace kiln {
@@ -12,13 +11,8 @@ std::unique_ptr<TBasicConnections> TToOutputConnections::Clone() const {
 
 std::vector<TBasicConnections::TPatchShape> TToOutputConnections::Layout(
     const TBasicLayer& to, const TBasicLayer& from) const {
-  const auto* outputs = dynamic_cast<const TTarnOutputLayer*>(&to);
-  if (!outputs || outputs->Groups().NumMF() != from.NumNeurons() ||
-      outputs->Groups().NumVariables() != to.NumNeurons()) {
-    throw TException("ToOutputConnections do not fit these layers", "Bad Parameter",
-                     "TToOutputConnections::Layout");
-  }
-  const TMFGroups& groups = outputs->Groups();
+  const TMFGroups& groups =
+      GroupsOf(dynamic_cast<const TTarnOutputLayer*>(&to), from.NumNeurons(), to.NumNeurons());
   std::vector<TPatchShape> patches(groups.NumVariables());
   for (std::size_t t = 0; t < patches.size(); ++t) {
     Assert(groups.Count(t) >= 2, "NdxMF >= 2", Module());
