@@ -199,8 +199,8 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
       {"[LayerType = GAIN]", "[All Gain]", "Required syntax is [ALL <keyword>=<val>"},
       {"[LayerType = GAIN]", "[All Gain=2 ]", "Unknown keyword"},
       {"[NumberOfNeurons = 3]", "[NumberOfNeurons = -1]", "NumberOfNeurons = -1 is out of range"},
-      {"[NumberOfNeurons = 3]", "[NumberOfNeurons = 16777214]",
-       "NumberOfNeurons = 16777214 is out of range"},  // with those of the other layers, too many
+      {"[NumberOfNeurons = 3]", "[NumberOfNeurons = 16777217]",
+       "NumberOfNeurons = 16777217 is out of range"},
       {"[All ActivationFunction=sigmoid ]", "", "No activation function defined"},
       {"[All ActivationFunction=sigmoid ]", "[All ActivationFunction=step ]",
        "Unknown activation function step"},
@@ -267,6 +267,9 @@ TEST_F(NetworkFileTest, TakesNoMemoryForEmptyPromises) {
             "matrix of 10000000000 weights is more than the file holds");
   EXPECT_EQ(LoadFailure(network + "[WeightList]"),
             "a network of 10000000000 weights is more than 1073741824");
+  const std::string largest = "][LayerType=SIMPLE][NumberOfNeurons=16777216]";
+  EXPECT_EQ(LoadFailure(header + "[Layer=0" + layer + "[Layer=1" + largest),
+            "NumberOfNeurons = 16777216 is out of range");
 }
 
 }  // namespace

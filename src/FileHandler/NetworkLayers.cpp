@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -216,16 +217,17 @@ std::size_t ReadLayerIndex(const ParseItem& statement, Reader& reader, std::size
 }  // namespace
 
 ParseItem ReadLayers(Reader& reader, const NetworkHeader& header, TBasicNetwork& network) {
-  // A layer needs no more than three short lines whatever its size: the neurons of all layers
-  // together stay within what a single one may have.
-  std::size_t neurons_left = TBasicLayer::kMaxNeurons;
+  // A layer needs no more than three short lines whatever its size, and there can be many. So those
+  // neurons that are more than a single layer may have must show in the rest of the file, by a
+  // weight and what separates it from the next.
+  std::size_t neurons_left = TBasicLayer::kMaxNeurons + reader.Remaining() / 2;
   std::vector<bool> given(network.NumLayers());
   ParseItem item = reader.ReadItem("NeuralNetwork");
   while (item.kind == ParseItem::kStatement && EqualNoCase(item.name, kBlock)) {
     const std::size_t index = ReadLayerIndex(item, reader, network.NumLayers());
     if (given[index]) FailLoad(reader, "repeated layer");
     given[index] = true;
-    LayerReader layer_reader(reader, neurons_left,
+    LayerReader layer_reader(reader, std::min(neurons_left, TBasicLayer::kMaxNeurons),
                              Demand(header.inputs, index == header.input_layer),
                              Demand(header.outputs, index == header.output_layer));
     network.SetLayer(index, layer_reader.Read());

@@ -3,9 +3,9 @@
 #include <algorithm>
 
 #include "NeuralNets/Kernels.h"
+#include "NeuralNets/Limits.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"
-#include "Shared/TException.h"
 
 namespace kiln {
 
@@ -14,11 +14,7 @@ namespace {
 constexpr char kModule[] = "NeuralNets/TBasicLayer";
 
 std::size_t CheckedNeurons(std::size_t neurons) {
-  if (neurons > TBasicLayer::kMaxNeurons) {
-    throw TException("a layer of " + std::to_string(neurons) + " neurons is more than " +
-                         std::to_string(TBasicLayer::kMaxNeurons),
-                     "Bad Parameter", "TBasicLayer::TBasicLayer");
-  }
+  CheckAtMost(TBasicLayer::kMaxNeurons, neurons, "a layer", "neurons", "TBasicLayer::TBasicLayer");
   return neurons;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "NeuralNets/Limits.h"
 #include "NeuralNets/TEmptyConnections.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"
@@ -27,11 +28,7 @@ std::size_t CheckedLayers(int layers) {
 }
 
 void CheckWeights(std::uint64_t weights, const char* function) {
-  if (weights > TBasicNetwork::kMaxWeights) {
-    throw TException("a network of " + std::to_string(weights) + " weights is more than " +
-                         std::to_string(TBasicNetwork::kMaxWeights),
-                     "Bad Parameter", function);
-  }
+  CheckAtMost(TBasicNetwork::kMaxWeights, weights, "a network", "weights", function);
 }
 
 }  // namespace
@@ -135,7 +132,8 @@ void TBasicNetwork::AddNeuron(int layer_num, int node) {
   const std::size_t layer = CheckedHiddenLayer(layer_num);
   Assert(node >= 0, "node>=0", kModule);
   Assert(node <= GetNumNeurons(), "node<=GetNumNeurons()", kModule);
-  std::uint64_t weights = NumPlaces();
+  // A neuron of a layer that is connected with itself has a connection with itself, too.
+  std::uint64_t weights = NumPlaces() + (Connections(layer, layer).IsConnected() ? 1 : 0);
   for (std::size_t k = 0; k < NumLayers(); ++k) {
     weights += Connections(k, layer).Rows() + Connections(layer, k).Columns();
   }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "NeuralNets/Limits.h"
 #include "NeuralNets/TGainLayer.h"
 #include "NeuralNets/TSimpleInputLayer.h"
 #include "NeuralNets/TSimpleLayer.h"
@@ -14,15 +15,14 @@ namespace {
 
 constexpr std::size_t kBiasLayer = 0;
 constexpr std::size_t kInputLayer = 1;
+constexpr char kConstructor[] = "TMLPNetwork::TMLPNetwork";
 
 [[noreturn]] void FailSize(const std::string& message) {
-  throw TException(message, "Bad Parameter", "TMLPNetwork::TMLPNetwork");
+  throw TException(message, "Bad Parameter", kConstructor);
 }
 
-void CheckAtMost(std::uint64_t limit, std::uint64_t count, const char* things) {
-  if (count <= limit) return;
-  FailSize("a perceptron of " + std::to_string(count) + " " + things + " is more than " +
-           std::to_string(limit));
+void CheckCount(std::uint64_t limit, std::uint64_t count, const char* parts) {
+  CheckAtMost(limit, count, "a perceptron", parts, kConstructor);
 }
 
 // Adds everything up before a layer takes memory.
@@ -36,9 +36,9 @@ void CheckSizes(std::span<const int> sizes, bool bias) {
     if (size < 1) FailSize("a layer of " + std::to_string(size) + " neurons is less than 1");
     const auto layer = static_cast<std::uint64_t>(size);
     neurons += layer;
-    CheckAtMost(TBasicLayer::kMaxNeurons, neurons, "neurons");
+    CheckCount(TBasicLayer::kMaxNeurons, neurons, "neurons");
     weights += sources * layer;
-    CheckAtMost(TBasicNetwork::kMaxWeights, weights, "weights");
+    CheckCount(TBasicNetwork::kMaxWeights, weights, "weights");
     sources = layer + bias_neurons;
   }
 }

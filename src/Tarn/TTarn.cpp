@@ -5,6 +5,7 @@
 #include <string>
 
 #include "DataObject/Data.h"
+#include "NeuralNets/Limits.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"
 #include "NeuralNets/TSimpleInputLayer.h"
@@ -21,13 +22,14 @@ namespace kiln {
 namespace {
 
 constexpr int kLayers = 6;
+constexpr char kConstructor[] = "TTarn::TTarn";
 
 [[noreturn]] void FailParameter(const std::string& message, const char* function) {
   throw TException(message, "Bad Parameter", function);
 }
 
 [[noreturn]] void FailSize(const std::string& message) {
-  FailParameter(message, "TTarn::TTarn");
+  FailParameter(message, kConstructor);
 }
 
 void CheckTerms(std::span<const int> counts, const std::string& side) {
@@ -36,10 +38,8 @@ void CheckTerms(std::span<const int> counts, const std::string& side) {
   }
 }
 
-void CheckAtMost(std::uint64_t limit, std::uint64_t count, const char* things) {
-  if (count <= limit) return;
-  FailSize("a Tarn of " + std::to_string(count) + " " + things + " is more than " +
-           std::to_string(limit));
+void CheckCount(std::uint64_t limit, std::uint64_t count, const char* parts) {
+  CheckAtMost(limit, count, "a Tarn", parts, kConstructor);
 }
 
 // Adds everything up before a layer takes memory.
@@ -51,9 +51,9 @@ void CheckSizes(std::span<const int> input_mf, int rules, std::span<const int> o
   }
   const auto num_rules = static_cast<std::uint64_t>(rules);
   const std::uint64_t terms = TMFGroups(input_mf).NumMF() + TMFGroups(output_mf).NumMF();
-  CheckAtMost(TBasicLayer::kMaxNeurons, input_mf.size() + terms + num_rules + output_mf.size(),
-              "neurons");
-  CheckAtMost(TBasicNetwork::kMaxWeights, terms * num_rules + terms, "weights");
+  CheckCount(TBasicLayer::kMaxNeurons, input_mf.size() + terms + num_rules + output_mf.size(),
+             "neurons");
+  CheckCount(TBasicNetwork::kMaxWeights, terms * num_rules + terms, "weights");
 }
 
 bool IsWhole(const TBasicConnections& block) {

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "Shared/TException.h"
+
+namespace kiln {
+
+// Throws TException ("Bad Parameter", in the name of `function`) when a whole, such as "a layer",
+// would have more parts, such as "neurons", than `limit`. Asked before memory is taken for them.
+inline void CheckAtMost(std::uint64_t limit, std::uint64_t count, const char* whole,
+                        const char* parts, const char* function) {
+  if (count <= limit) return;
+  throw TException(std::string(whole) + " of " + std::to_string(count) + " " + parts +
+                       " is more than " + std::to_string(limit),
+                   "Bad Parameter", function);
+}
+
+}  // namespace kiln
