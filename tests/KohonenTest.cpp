@@ -165,6 +165,15 @@ TEST(KohonenTest, RecallGivesPrototypesCoordinatesAndTheirError) {
   }
   TErrorRMSObj error(2);
   EXPECT_DOUBLE_EQ(std::sqrt((0.0625 + 1.0 + 1.0 + 16.0) / 4.0), map->RecallError(&in, &error));
+
+  const Data wide(1, 3, 0, false);
+  const auto expect = [](const std::string& operation, const auto& recall) {
+    EXPECT_TRUE(WhatOf(recall).ends_with(" TKohonenNetwork::" + operation)) << WhatOf(recall);
+  };
+  expect("Recall", [&] { map->Recall(&wide); });
+  expect("RecallOutputOnly", [&] { map->RecallOutputOnly(&wide); });
+  expect("RecallCoordinates", [&] { map->RecallCoordinates(&wide); });
+  expect("RecallError", [&] { map->RecallError(&wide, &error); });
 }
 
 TEST(KohonenTest, WhatCannotBeTrainedLeavesTheMapAsItWas) {

@@ -144,6 +144,9 @@ TEST_F(SaveFileTest, LeavesTheOldFileWhenItFails) {
   EXPECT_THROW(Save("/dev/full", "x"), SaveError);
   EXPECT_THROW(Save("", "x"), SaveError);
   EXPECT_THROW(Save("absent/file", "x"), SaveError);
+  fs::create_symlink("circle", directory_ / "circle");
+  EXPECT_THROW(Save("circle", "x"), SaveError);
+  EXPECT_TRUE(fs::is_symlink(directory_ / "circle"));
   EXPECT_THROW(Contents("absent"), OpenError);
 }
 

@@ -14,7 +14,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Where `path` leads to. Links to files that do not exist yet are followed too.
+// Where `path` leads to. Links to files that do not exist yet are followed too; as many as the
+// system follows, should they become a circle meanwhile.
 fs::path FollowLinks(fs::path path) {
   constexpr int kMaxLinks = 40;
   std::error_code error;
@@ -103,8 +104,10 @@ bool Replace(const fs::path& target, fs::file_status old,
 bool Save(const std::string& path, const std::function<void(Writer&)>& write) {
   // Where the output is sent to a file, this path leads there, and the file must not be replaced.
   if (path == "/dev/stdout") return WriteTo(std::cout, write);
-  std::error_code missing;
-  const fs::file_status old = fs::status(path, missing);
+  std::error_code error;
+  const fs::file_status old = fs::status(path, error);
+  // Links that lead in a circle, or a directory that may not be searched: there is no target.
+  if (!fs::status_known(old)) return false;
   // By the path as it is: what "/dev/stderr" says it links to may be a pipe, which has no path.
   if (fs::exists(old) && !fs::is_regular_file(old)) return WriteThrough(path, write);
   return Replace(FollowLinks(path), old, write);

@@ -127,9 +127,9 @@ class TBasicNetwork {
 
   // The rows (input, output) for every row of a set, or the outputs alone, oldest row first.
   // Throw TException when the set's inputs do not fit the network's. A null set is a TAssertion in
-  // the first and a TException in the second.
+  // the first and a TException in the second, unless a kind of network says otherwise.
   virtual std::unique_ptr<Data> Recall(const Data* in);
-  std::unique_ptr<Data> RecallOutputOnly(const Data* in);
+  virtual std::unique_ptr<Data> RecallOutputOnly(const Data* in);
 
   // Feeds (desired, recalled) of every row to the error object and returns its value. Neither may
   // be null (TAssertion). Throws TException when the columns of the set do not fit.

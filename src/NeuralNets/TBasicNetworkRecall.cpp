@@ -51,7 +51,7 @@ std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
 }
 
 std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
-  // Every kind of network reports the name that callers have come to look for.
+  // The name that callers have come to look for, whatever the kind of the network.
   constexpr char kFunction[] = "TTarn::RecallOutputOnly";
   if (in == nullptr) {
     throw TException("Null data pointer", "Null Pointer Parameter", kFunction);

@@ -22,16 +22,11 @@ constexpr std::size_t kInputLayer = 1;
 constexpr std::size_t kMapLayer = 2;
 constexpr int kLayers = 3;
 
-double SquaredDistance(std::span<const double> a, std::span<const double> b) {
-  double sum = 0.0;
-  for (std::size_t i = 0; i < a.size(); ++i) sum += (a[i] - b[i]) * (a[i] - b[i]);
-  return sum;
-}
-
-// Calls visit(row, unit) with each row of a set and its winner.
+// Calls visit(row, unit) with each row of a set and its winner, for `function`.
 template <typename TVisit>
-void ForEachWinner(const TKohonenNetwork& map, const Data& in, const TVisit& visit) {
-  map.CheckInputsFit(in, "TKohonenNetwork::Recall");
+void ForEachWinner(const TKohonenNetwork& map, const Data& in, const char* function,
+                   const TVisit& visit) {
+  map.CheckInputsFit(in, function);
   const TPrototypeTiles tiles(map.Prototypes(), map.NumInputs());
   for (int n = 0; n < in.DataRows(); ++n) {
     const DataRow row = in.Row(n);
@@ -93,17 +88,7 @@ std::span<const double> TKohonenNetwork::Prototype(std::size_t unit) const {
 
 std::size_t TKohonenNetwork::FindWinner(std::span<const double> pattern,
                                         std::span<double> prototype) const {
-  double best = TWinner::kFarthest;
-  std::ptrdiff_t bestsofar = -1;
-  for (std::size_t unit = 0; unit < grid_.NumUnits(); ++unit) {
-    const double distance = SquaredDistance(pattern, Prototype(unit));
-    if (distance < best) {
-      best = distance;
-      bestsofar = static_cast<std::ptrdiff_t>(unit);
-    }
-  }
-  Assert(bestsofar >= 0, "bestsofar >= 0", kModule);
-  const auto winner = static_cast<std::size_t>(bestsofar);
+  const std::size_t winner = TPrototypeTiles(Prototypes(), NumInputs()).Nearest(pattern).unit;
   std::ranges::copy(Prototype(winner), prototype.begin());
   return winner;
 }
@@ -115,9 +100,19 @@ void TKohonenNetwork::RecallPattern(std::span<const double> input, std::span<dou
 std::unique_ptr<Data> TKohonenNetwork::Recall(const Data* in) {
   Assert(in != nullptr, "in != nil", kModule);
   auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), in->Inputs(), in->HasLabels());
-  ForEachWinner(*this, *in, [&](const DataRow& row, std::size_t unit) {
+  ForEachWinner(*this, *in, "TKohonenNetwork::Recall", [&](const DataRow& row, std::size_t unit) {
     result->AddRow(row.Inputs, Prototype(unit), row.Labels);
   });
+  return result;
+}
+
+std::unique_ptr<Data> TKohonenNetwork::RecallOutputOnly(const Data* in) {
+  Assert(in != nullptr, "in != nil", kModule);
+  auto result = std::make_unique<Data>(in->DataRows(), 0, in->Inputs(), in->HasLabels());
+  ForEachWinner(*this, *in, "TKohonenNetwork::RecallOutputOnly",
+                [&](const DataRow& row, std::size_t unit) {
+                  result->AddRow({}, Prototype(unit), row.Labels);
+                });
   return result;
 }
 
@@ -127,20 +122,21 @@ std::unique_ptr<Data> TKohonenNetwork::RecallCoordinates(const Data* in) const {
   std::vector<double> output(coordinates.size());
   auto result =
       std::make_unique<Data>(in->DataRows(), in->Inputs(), std::ssize(output), in->HasLabels());
-  ForEachWinner(*this, *in, [&](const DataRow& row, std::size_t unit) {
-    grid_.CoordinatesOf(unit, coordinates);
-    std::ranges::copy(coordinates, output.begin());
-    result->AddRow(row.Inputs, output, row.Labels);
-  });
+  ForEachWinner(*this, *in, "TKohonenNetwork::RecallCoordinates",
+                [&](const DataRow& row, std::size_t unit) {
+                  grid_.CoordinatesOf(unit, coordinates);
+                  std::ranges::copy(coordinates, output.begin());
+                  result->AddRow(row.Inputs, output, row.Labels);
+                });
   return result;
 }
 
 double TKohonenNetwork::RecallError(const Data* in, TErrorObj* err) {
   Assert(in != nullptr, "in != nil", kModule);
   Assert(err != nullptr, "err != nil", kModule);
-  ForEachWinner(*this, *in, [&](const DataRow& row, std::size_t unit) {
-    err->Accumulate(row.Inputs, Prototype(unit));
-  });
+  ForEachWinner(
+      *this, *in, "TKohonenNetwork::RecallError",
+      [&](const DataRow& row, std::size_t unit) { err->Accumulate(row.Inputs, Prototype(unit)); });
   return err->Value();
 }
 

@@ -46,7 +46,8 @@ class TKohonenNetwork : public TBasicNetwork {
   std::span<const double> Prototype(std::size_t unit) const;
 
   // Copies the winner's prototype and returns its index. Throws TAssertion "bestsofar >= 0" when
-  // every squared distance is 1e30 or more, or NaN.
+  // every squared distance is 1e30 or more, or NaN. Lays all prototypes out for the search: who has
+  // many patterns recalls a set of them.
   // REQUIRES: a value for each input in both spans.
   std::size_t FindWinner(std::span<const double> pattern, std::span<double> prototype) const;
   void RecallPattern(std::span<const double> input, std::span<double> output) override;
@@ -55,9 +56,10 @@ class TKohonenNetwork : public TBasicNetwork {
   // for a null pointer and as FindWinner does, and TException unless the set has as many inputs as
   // the map.
 
-  // The rows (input, prototype of the winner) or (input, coordinates of the winner), with the
-  // labels of the input rows where these carry any.
+  // The rows (input, prototype of the winner), the prototypes alone, or the rows (input,
+  // coordinates of the winner), with the labels of the input rows where these carry any.
   std::unique_ptr<Data> Recall(const Data* in) override;
+  std::unique_ptr<Data> RecallOutputOnly(const Data* in) override;
   std::unique_ptr<Data> RecallCoordinates(const Data* in) const;
 
   // Feeds (input, prototype of the winner) to the error object, whose value is then the
