@@ -149,7 +149,7 @@ class Data {
   void Previous(std::span<double> inputs, std::span<double> outputs);
 
   // Goes to the newest row, so that in a ring that has not wrapped Next() gives the oldest.
-  // Commands that have read a set through leave the cursor there.
+  // Commands that have made something of all rows leave the cursor there.
   void ResetCursor() { MbrNdxCursor = MbrNdxLast; }
   void SetCursor(int position) { MbrNdxCursor = position; }
 
