@@ -1,34 +1,13 @@
 #pragma once
 
-#include <span>
-#include <vector>
+#include <cstddef>
 
-#include "NeuralNets/TIterateObj.h"
+#include "NeuralNets/TIterateObjValues.h"
 
 namespace kiln {
 
-// Appends the flags of the connections that `val` selects to a vector, which outlives the walk.
-class TIterateObjGetFlags : public TIterateObjRead {
- public:
-  TIterateObjGetFlags(std::vector<TMask>& flags, TMask val);
-  void Read(const TConnection& connection) override;
-
- private:
-  std::vector<TMask>& flags_;
-  TMask val_;
-};
-
-// Gives the connections that `val` selects the next flags of a vector.
-// Throws TAssertion when they run out.
-class TIterateObjSetFlags : public TIterateObj {
- public:
-  TIterateObjSetFlags(std::span<const TMask> flags, TMask val);
-  void Connection(TConnection& connection) override;
-
- private:
-  std::span<const TMask> flags_;  // those still to be given
-  TMask val_;
-};
+using TIterateObjGetFlags = TIterateObjGet<TMask, &TConnection::flags>;
+using TIterateObjSetFlags = TIterateObjSet<TMask, &TConnection::flags>;
 
 // Freezes every connection.
 class TIterateObjAllUntrainable : public TIterateObj {

@@ -1,10 +1,10 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
-#include <span>
-#include <vector>
+#include <utility>
 
-#include "NeuralNets/TIterateObj.h"
+#include "NeuralNets/TIterateObjValues.h"
 
 namespace kiln {
 
@@ -20,28 +20,9 @@ class TIterateObjGetNumWeights : public TIterateObjRead {
   std::size_t count_ = 0;
 };
 
-// Appends the weights that `val` selects to a vector, which outlives the walk.
-class TIterateObjGetWeights : public TIterateObjRead {
- public:
-  TIterateObjGetWeights(std::vector<double>& weights, TMask val);
-  void Read(const TConnection& connection) override;
-
- private:
-  std::vector<double>& weights_;
-  TMask val_;
-};
-
-// Gives the weights that `val` selects the next values of a vector. The value of an absent
-// connection is taken and dropped. Throws TAssertion when the values run out.
-class TIterateObjSetWeights : public TIterateObj {
- public:
-  TIterateObjSetWeights(std::span<const double> weights, TMask val);
-  void Connection(TConnection& connection) override;
-
- private:
-  std::span<const double> weights_;  // those still to be given
-  TMask val_;
-};
+// Of an absent connection the value 0 is got, and the one to be set is taken and dropped.
+using TIterateObjGetWeights = TIterateObjGet<double, &TConnection::weight>;
+using TIterateObjSetWeights = TIterateObjSet<double, &TConnection::weight>;
 
 // Draws each weight from [lower, upper]. Absent connections draw nothing.
 class TIterateObjRandomize : public TIterateObj {
