@@ -157,7 +157,6 @@ int Data::GetBlock(std::span<double> inputs_out, std::span<double> outputs_out, 
     throw TException("Data Block Fault", "Bad Parameter", "Data::GetBlock");
   const int end = std::min(MbrNdxLast, to_row);
   if (from_row > end) return 0;
-  CheckRow(from_row, "Data::GetInputRow");
   for (int row = from_row; row <= end; ++row) {
     const int index = row - from_row;
     GetInputRow(row, RowOfBlock(inputs_out, index, Inputs()));

@@ -39,9 +39,8 @@ constexpr ColumnGroup kGroups[] = {
   reader.Fail("bad-header");
 }
 
-int ReadCount(const ParseItem& item, const Reader& reader, bool may_be_labels) {
+int ReadCount(const ParseItem& item, const Reader& reader) {
   if (EqualNoCase(item.value, "Labels")) {
-    if (may_be_labels) return kLabels;
     throw TException("No labels in inputs", "Bad Format", "Filer::ReadHeader");
   }
   const std::int64_t count = FileTools::ParseInteger(item.value, reader);
@@ -186,14 +185,15 @@ DataHeader ReadHeader(Reader& reader, ParseItem& next) {
     if (next.unbracketed) FailHeader(reader);
     if (EqualNoCase(next.name, "Rows")) {
       if (header.rows >= 0) FailHeader(reader);
-      header.rows = ReadCount(next, reader, false);
+      header.rows = ReadCount(next, reader);
       continue;
     }
     group = std::find_if(group, std::end(kGroups), [&](const ColumnGroup& candidate) {
       return EqualNoCase(next.name, candidate.keyword);
     });
     if (group == std::end(kGroups)) FailHeader(reader);
-    header.*group->count = ReadCount(next, reader, group->may_be_labels);
+    const bool are_labels = group->may_be_labels && EqualNoCase(next.value, "Labels");
+    header.*group->count = are_labels ? kLabels : ReadCount(next, reader);
     ++group;
   }
   return header;

@@ -94,8 +94,9 @@ void WriteParameter(Writer& writer, const TBasicNeuron& neuron, std::size_t para
 
 // The lines for single neurons: the function where the layer has none in common, and the parameters
 // that differ from neuron to neuron.
-void WriteNeurons(Writer& writer, const TBasicLayer& layer, bool with_function,
+void WriteNeurons(Writer& writer, const TBasicLayer& layer,
                   const std::vector<std::size_t>& parameters) {
+  const bool with_function = layer.GetActivation() == nullptr;
   writer.WriteStartTag("Neurons");
   for (std::size_t i = 0; i < layer.NumNeurons(); ++i) {
     const TBasicNeuron& neuron = layer.Neuron(i);
@@ -140,7 +141,7 @@ void WriteLayer(Writer& writer, const TBasicLayer& layer) {
   }
   WriteMembership(writer, layer);
   const std::vector<std::size_t> own = WriteCommonParameters(writer, layer);
-  if (!function || !own.empty()) WriteNeurons(writer, layer, !function, own);
+  if (!function || !own.empty()) WriteNeurons(writer, layer, own);
   writer.WriteEndTag("Layer");
 }
 
