@@ -67,7 +67,7 @@ TEST(DataManipTest, RefusesWhatTheSourceCannotGive) {
   const Data* source = ring.get();
   const Data other(1, 1, 1, false);
   const auto refused = [](const char* message, const std::function<void()>& operation) {
-    EXPECT_EQ(0U, FailureOf(operation).find(message)) << message;
+    EXPECT_EQ(0U, Failure(operation).find(message)) << message;
   };
   const std::vector<const Data*> sources{source, &other};
   refused("Insufficient rows", [&] { TDataManip::TimeStepLag(source, 11); });
@@ -149,7 +149,7 @@ TEST(DataStatsTest, FollowsTheDataSet) {
   EXPECT_EQ((TRow{9.0}), stats.GetInputMaxima());
   EXPECT_EQ(0.0, stats.GetMaxInputs(1) + stats.GetMinOutputRow(1));  // one past the last column
   EXPECT_EQ("Invalid Output Data Column Bad Parameter TDataStats:GetMaxOutput",
-            FailureOf([&] { stats.GetMaxOutput(2); }));
+            Failure([&] { stats.GetMaxOutput(2); }));
 }
 
 }  // namespace

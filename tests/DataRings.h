@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "DataObject/Data.h"
-#include "Shared/TException.h"
+#include "Failures.h"
 
 namespace kiln {
 
@@ -22,17 +22,6 @@ inline std::shared_ptr<Data> MakeRing(int rows, int count) {
     data->AddRow(TRow{n, n + 0.5}, TRow{-n}, &labels);
   }
   return data;
-}
-
-// What `operation` throws, or nothing.
-template <typename TOperation>
-std::string FailureOf(const TOperation& operation) {
-  try {
-    operation();
-  } catch (const TException& failure) {
-    return failure.what();
-  }
-  return "";
 }
 
 }  // namespace kiln

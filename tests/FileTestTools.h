@@ -2,13 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include <exception>
+#include <filesystem>
 #include <fstream>
 #include <initializer_list>
 #include <iterator>
 #include <sstream>
 #include <string>
 
+#include "Failures.h"
 #include "FileHandler/Writer.h"
 
 namespace kiln {
@@ -17,6 +18,23 @@ inline std::string Contents(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(file), {}};
 }
+
+// A test with a file at `path_`. Tests run beside each other, so each has one of its own.
+class TFileTest : public testing::Test {
+ protected:
+  ~TFileTest() override { std::filesystem::remove(path_); }
+
+  // Into a new file each time: some file systems write at once what overwrites an old one.
+  void Write(const std::string& text) const {
+    std::filesystem::remove(path_);
+    std::ofstream(path_, std::ios::binary) << text;
+  }
+
+  const std::string path_ =
+      testing::TempDir() +
+      testing::UnitTest::GetInstance()->current_test_info()->test_suite_name() +
+      testing::UnitTest::GetInstance()->current_test_info()->name();
+};
 
 // The text that `write` lays out.
 template <typename TWrite>
@@ -29,34 +47,22 @@ std::string WrittenBy(TWrite write) {
   return out.str();
 }
 
-// What `action` throws, as text.
-template <typename TAction>
-std::string Failure(TAction action) {
-  try {
-    action();
-  } catch (const std::exception& failure) {
-    return failure.what();
-  }
-  return "none";
-}
-
 // `text` with its first `old_part` replaced.
 inline std::string With(std::string text, const std::string& old_part, const std::string& part) {
   return text.replace(text.find(old_part), old_part.size(), part);
 }
 
-// A change of a good text, and what reading it then throws.
+// A change of a good text, and how what reading it then throws begins.
 struct Fault {
-  const char* old_part;
-  const char* part;
-  const char* failure;
+  std::string old_part, part, failure;
 };
 
 template <typename TRead>
 void ExpectFailures(const std::string& good_text, std::initializer_list<Fault> faults, TRead read) {
   for (const Fault& fault : faults) {
     const std::string text = With(good_text, fault.old_part, fault.part);
-    EXPECT_EQ(Failure([&] { read(text); }), fault.failure);
+    const std::string failure = Failure([&] { read(text); });
+    EXPECT_EQ(failure.substr(0, fault.failure.size()), fault.failure) << fault.part;
   }
 }
 

@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <filesystem>
-#include <fstream>
 #include <limits>
 #include <random>
 #include <sstream>
@@ -20,16 +18,8 @@ namespace {
 
 using Table = std::vector<std::pair<std::string, std::string>>;
 
-class FilerTest : public testing::Test {
+class FilerTest : public TFileTest {
  protected:
-  ~FilerTest() override { std::filesystem::remove(path_); }
-
-  // Into a new file each time: some file systems write at once what overwrites an old one.
-  void Write(const std::string& text) {
-    std::filesystem::remove(path_);
-    std::ofstream(path_, std::ios::binary) << text;
-  }
-
   // Loads a text and tells what went wrong.
   std::string LoadFailure(const std::string& text) {
     Write(text);
@@ -52,10 +42,6 @@ class FilerTest : public testing::Test {
     Filer::Save(path_, sets.expected.get(), sets.generated.get());
     return Contents(path_);
   }
-
-  // Tests run beside each other.
-  const std::string path_ =
-      testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name();
 };
 
 TEST_F(FilerTest, ReadsFilesWrittenByHand) {

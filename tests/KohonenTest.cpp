@@ -168,7 +168,7 @@ TEST(KohonenTest, RecallGivesPrototypesCoordinatesAndTheirError) {
 
   const Data wide(1, 3, 0, false);
   const auto expect = [](const std::string& operation, const auto& recall) {
-    EXPECT_TRUE(WhatOf(recall).ends_with(" TKohonenNetwork::" + operation)) << WhatOf(recall);
+    EXPECT_TRUE(Failure(recall).ends_with(" TKohonenNetwork::" + operation)) << Failure(recall);
   };
   expect("Recall", [&] { map->Recall(&wide); });
   expect("RecallOutputOnly", [&] { map->RecallOutputOnly(&wide); });
@@ -182,7 +182,7 @@ TEST(KohonenTest, WhatCannotBeTrainedLeavesTheMapAsItWas) {
   const auto expect = [&](const std::string& start, const Data& data, TValues radii) {
     testing::internal::CaptureStdout();
     const std::string failure =
-        WhatOf([&] { TKohonenModule(map).Train(data, 0.5, radii, 2, 0.9, 0.9); });
+        Failure([&] { TKohonenModule(map).Train(data, 0.5, radii, 2, 0.9, 0.9); });
     testing::internal::GetCapturedStdout();
     EXPECT_TRUE(failure.starts_with("Assertion failed: " + start + ", file NeuralNets/TKohonenNet"))
         << failure;
@@ -194,7 +194,7 @@ TEST(KohonenTest, WhatCannotBeTrainedLeavesTheMapAsItWas) {
     Data data(2, 2, 0, false);
     expect("bestsofar >= 0", Append(data, {{0, 1}, {far, 0}}), {2, 2});
     TValues prototype(2);
-    EXPECT_NE("", WhatOf([&] { map->FindWinner(TValues{far, 0}, prototype); }));
+    EXPECT_NE("none", Failure([&] { map->FindWinner(TValues{far, 0}, prototype); }));
   }
   EXPECT_EQ(before, PrototypesOf(*map));
 }
@@ -217,7 +217,7 @@ TEST(KohonenTest, TheObserverSeesTheErrorAndEndsTraining) {
 
 TEST(KohonenTest, SizesAreBoundedBeforeMemoryIsTaken) {
   const auto failure = [](int inputs, const TSizes& sizes) {
-    return WhatOf([&] { TKohonenNetwork(inputs, sizes); });
+    return Failure([&] { TKohonenNetwork(inputs, sizes); });
   };
   EXPECT_EQ("a map of more than 16777216 units Bad Parameter TKohonenNetwork::TKohonenNetwork",
             failure(1, {65536, 65536, 65536, 65536}));
@@ -230,7 +230,7 @@ TEST(KohonenTest, SizesAreBoundedBeforeMemoryIsTaken) {
   map->SetDimensions({3, 2, 2});
   EXPECT_EQ(3u, map->Grid().NumDimensions());
   EXPECT_EQ("the map has 12 units, not 10 Bad Parameter TKohonenNetwork::SetDimensions",
-            WhatOf([&] { map->SetDimensions({10}); }));
+            Failure([&] { map->SetDimensions({10}); }));
 }
 
 }  // namespace

@@ -24,13 +24,11 @@ using NetworkFiler::LoadNetwork;
 using NetworkFiler::SaveNetwork;
 
 const std::string kLayoutFile = KILN_TEST_DATA "/layout.net";
+const std::string kMapFile = KILN_TEST_DATA "/map.net";
+const std::string kTarnFile = KILN_TEST_DATA "/tarn.net";
 
-class NetworkFileTest : public testing::Test {
+class NetworkFileTest : public TFileTest {
  protected:
-  ~NetworkFileTest() override { std::filesystem::remove(path_); }
-
-  void Write(const std::string& text) { std::ofstream(path_, std::ios::binary) << text; }
-
   std::string Saved(const TBasicNetwork& network) {
     SaveNetwork(path_, network);
     return Contents(path_);
@@ -57,14 +55,12 @@ class NetworkFileTest : public testing::Test {
     }
     return "none";
   }
-
-  const std::string path_ = testing::TempDir() + "network-" +
-                            testing::UnitTest::GetInstance()->current_test_info()->name() + ".net";
 };
 
 TEST_F(NetworkFileTest, LaysOutEverySection) {
-  const auto network = LoadNetwork(kLayoutFile);
-  EXPECT_EQ(Saved(*network), Contents(kLayoutFile));
+  for (const std::string& file : {kLayoutFile, kMapFile}) {
+    EXPECT_EQ(Saved(*LoadNetwork(file)), Contents(file));
+  }
 }
 
 TEST_F(NetworkFileTest, ReadsWhatPeopleWrite) {
@@ -81,9 +77,6 @@ TEST_F(NetworkFileTest, ReadsWhatPeopleWrite) {
     network->RecallPattern(input, output);
     EXPECT_DOUBLE_EQ(output[0], expected);
   }
-
-  const std::string text = Saved(*network);
-  EXPECT_EQ(Saved(*LoadNetwork(path_)), text);
 }
 
 std::unique_ptr<TConnectedNetwork> MixedNetwork() {
@@ -113,8 +106,9 @@ TEST_F(NetworkFileTest, SavesTheSameTextAgain) {
   const auto pruned = MakePerceptron({4, 5, 2}, true);
   pruned->PruneNode(2, 3);
   pruned->Connections(2, 1).SetTrainable(0, 0, false);
-  const std::shared_ptr<TBasicNetwork> networks[] = {MakePerceptron({4, 5, 2}, false), pruned,
-                                                     MixedNetwork()};
+  const std::shared_ptr<TBasicNetwork> networks[] = {
+      MakePerceptron({4, 5, 2}, false), pruned, MixedNetwork(),
+      LoadNetwork(KILN_TEST_DATA "/memory.net"), LoadNetwork(kTarnFile)};
   for (const auto& network : networks) {
     const std::string text = Saved(*network);
     const auto loaded = LoadNetwork(path_);
@@ -146,13 +140,8 @@ TEST_F(NetworkFileTest, RefusesToSaveTwoBiasNeurons) {
   network.SetLayer(0, std::make_unique<TSimpleLayer>(2));
   network.Layer(0).SetActivation(ActBias);
   Write("old");
-  try {
-    SaveNetwork(path_, network);
-    FAIL();
-  } catch (const TException& failure) {
-    EXPECT_STREQ(failure.what(),
-                 "Illegal number of bias nodes Bad Format NetworkFiler::SaveNetwork");
-  }
+  EXPECT_EQ(Failure([&] { SaveNetwork(path_, network); }),
+            "Illegal number of bias nodes Bad Format NetworkFiler::SaveNetwork");
   EXPECT_EQ(Contents(path_), "old");
 }
 
@@ -167,12 +156,7 @@ TEST_F(NetworkFileTest, TellsThePlaceOfAFault) {
     EXPECT_EQ(failure.Detail()->DerefThrow("line").Name(), "4");
   }
   std::filesystem::remove(path_);
-  try {
-    LoadNetwork(path_);
-    FAIL();
-  } catch (const TException& failure) {
-    EXPECT_STREQ(failure.what(), "Error on file open Bad Format NetworkFiler::LoadNetwork");
-  }
+  EXPECT_EQ(LoadFailure(), "Error on file open");
 }
 
 // Each takes a good file and writes something else in the place of what it has.
@@ -236,20 +220,20 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
   for (const Fault& fault : kFaults) {
     std::string broken = text;
     // From behind: later layers have the plainer texts.
-    const std::string old_part = fault.old_part;
-    broken.replace(broken.rfind(old_part), old_part.size(), fault.part);
-    EXPECT_EQ(LoadFailure(broken), fault.failure) << old_part << " -> " << fault.part;
+    broken.replace(broken.rfind(fault.old_part), fault.old_part.size(), fault.part);
+    EXPECT_EQ(LoadFailure(broken), fault.failure) << fault.old_part << " -> " << fault.part;
   }
 }
 
 TEST_F(NetworkFileTest, RefusesTruncatedFiles) {
-  const std::string text = Contents(kLayoutFile);
-  const std::size_t complete = text.rfind(']');  // the bracket itself is not missed
-  Write(text.substr(0, complete));
-  EXPECT_EQ(LoadFailure(), "none");
-  for (std::size_t size = complete; size-- > 0;) {
-    std::filesystem::resize_file(path_, size);
-    EXPECT_NE(LoadFailure(), "none") << size;
+  for (const std::string& file : {kLayoutFile, kMapFile, kTarnFile}) {
+    const std::string text = Contents(file);
+    const std::size_t complete = text.rfind(']');  // the bracket itself is not missed
+    EXPECT_EQ(LoadFailure(text.substr(0, complete)), "none");
+    for (std::size_t size = complete; size-- > 0;) {
+      std::filesystem::resize_file(path_, size);
+      EXPECT_NE(LoadFailure(), "none") << size;
+    }
   }
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "DataObject/Data.h"
+#include "Failures.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "Shared/Random.h"
 
@@ -13,17 +13,6 @@ namespace kiln {
 
 using TValues = std::vector<double>;
 using TSizes = std::vector<int>;
-
-// The text of the failure of `operation`, or nothing.
-template <typename TOperation>
-std::string WhatOf(const TOperation& operation) {
-  try {
-    operation();
-  } catch (const std::exception& failure) {
-    return failure.what();
-  }
-  return "";
-}
 
 inline std::string AssertionText(const std::string& expression, const std::string& module,
                                  int line) {

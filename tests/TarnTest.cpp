@@ -132,7 +132,7 @@ TEST(TTarnTest, KeepsOutputsWithinTheUniverse) {
   for (const auto& [outside, text] :
        {std::pair{1.5, "1.5\n"}, std::pair{-0.25, "-0.25\n"}, std::pair{kNaN, "nan\n"}}) {
     testing::internal::CaptureStdout();
-    const std::string failure = WhatOf([&, centre = outside] { recalled(centre); });
+    const std::string failure = Failure([&, centre = outside] { recalled(centre); });
     EXPECT_EQ(text, testing::internal::GetCapturedStdout());
     EXPECT_EQ(0u, failure.find("Assertion failed: (ActActivation >= 0) && (ActActivation <= 1), "
                                "file Tarn/TTarnOutputLayer"));
@@ -158,9 +158,9 @@ TEST(TTarnTest, RefusesWhatIsNotThere) {
        [=] { make(2000000000, 2000000000); }},
   };
   for (const auto& [message, operation, action] : kCases) {
-    EXPECT_EQ(message + " Bad Parameter TTarn::" + operation, WhatOf(action));
+    EXPECT_EQ(message + " Bad Parameter TTarn::" + operation, Failure(action));
   }
-  EXPECT_NE("", WhatOf([=] { t->AddNeuron(4, 0); }));
+  EXPECT_NE("none", Failure([=] { t->AddNeuron(4, 0); }));
   EXPECT_EQ(2u, tarn.Layer(4).NumNeurons());
   EXPECT_TRUE(tarn.WeightExists(1, 1, 2));
   EXPECT_TRUE(tarn.WeightExists(4, 1, 0));
@@ -316,9 +316,9 @@ TEST(TTarnBPTest, ChangesAllOrNothing) {
     TKQstructure params = Params(settings);
     int epochs = 100;
     testing::internal::CaptureStdout();
-    const std::string failure = WhatOf([&] { trainer.Train(*data, params, epochs); });
+    const std::string failure = Failure([&] { trainer.Train(*data, params, epochs); });
     printed.push_back(testing::internal::GetCapturedStdout());
-    EXPECT_NE("", failure) << settings;
+    EXPECT_NE("none", failure) << settings;
     EXPECT_EQ(weights, tarn->GetWeights(FMaskAll)) << settings;
   }
   EXPECT_EQ(printed[0], printed[1]);  // no change is remembered
