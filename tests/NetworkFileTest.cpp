@@ -13,9 +13,11 @@
 #include "Networks.h"
 #include "NeuralNets/TConnectedConnections.h"
 #include "NeuralNets/TGainLayer.h"
+#include "NeuralNets/TKohonenNetwork.h"
 #include "NeuralNets/TSimpleInputLayer.h"
 #include "NeuralNets/TSimpleLayer.h"
 #include "Shared/TAssertion.h"
+#include "Tarn/TTarn.h"
 
 namespace kiln {
 namespace {
@@ -32,6 +34,11 @@ class NetworkFileTest : public TFileTest {
   std::string Saved(const TBasicNetwork& network) {
     SaveNetwork(path_, network);
     return Contents(path_);
+  }
+
+  void Load(const std::string& text) {
+    Write(text);
+    LoadNetwork(path_);
   }
 
   std::string LoadFailure(const std::string& text) {
@@ -77,6 +84,27 @@ TEST_F(NetworkFileTest, ReadsWhatPeopleWrite) {
     network->RecallPattern(input, output);
     EXPECT_DOUBLE_EQ(output[0], expected);
   }
+}
+
+TEST(NetworkFile, HoldsThePrototypesOfAMap) {
+  const auto map = LoadNetwork(kMapFile);
+  const double pattern[] = {0.9, 2.2};
+  double prototype[2];
+  EXPECT_EQ(dynamic_cast<TKohonenNetwork&>(*map).FindWinner(pattern, prototype), 5U);
+  EXPECT_EQ(prototype[1], 2.25);
+}
+
+TEST(NetworkFile, HoldsTheTermsOfATarn) {
+  const std::shared_ptr<TBasicNetwork> network = LoadNetwork(kTarnFile);
+  const auto tarn = std::dynamic_pointer_cast<TTarn>(network);
+  EXPECT_EQ((TSizes{2, 3}), tarn->InputMF());
+  EXPECT_FALSE(tarn->Connections(2, 1).IsTrainable(0, 0));
+  EXPECT_TRUE(tarn->Connections(2, 1).IsTrainable(3, 1));
+  TValues output(1);
+  tarn->RecallPattern(TValues{0.0, 0.4}, output);
+  EXPECT_NEAR(0.6, tarn->GetActivationValue(2, 3), 1e-15);
+  EXPECT_NEAR(0.75 + 2 * 0.25 + 4 * 0.4 + 8 * 0.6, tarn->GetActivationValue(3, 0), 1e-12);
+  EXPECT_NEAR((1 * 0.25 + 0.5 * 1) / 1.5, output[0], 1e-15);
 }
 
 std::unique_ptr<TConnectedNetwork> MixedNetwork() {
@@ -223,6 +251,65 @@ TEST_F(NetworkFileTest, RefusesBrokenTexts) {
     broken.replace(broken.rfind(fault.old_part), fault.old_part.size(), fault.part);
     EXPECT_EQ(LoadFailure(broken), fault.failure) << fault.old_part << " -> " << fault.part;
   }
+}
+
+TEST_F(NetworkFileTest, RefusesWhatIsNoMap) {
+  const std::string kNoMap = "Layers and connections are not those of a KOHONEN";
+  const std::string kAssertion = "Assertion failed: ";
+  const std::initializer_list<Fault> kFaults = {
+      {"NumberOfLayers = 3", "NumberOfLayers = 2", kAssertion + "numlayers == 3"},
+      {"[Dimensions = 2]", "", "Missing dimensions in Kohonen"},
+      {"[Dimensions = 2]", "[Dimensions = 2 Now = 1 ]", "Too complicated statement"},
+      {"[Dimensions = 2]", "[Dimensions = 3]", "Dimension not defined"},
+      {"[Dimensions = 2]", "[Dimensions = 1]", kAssertion + "i<dimensions"},
+      {"[Dimensions = 2]", "[Dimensions = 0]", "Dimensions = 0 is out of range"},
+      {"[Dimensions = 2]", "[Dimensions = -1]", "Dimensions = -1 is out of range"},
+      {"[Dimensions = 2]", "[Dimensions = 2000000000]", "Dimensions = 2000000000 is out of range"},
+      {"[Dimension=1 ", "[Dimensionless=1 ", "invalid dimension tag"},
+      {"[Dimension=1 ", "[Dimension=-1 ", kAssertion + "i>=0"},
+      {"[Dimension=1 ", "[Dimension=0 ", "repeated dimension"},
+      {"[Dimension=1 ", "[Dimension=1] [", "'Size' tag required for dimension data"},
+      {" Size=2 ]", " Size=2 Size=2 ]", "'Size' tag required for dimension data"},
+      {" Size=2 ]", " Size=0 ]", "Size = 0 is out of range"},
+      {" Size=2 ]", " Size=16777216 ]", "a map of more than 16777216 units"},
+      {" Size=2 ]", " Size=3 ]", kNoMap},
+      {"[InputLayer = 1]\n[OutputLayer = 2]", "[InputLayer = 2]\n[OutputLayer = 2]",
+       "wrong number of inputs in header"},
+      {"[OutputLayer = 2]\n[NumberOfInputs = 2]\n[NumberOfOutputs = 6]", "[OutputLayer = 1]",
+       kNoMap},
+      {"[LayerFrom = 1]", "[LayerFrom = 0]", "End Tag expected"},
+      {"FullyConnected", "Pruneable", kNoMap},
+  };
+  ExpectFailures(Contents(kMapFile), kFaults, [&](const std::string& text) { Load(text); });
+}
+
+TEST_F(NetworkFileTest, RefusesWhatIsNoTarn) {
+  const std::string place = " (" + path_ + ", line 13)";
+  const std::string loader = " Bad Format NetworkFiler::LoadNetwork";
+  const std::string misfit = "Layers and connections are not those of a TARN" + loader;
+  const std::initializer_list<Fault> kFaults = {
+      {"Layers = 6", "Layers = 5", "Assertion failed: numlayers == 6, file FileHandler/Network"},
+      {"[InputMF]", "[MF]", "membership array missing in condition layer" + loader},
+      {"[OutputMF]", "[InputMF]", "membership array missing in output layer" + loader},
+      {"[Input=1 ", "[Index=1 ", "invalid tag in membership1" + place},
+      {"[Input=1 MF=3 ]", "[Input=1 ]", "invalid tag in membership2" + place},
+      {"[Input=1 MF=3 ]", "[Input=1 Mf ]", "invalid tag in membership2" + place},
+      {"[Input=1 ", "[Input=5 ", "Assertion failed: i<numnodes, file FileHandler/SaveTarn"},
+      {"[Input=1 ", "[Input=-1 ", "Assertion failed: i>=0, file FileHandler/SaveTarn"},
+      {"[Input=0 ", "[Input=1 ", "repeated Input (" + path_ + ", line 14)"},
+      {"[Input=0 ", "[Input=2 ", "Assertion failed: NdxMF >= 2, file Tarn/TConditionLayer"},
+      {"MF=3 ]", "MF=-3 ]", "MF = -3 is out of range" + place},
+      {"MF=3 ]", "MF=99999999999 ]", "the inputs have 2147483649 membership functions but"},
+      {"MF=2 ] [~Out", "MF=1 ] [~Out", "ToOutputConnections do not fit these layers" + loader},
+      {"[Output=0 MF=2 ]", "", "there are membership functions of 0 outputs but"},
+      {"= ToOutput", "= ToCondition", "ToConditionConnections do not fit these layers" + loader},
+      {"= ToOutputConnections", "= FullyConnected", misfit},
+      {"[From=0 To=1 W", "[From=1 To=1 W", "ToConditionConnections do not join neuron 1 with"},
+      {"[From=0 To=1 Weight=3 ]", "", misfit},  // no centre
+      {"tarn-condition", "sigmoid", misfit},
+      {"= 6]", "= 6] [InputLayer = 0]", misfit},
+  };
+  ExpectFailures(Contents(kTarnFile), kFaults, [&](const std::string& text) { Load(text); });
 }
 
 TEST_F(NetworkFileTest, RefusesTruncatedFiles) {
