@@ -136,13 +136,11 @@ TEST(KohonenTest, TheLowerOfEqualUnitsWinsWhereverTheyStand) {
     const std::span<double> w = map->Prototypes();
     const auto data = MakePatterns(1, 3, 0, 5.0, 6.0);
     const auto x = data->Row(0).Inputs;
-    TValues prototype(3);
     for (std::size_t high = 0; high < 37; ++high) {
       for (std::size_t low = 0; low <= high; ++low) {
         map->Randomize(0.0, 1.0);
         w[36 * 3] = kNaN;
         for (std::size_t i = 0; i < 3; ++i) w[low * 3 + i] = w[high * 3 + i] = x[i] + 0.1;
-        EXPECT_EQ(low, map->FindWinner(x, prototype));
         EXPECT_EQ(low, map->RecallCoordinates(data.get())->Row(0).Outputs[0]);
       }
     }
@@ -193,8 +191,6 @@ TEST(KohonenTest, WhatCannotBeTrainedLeavesTheMapAsItWas) {
   for (const double far : {2e15, kNaN, kInfinity}) {
     Data data(2, 2, 0, false);
     expect("bestsofar >= 0", Append(data, {{0, 1}, {far, 0}}), {2, 2});
-    TValues prototype(2);
-    EXPECT_NE("none", Failure([&] { map->FindWinner(TValues{far, 0}, prototype); }));
   }
   EXPECT_EQ(before, PrototypesOf(*map));
 }

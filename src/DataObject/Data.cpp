@@ -213,16 +213,13 @@ void Data::Step(int n) {
 void Data::Current(std::span<double> inputs, std::span<double> outputs, LabelList* labels) const {
   const int row = MbrNdxCursor;
   if (!InRing(row)) throw TException("Invalid Data Row", "Bad Parameter", "Data::GetInputRow");
-  const auto copy = [row](const DataSide& side, std::span<double> out, bool selected) {
-    if (out.empty()) return;
-    if (selected)
-      side.Copy(row, out, side.DyaSelection, "Data::Current");
+  if (!inputs.empty()) MbrSidInputs.CopySelected(row, inputs, "Data::Current");
+  if (!outputs.empty()) {
+    if (MbrSidInputs.Selection().empty())
+      MbrSidOutputs.Copy(row, outputs);
     else
-      side.Copy(row, out);
-  };
-  const bool selected = !MbrSidInputs.DyaSelection.empty();
-  copy(MbrSidInputs, inputs, selected);
-  copy(MbrSidOutputs, outputs, selected && !MbrSidOutputs.DyaSelection.empty());
+      MbrSidOutputs.CopySelected(row, outputs, "Data::Current");
+  }
   if (labels && MbrBolHasLabels) *labels = MbrDyaLabels[static_cast<std::size_t>(row)];
 }
 
@@ -239,12 +236,12 @@ void Data::Previous(std::span<double> inputs, std::span<double> outputs) {
 // --- Column selections -----------------------------------------------------------------------
 
 void Data::SetInputSelection(std::span<const int> columns) {
-  MbrSidInputs.DyaSelection.assign(columns.begin(), columns.end());
+  MbrSidInputs.Select(columns);
 }
 
 void Data::SetSelections(std::span<const int> inputs, std::span<const int> outputs) {
   SetInputSelection(inputs);
-  MbrSidOutputs.DyaSelection.assign(outputs.begin(), outputs.end());
+  MbrSidOutputs.Select(outputs);
 }
 
 std::unique_ptr<Data> Data::Clone() const {

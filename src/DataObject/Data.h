@@ -158,7 +158,7 @@ class Data {
 
   void SetInputSelection(std::span<const int> columns);
   void SetSelections(std::span<const int> inputs, std::span<const int> outputs);
-  std::vector<int> GetInputSelection() const { return MbrSidInputs.DyaSelection; }
+  std::vector<int> GetInputSelection() const { return MbrSidInputs.Selection(); }
 
   // A set equal to this one in everything, the cursor and the change count included.
   std::unique_ptr<Data> Clone() const;

@@ -54,4 +54,9 @@ void DataSide::Copy(int position, std::span<double> out, std::span<const int> co
                  [&](int column) { return row[Column(column, function)]; });
 }
 
+void DataSide::CopySelected(int position, std::span<double> out, const char* function) const {
+  if (MbrDyaSelection.empty()) return Copy(position, out);
+  Copy(position, out, MbrDyaSelection, function);
+}
+
 }  // namespace kiln

@@ -12,7 +12,7 @@ namespace kiln {
 // A position is the caller's to check; a column is checked here.
 class DataSide {
  public:
-  // All values are zero and no column is selected. `column_error` is the message of the TException
+  // All values are zero and nothing is selected. `column_error` is the message of the TException
   // ("Bad Parameter") about a column that does not exist; it must outlive the side.
   // REQUIRES: neither count is negative.
   DataSide(int rows, int columns, const char* column_error);
@@ -43,7 +43,15 @@ class DataSide {
   void Copy(int position, std::span<double> out, std::span<const int> columns,
             const char* function) const;
 
-  std::vector<int> DyaSelection;  // the selected columns in order; empty selects nothing
+  // The columns selected for stepping, in the order in which it returns them; an empty list is no
+  // selection.
+  const std::vector<int>& Selection() const { return MbrDyaSelection; }
+  void Select(std::span<const int> columns) {
+    MbrDyaSelection.assign(columns.begin(), columns.end());
+  }
+
+  // Copies the selected columns of a row, or the whole row where there is no selection.
+  void CopySelected(int position, std::span<double> out, const char* function) const;
 
  private:
   std::size_t Offset(int position) const {
@@ -52,6 +60,7 @@ class DataSide {
 
   int MbrNdxColumns;
   std::vector<double> MbrDyaValues;
+  std::vector<int> MbrDyaSelection;
   const char* MbrTxtColumnError;
 };
 

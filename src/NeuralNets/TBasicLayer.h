@@ -37,10 +37,13 @@ class TBasicLayer {
   // An equal layer, down to its outputs, that belongs to no network yet.
   virtual std::unique_ptr<TBasicLayer> Clone() const = 0;
 
+  // Puts the layer at `index` of `network`, which outlives it.
   void Attach(TBasicNetwork& network, std::size_t index);
   std::size_t Index() const { return index_; }
 
   std::size_t NumNeurons() const { return neurons_.size(); }
+
+  // REQUIRES: index < NumNeurons().
   TBasicNeuron& Neuron(std::size_t index) { return *neurons_[index]; }
   const TBasicNeuron& Neuron(std::size_t index) const { return *neurons_[index]; }
 

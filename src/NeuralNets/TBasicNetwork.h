@@ -37,6 +37,8 @@ class TBasicNetwork {
   virtual ~TBasicNetwork() = default;
 
   virtual std::string_view KindName() const { return "Basic"; }
+
+  // An equal network of the same kind, down to the outputs of the last recall.
   virtual std::unique_ptr<TBasicNetwork> Clone() const;
 
   // --- Layers --------------------------------------------------------------------------------
@@ -85,7 +87,8 @@ class TBasicNetwork {
   // would have more than kMaxWeights weights.
   void SetConnections(std::size_t to, std::size_t from, std::unique_ptr<TBasicConnections> block);
 
-  // The layers that are connected to layer `to`, in ascending order.
+  // The layers that are connected to layer `to`, in ascending order. REQUIRES: there is that layer,
+  // here and below.
   std::span<const std::size_t> Sources(std::size_t to) const { return sources_[to]; }
 
   // Whether layer `to` is connected to one before it: these are the connections that are trained.
@@ -110,7 +113,8 @@ class TBasicNetwork {
   // Sets every weight to 0.
   void ClearWeights();
 
-  // Removes every connection into and out of a neuron, which stays where it is.
+  // Removes every connection into and out of a neuron, which stays where it is. Throws TAssertion
+  // when there is no such layer, or for connections that cannot be removed.
   void PruneNode(std::size_t layer, std::size_t node);
 
   // Replaces the weights, flags, functions, neuron settings and outputs by those of a network of

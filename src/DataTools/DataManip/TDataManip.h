@@ -40,7 +40,8 @@ class TDataManip {
   static std::unique_ptr<Data> Extract(const Data* source, std::span<const int> input_columns,
                                        std::span<const int> output_columns);
 
-  // The first n rows with their labels. Throws "Insufficient rows" if there are fewer.
+  // The first n rows with their labels. Throws "Insufficient rows" if there are fewer, and "Invalid
+  // Data Size" for a negative n.
   static std::unique_ptr<Data> GetFirstRows(int n, const Data* source);
 
   // Consecutive subsets of the given sizes, without labels.
