@@ -2,10 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 #include <functional>
 #include <map>
-#include <new>
 
 #include "Bramble/DeathCap.h"
 #include "Shared/Random.h"
@@ -190,7 +188,7 @@ TEST(GeneticFitness, IsScaledAndRanked) {
   Population elites(2, 0, population.Genome());
   EXPECT_EQ(elites.AddElites(nullptr, 1), kNoElites);
   EXPECT_EQ(elites.AddElites(&population, 1) + elites.AddElites(&population, 3), SUCCESS);
-  EXPECT_TRUE(std::ranges::equal(elites.Individuals(), std::vector<std::uint32_t>{2, 5, 2, 4}, {},
+  EXPECT_TRUE(std::ranges::equal(elites.Individuals(), std::vector<std::uint32_t>{4, 5, 2, 4}, {},
                                  &Individual::Identifier));
 }
 

@@ -64,8 +64,9 @@ class GeneticTraining : public testing::Test {
     for (const int selection : {kRouletteSelection, kTournamentSelection}) {
       for (const int crossover : {-1, 0, 1, 2, 7, 1000}) {
         network.SetWeights(start, FMaskAll);
-        const double result = Train(trainer, {60, 0.0F, 1, crossover, 0.02F, selection});
-        EXPECT_EQ(errors.size(), 60U);
+        const std::size_t elites = crossover > 1 ? 3 : 1;
+        const double result = Train(trainer, {90, 0.0F, elites, crossover, 0.02F, selection});
+        EXPECT_EQ(errors.size(), 90U);
         EXPECT_TRUE(std::ranges::is_sorted(errors, std::greater<>())) << crossover;
         EXPECT_LT(errors.back(), errors.front());
         EXPECT_EQ(result, errors.back());
@@ -90,7 +91,7 @@ class GeneticTraining : public testing::Test {
 };
 
 TEST_F(GeneticTraining, NeverLosesItsBestAndLeavesFixedWeightsAlone) {
-  TMLPGA perceptron_trainer(perceptron, {-5.0F, 5.0F}, 30);
+  TMLPGA perceptron_trainer(perceptron, {-100.0F, 100.0F}, 30);
   TrainInEveryWay(perceptron_trainer, *perceptron, 2);
   TTarnGA tarn_trainer(tarn, {-5.0F, 5.0F}, 30);
   TrainInEveryWay(tarn_trainer, *tarn, 3);

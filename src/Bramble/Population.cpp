@@ -1,6 +1,7 @@
 #include "Bramble/Population.h"
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 #include "Bramble/Status.h"
@@ -64,10 +65,16 @@ Population Population::SubPopulation(std::size_t first, std::size_t last) const 
 
 void Population::SortByFitness() {
   MbrNdxMaxWheelIndex = 0;
-  std::ranges::sort(Individuals(), [](const Individual& left, const Individual& right) {
-    if (left.Fitness() != right.Fitness()) return left.Fitness() < right.Fitness();
-    return left.Identifier() < right.Identifier();
+  MbrDyaNdxRanking.resize(MbrNdxPopSize);
+  std::iota(MbrDyaNdxRanking.begin(), MbrDyaNdxRanking.end(), 0U);
+  std::ranges::sort(MbrDyaNdxRanking, {}, [this](std::uint32_t index) {
+    return std::pair(MbrDyaIdvIndividuals[index].Fitness(), index);
   });
+  for (std::size_t place = 0; place < MbrNdxPopSize; ++place) {
+    std::size_t from = MbrDyaNdxRanking[place];
+    while (from < place) from = MbrDyaNdxRanking[from];  // where an earlier swap has put it
+    std::swap(MbrDyaIdvIndividuals[place], MbrDyaIdvIndividuals[from]);
+  }
 }
 
 void Population::Export(std::vector<std::span<GeneValue>>& genes) {
@@ -99,9 +106,11 @@ void Population::ComputeStatistics() {
 
 BestIndividual Population::Best() const {
   Assert(MbrNdxPopSize != 0, "PtrIdvElite != 0", kBrambleModule);
-  const std::span<const Individual> individuals = Individuals();
-  const auto best = std::ranges::max_element(individuals, {}, &Individual::Fitness);
-  return {static_cast<std::size_t>(best - individuals.begin()) + 1, best->Fitness()};
+  std::size_t best = 0;
+  for (std::size_t index = 1; index < MbrNdxPopSize; ++index) {
+    if (MbrDyaIdvIndividuals[index].Fitness() >= MbrDyaIdvIndividuals[best].Fitness()) best = index;
+  }
+  return {best + 1, MbrDyaIdvIndividuals[best].Fitness()};
 }
 
 int Population::ScaleFitness(int method) {

@@ -27,6 +27,10 @@ struct BestIndividual {
 // The individuals of one generation, all of one genome. Positions count from 1. Copying a
 // population clones it.
 //
+// Individuals rank by fitness; of equals the one that stands later ranks higher. Elites stand
+// behind the children, so that no child of equal fitness takes their place, which an evaluator
+// might know to be a shade worse than single precision shows.
+//
 // An emptied population keeps its individuals as spare room, so that two populations that take
 // turns as parents and children need no memory after the first turn.
 //
@@ -71,7 +75,7 @@ class Population {
   // The positions first..last as a population of the same generation, its statistics computed.
   Population SubPopulation(std::size_t first, std::size_t last) const;
 
-  // Ascending by fitness; equals by identifier.
+  // Puts the individuals in the order of their rank, the highest last.
   void SortByFitness();
 
   // Fills `genes` with the values of every individual, as stored: what is written there is
@@ -90,7 +94,7 @@ class Population {
   // As last computed, or scaled since.
   const FitnessStatistics& Statistics() const { return MbrStsFitness; }
 
-  // The first individual of the highest fitness. Throws TAssertion in an empty population.
+  // The individual of the highest rank. Throws TAssertion in an empty population.
   BestIndividual Best() const;
 
   // Scales every fitness by the recorded statistics. kLinearScaling: (f - min) / (max - min), or
@@ -138,6 +142,7 @@ class Population {
   FitnessStatistics MbrStsFitness;
   std::shared_ptr<const MetaChrom> MbrPtrMchGenome;
   std::vector<Individual> MbrDyaIdvIndividuals;  // the first MbrNdxPopSize live, the rest spare
+  std::vector<std::uint32_t> MbrDyaNdxRanking;   // of SortByFitness; kept for its storage
 };
 
 }  // namespace kiln

@@ -91,9 +91,9 @@ void TGenTrainEval::EvaluatePopulation(std::span<const MetaGene>,
       continue;
     }
     const TGenTrainRecord record = Evaluate(genes[i]);
-    // Errors that fitness doesn't tell apart are the same here too: the first becomes the elite.
-    const bool is_lower = record.DblError < MbrRecLowest.DblError;
-    if (is_lower && record.FltFitness > MbrRecLowest.FltFitness) MbrRecLowest = record;
+    // Of errors that fitness doesn't tell apart the last counts: that individual ranks highest.
+    const bool counts = record.DblError < TGenTrainRecord{}.DblError;
+    if (counts && record.FltFitness >= MbrRecLowest.FltFitness) MbrRecLowest = record;
     fitness[i] = record.FltFitness;
   }
 }

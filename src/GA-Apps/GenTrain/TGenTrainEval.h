@@ -67,7 +67,7 @@ class TGenTrainEval : public Evaluator {
                           std::span<const std::span<GeneValue>> genes,
                           std::span<float> fitness) override;
 
-  // The lowest error of the last population; of several with one fitness that of the first, which
+  // The lowest error of the last population; of several with one fitness that of the last, which
   // is the best individual. Errors of 2147483647 or more do not count.
   const TGenTrainRecord& Lowest() const { return MbrRecLowest; }
 
