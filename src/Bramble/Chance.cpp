@@ -1,61 +1,46 @@
 #include "Bramble/Chance.h"
 
-#include <array>
-#include <cstdint>
+#include <algorithm>
 
 namespace kiln {
 
-namespace {
-
-// The generator's n-th state from s is kLeaps.DyaFactors[n-1] * s + kLeaps.DyaSummands[n-1]: so the
-// draws of a block don't wait for each other.
-constexpr std::size_t kBlock = 16;
-
-struct Leaps {
-  std::array<std::uint32_t, kBlock> DyaFactors{};
-  std::array<std::uint32_t, kBlock> DyaSummands{};
-};
-
-constexpr Leaps kLeaps = [] {
-  Leaps leaps;
-  std::uint32_t factor = 1;
-  std::uint32_t summand = 0;
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    leaps.DyaFactors[i] = factor *= Random::kMultiplier;
-    leaps.DyaSummands[i] = summand = summand * Random::kMultiplier + Random::kIncrement;
-  }
-  return leaps;
-}();
-
-}  // namespace
-
+// Passes over whole blocks without the event; draws one by one where it is, and what is no block.
 std::size_t Chance::Misses(std::size_t limit) const {
   std::size_t drawn = 0;
-  std::uint32_t state = Random::State();
-  while (limit - drawn >= kBlock && !OccursInBlock(state)) {
-    state = kLeaps.DyaFactors.back() * state + kLeaps.DyaSummands.back();
-    drawn += kBlock;
+  while (drawn < limit) {
+    const std::span<const std::uint16_t> ahead = Random::Ahead();
+    const std::size_t count = std::min({ahead.size(), limit - drawn, kBlock});
+    if (count == kBlock && !OccursAmong(ahead.first<kBlock>())) {
+      Random::Skip(kBlock);
+      drawn += kBlock;
+    } else {
+      for (const std::size_t end = drawn + count; drawn < end; ++drawn) {
+        if (Occurs()) return drawn;
+      }
+    }
   }
-  Random::Seed(state);
-  while (drawn < limit && !Occurs()) ++drawn;
-  return drawn;
+  return limit;
 }
 
-// Whether one of the kBlock draws after this state is the event.
-//
-// A remainder is compared without a division: 33521 / 2^25 is 1/1001 and so little more that for
-// every value v of the generator v mod 1001 <= t just when v * 33521 mod 2^25 < (t + 1) * 33521.
-bool Chance::OccursInBlock(std::uint32_t state) const {
-  constexpr std::int32_t kReciprocal = 33521;
-  constexpr std::int32_t kFraction = (1 << 25) - 1;
-  const std::int32_t limit = (MbrIntThreshold + 1) * kReciprocal;
-  std::uint32_t hits = 0;
-  for (std::size_t i = 0; i < kBlock; ++i) {
-    const std::uint32_t next = kLeaps.DyaFactors[i] * state + kLeaps.DyaSummands[i];
-    const auto value = static_cast<std::int32_t>((next >> 16) & 32767U);
-    hits |= ((value * kReciprocal) & kFraction) < limit ? 1U : 0U;
+bool Chance::OccursAmong(std::span<const std::uint16_t, kBlock> values) const {
+  const std::uint16_t threshold = MbrIntThreshold;
+  std::uint16_t events = 0;
+  for (const std::uint16_t value : values) {
+    events = static_cast<std::uint16_t>(events + (value % kOutcomes <= threshold));
   }
-  return hits != 0;
+  return events != 0;
+}
+
+void Chance::Flip(std::span<std::uint8_t> coins) {
+  while (!coins.empty()) {
+    const std::span<const std::uint16_t> ahead = Random::Ahead();
+    const auto values = ahead.first(std::min(ahead.size(), coins.size()));
+    for (std::size_t i = 0; i < values.size(); ++i) {
+      coins[i] = values[i] % kOutcomes < kHeads ? 1 : 0;
+    }
+    Random::Skip(values.size());
+    coins = coins.subspan(values.size());
+  }
 }
 
 }  // namespace kiln

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 #include "Shared/Random.h"
 
@@ -22,19 +23,26 @@ class Chance {
   std::size_t Misses(std::size_t limit) const;
 
   // One of two equals, the odds 501 to 500. Draws once.
-  static bool Coin() { return Random::Next() % kOutcomes < 501; }
+  static bool Coin() { return Random::Next() % kOutcomes < kHeads; }
+
+  // Flips a coin for each place: 1 or 0. The same as calling Coin() for each, only faster.
+  static void Flip(std::span<std::uint8_t> coins);
 
  private:
-  static constexpr int kOutcomes = 1001;
+  static constexpr std::uint16_t kOutcomes = 1001;
+  static constexpr std::uint16_t kHeads = 501;
+  static constexpr std::size_t kBlock = 16;  // draws that are looked at together
 
-  static int Thousandths(float probability) {
+  static std::uint16_t Thousandths(float probability) {
     if (!(probability > 0.0F)) return 0;
-    return probability >= 1.0F ? 1000 : static_cast<int>(static_cast<double>(probability) * 1000.0);
+    return probability >= 1.0F
+               ? 1000
+               : static_cast<std::uint16_t>(static_cast<double>(probability) * 1000.0);
   }
 
-  bool OccursInBlock(std::uint32_t state) const;
+  bool OccursAmong(std::span<const std::uint16_t, kBlock> values) const;
 
-  int MbrIntThreshold;
+  std::uint16_t MbrIntThreshold;
 };
 
 }  // namespace kiln

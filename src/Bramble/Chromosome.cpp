@@ -21,7 +21,7 @@ Chromosome Chromosome::Random(std::shared_ptr<const MetaChrom> genome) {
   for (const MetaGene& definition : chromosome.MbrPtrMchGenome->Export()) {
     chromosome.MbrDyaGvlValues.push_back(definition.Draw());
   }
-  chromosome.MbrDyaFlgFlags.assign(chromosome.Length(), Flags{false, true});
+  chromosome.MbrDyaFlgFlags.assign(chromosome.Length(), kMutable);
   return chromosome;
 }
 
@@ -31,60 +31,63 @@ Chromosome Chromosome::Of(std::shared_ptr<const MetaChrom> genome,
   Assert(values.size() == chromosome.MbrPtrMchGenome->Length(), "NdxSeedLength == NdxChromLength",
          kBrambleModule);
   chromosome.MbrDyaGvlValues.assign(values.begin(), values.end());
-  chromosome.MbrDyaFlgFlags.assign(values.size(), Flags{false, true});
+  chromosome.MbrDyaFlgFlags.assign(values.size(), kMutable);
   return chromosome;
 }
 
 Gene Chromosome::At(std::size_t position) const {
   Assert(position >= 1 && position <= Length(), "PtrGneCurrent != 0", kBrambleModule);
-  const Flags flags = MbrDyaFlgFlags[position - 1];
-  return {.BolChanged = flags.BolChanged,
-          .BolMutable = flags.BolMutable,
+  const std::uint8_t flags = MbrDyaFlgFlags[position - 1];
+  return {.BolChanged = (flags & kChanged) != 0,
+          .BolMutable = (flags & kMutable) != 0,
           .MgnDefinition = MbrPtrMchGenome->At(position),
           .GvlValue = MbrDyaGvlValues[position - 1]};
 }
 
 void Chromosome::SetMutable(std::size_t position, bool is_mutable) {
-  Assert(position >= 1 && position <= Length(), "PtrGneCurrent != 0", kBrambleModule);
-  MbrDyaFlgFlags[position - 1].BolMutable = is_mutable;
-}
-
-void Chromosome::Restart(const std::shared_ptr<const MetaChrom>& genome) {
-  Assert(genome != nullptr, "PtrMchGenome != 0", kBrambleModule);
-  if (MbrPtrMchGenome != genome) MbrPtrMchGenome = genome;
-  MbrDyaGvlValues.clear();
-  MbrDyaFlgFlags.clear();
+  Gene gene = At(position);
+  gene.BolMutable = is_mutable;
+  MbrDyaFlgFlags[position - 1] = FlagsOf(gene);
 }
 
 void Chromosome::Append(const Gene& gene) {
   Assert(MbrPtrMchGenome->At(Length() + 1) == gene.MgnDefinition, "MgnGene == MgnExpected",
          kBrambleModule);
   MbrDyaGvlValues.push_back(gene.GvlValue);
-  MbrDyaFlgFlags.push_back({gene.BolChanged, gene.BolMutable});
+  MbrDyaFlgFlags.push_back(FlagsOf(gene));
 }
 
-void Chromosome::Append(const Chromosome& source, std::size_t first, std::size_t last) {
-  Assert(first >= 1 && first <= last + 1 && last <= source.Length(), "PtrGneCurrent != 0",
-         kBrambleModule);
-  const std::size_t count = last + 1 - first;
-  Assert(Fits(source, first, count), "MgnGene == MgnExpected", kBrambleModule);
-  const GeneValue* values = source.MbrDyaGvlValues.data() + (first - 1);
-  const Flags* flags = source.MbrDyaFlgFlags.data() + (first - 1);
-  MbrDyaGvlValues.insert(MbrDyaGvlValues.end(), values, values + count);
-  MbrDyaFlgFlags.insert(MbrDyaFlgFlags.end(), flags, flags + count);
+std::uint8_t Chromosome::FlagsOf(const Gene& gene) {
+  return static_cast<std::uint8_t>((gene.BolChanged ? kChanged : 0) |
+                                   (gene.BolMutable ? kMutable : 0));
 }
 
-// The common case, the same place in the same genome, is told without a look at the definitions.
-bool Chromosome::Fits(const Chromosome& source, std::size_t first, std::size_t count) const {
-  if (MbrPtrMchGenome == source.MbrPtrMchGenome && first == Length() + 1) return true;
-  if (count > MbrPtrMchGenome->Length() - Length()) return false;
-  return std::ranges::equal(MbrPtrMchGenome->Export().subspan(Length(), count),
-                            source.MbrPtrMchGenome->Export().subspan(first - 1, count));
+void Chromosome::Take(const Chromosome& source, std::size_t begin, std::size_t end) {
+  std::copy_n(source.MbrDyaGvlValues.data() + begin - 1, end - begin,
+              MbrDyaGvlValues.data() + begin - 1);
+  std::copy_n(source.MbrDyaFlgFlags.data() + begin - 1, end - begin,
+              MbrDyaFlgFlags.data() + begin - 1);
+}
+
+// Reads both genes whichever it takes, since chance lets no processor guess which.
+void Chromosome::Take(const Chromosome& source, std::span<const std::uint8_t> where) {
+  const std::span values(MbrDyaGvlValues);
+  const std::span source_values(source.MbrDyaGvlValues);
+  const std::span flags(MbrDyaFlgFlags);
+  const std::span source_flags(source.MbrDyaFlgFlags);
+  for (std::size_t i = 0; i < where.size(); ++i) {
+    values[i] = GeneValue::Either(where[i] != 0, source_values[i], values[i]);
+  }
+  for (std::size_t i = 0; i < where.size(); ++i) {
+    const std::uint8_t taken = source_flags[i];
+    const std::uint8_t kept = flags[i];
+    flags[i] = where[i] != 0 ? taken : kept;
+  }
 }
 
 Chromosome Chromosome::Slice(std::size_t first, std::size_t last) const {
   Chromosome slice(std::make_shared<const MetaChrom>(MbrPtrMchGenome->Slice(first, last)));
-  slice.Append(*this, first, last);
+  for (std::size_t position = first; position <= last; ++position) slice.Append(At(position));
   return slice;
 }
 
@@ -102,7 +105,7 @@ int Chromosome::MutateAt(std::size_t index) {
   Gene gene = At(index + 1);
   const int status = gene.Mutate();
   MbrDyaGvlValues[index] = gene.GvlValue;
-  MbrDyaFlgFlags[index].BolChanged = gene.BolChanged;
+  MbrDyaFlgFlags[index] = FlagsOf(gene);
   return status;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <vector>
@@ -43,23 +44,15 @@ class Chromosome {
 
   // --- Putting together ----------------------------------------------------------------------
 
-  // Starts again without genes, laid out by a genome. Keeps the storage.
-  void Restart(const std::shared_ptr<const MetaChrom>& genome);
-
   // Appends a clone of the gene. Throws TAssertion unless its type and bounds are those of the
   // genome at the next position.
   void Append(const Gene& gene);
 
-  // Appends clones of the genes first..last of the source; none when last is first - 1. Throws
-  // TAssertion when they don't exist or, like the other, when they don't fit.
-  void Append(const Chromosome& source, std::size_t first, std::size_t last);
-
-  // Replaces a gene by a clone of the one at the same position of another chromosome.
-  // REQUIRES: both have a gene there, of one definition.
-  void Take(const Chromosome& source, std::size_t position) {
-    MbrDyaGvlValues[position - 1] = source.MbrDyaGvlValues[position - 1];
-    MbrDyaFlgFlags[position - 1] = source.MbrDyaFlgFlags[position - 1];
-  }
+  // Replaces genes by clones of those at the same positions of another chromosome: from `begin` to
+  // before `end`; or those whose place in `where`, which has one for each gene, is not 0.
+  // REQUIRES: both have genes there, of one definition.
+  void Take(const Chromosome& source, std::size_t begin, std::size_t end);
+  void Take(const Chromosome& source, std::span<const std::uint8_t> where);
 
   // The genes first..last as a chromosome of their own.
   Chromosome Slice(std::size_t first, std::size_t last) const;
@@ -70,17 +63,15 @@ class Chromosome {
   int Mutate(float probability);
 
  private:
-  struct Flags {
-    bool BolChanged : 1;
-    bool BolMutable : 1;
-  };
+  static constexpr std::uint8_t kChanged = 1;
+  static constexpr std::uint8_t kMutable = 2;
 
+  static std::uint8_t FlagsOf(const Gene& gene);
   int MutateAt(std::size_t index);
-  bool Fits(const Chromosome& source, std::size_t first, std::size_t count) const;
 
   std::shared_ptr<const MetaChrom> MbrPtrMchGenome;
   std::vector<GeneValue> MbrDyaGvlValues;
-  std::vector<Flags> MbrDyaFlgFlags;
+  std::vector<std::uint8_t> MbrDyaFlgFlags;
 };
 
 }  // namespace kiln

@@ -1,8 +1,6 @@
 #include "Bramble/Crossover.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
 
 #include "Bramble/Chance.h"
 #include "Bramble/Status.h"
@@ -14,39 +12,33 @@ namespace kiln {
 void Crossover::Cross(const Chromosome& first, const Chromosome& second, Chromosome& child) {
   const std::size_t length = first.Length();
   Assert(second.Length() == length, "NdxMateChromLength == NdxChromLength", kBrambleModule);
+  Assert(first.Genome() == second.Genome() || *first.Genome() == *second.Genome(),
+         "MchMate == MchGenome", kBrambleModule);
+  child = second;
   if (MbrIntPoints == 1 && length > 0) {
-    OnePoint(first, second, child);
+    OnePoint(first, child);
   } else if (MbrIntPoints < 0 || static_cast<std::size_t>(MbrIntPoints) + 1 >= length) {
-    Uniform(first, second, child);
+    Uniform(first, child);
   } else {
-    ManyPoint(first, second, child);
+    ManyPoint(first, child);
   }
   Assert(child.Length() == length, "NdxNewLength == NdxChromLength", kBrambleModule);
 }
 
-void Crossover::OnePoint(const Chromosome& first, const Chromosome& second, Chromosome& child) {
-  const std::size_t point = Random::Below(first.Length());
-  child.Restart(first.Genome());
-  child.Append(first, 1, point);
-  child.Append(second, point + 1, second.Length());
+void Crossover::OnePoint(const Chromosome& first, Chromosome& child) {
+  child.Take(first, 1, Random::Below(first.Length()) + std::size_t{1});
 }
 
-// The source of each gene is looked up rather than branched to: no processor guesses a coin.
-void Crossover::Uniform(const Chromosome& first, const Chromosome& second, Chromosome& child) {
-  const std::array<const Chromosome*, 2> sources = {&second, &first};
-  child.Restart(first.Genome());
-  child.Append(second, 1, second.Length());
-  for (std::size_t position = 1; position <= child.Length(); ++position) {
-    child.Take(*sources[Chance::Coin() ? 1 : 0], position);
-  }
+void Crossover::Uniform(const Chromosome& first, Chromosome& child) {
+  MbrDyaIntCoins.resize(first.Length());
+  Chance::Flip(MbrDyaIntCoins);
+  child.Take(first, MbrDyaIntCoins);
 }
 
-void Crossover::ManyPoint(const Chromosome& first, const Chromosome& second, Chromosome& child) {
+void Crossover::ManyPoint(const Chromosome& first, Chromosome& child) {
   DrawCuts(first.Length());
-  child.Restart(first.Genome());
-  for (std::size_t segment = 0; segment + 1 < MbrDyaNdxCuts.size(); ++segment) {
-    const Chromosome& source = segment % 2 == 1 ? first : second;
-    child.Append(source, MbrDyaNdxCuts[segment], MbrDyaNdxCuts[segment + 1] - 1);
+  for (std::size_t segment = 1; segment + 1 < MbrDyaNdxCuts.size(); segment += 2) {
+    child.Take(first, MbrDyaNdxCuts[segment], MbrDyaNdxCuts[segment + 1]);
   }
 }
 

@@ -20,6 +20,11 @@ class GeneValue {
   }
   static constexpr GeneValue OfBoolean(bool value) { return GeneValue(value ? 1U : 0U); }
 
+  // One of the two. Loops over arrays of values choose in registers by this, without a branch.
+  static constexpr GeneValue Either(bool is_first, GeneValue first, GeneValue second) {
+    return GeneValue(is_first ? first.MbrIntBits : second.MbrIntBits);
+  }
+
   constexpr std::int32_t Integer() const { return std::bit_cast<std::int32_t>(MbrIntBits); }
   constexpr float Real() const { return std::bit_cast<float>(MbrIntBits); }
   constexpr bool Boolean() const { return MbrIntBits != 0; }

@@ -1,18 +1,58 @@
 #include "Shared/Random.h"
 
 #include <chrono>
+#include <tuple>
 
 namespace kiln::Random {
 
+namespace {
+
+constexpr std::uint32_t kMultiplier = 22695477;
+constexpr std::uint32_t kIncrement = 1;
+
+// The n-th state after s is kLeaps.factors[n-1] * s + kLeaps.summands[n-1].
+constexpr std::size_t kStride = 16;
+
+struct Leaps {
+  std::array<std::uint32_t, kStride> factors{};
+  std::array<std::uint32_t, kStride> summands{};
+};
+
+constexpr Leaps kLeaps = [] {
+  Leaps leaps;
+  std::uint32_t factor = 1;
+  std::uint32_t summand = 0;
+  for (std::size_t i = 0; i < kStride; ++i) {
+    leaps.factors[i] = factor *= kMultiplier;
+    leaps.summands[i] = summand = summand * kMultiplier + kIncrement;
+  }
+  return leaps;
+}();
+
+}  // namespace
+
+void internal::Generator::Refill() {
+  static_assert(std::tuple_size_v<decltype(block)> % kStride == 0);
+  for (std::size_t first = 0; first < block.size(); first += kStride) {
+    for (std::size_t i = 0; i < kStride; ++i) {
+      const std::uint32_t next = kLeaps.factors[i] * state + kLeaps.summands[i];
+      block[first + i] = static_cast<std::uint16_t>((next >> 16) & 32767U);
+    }
+    state = kLeaps.factors.back() * state + kLeaps.summands.back();
+  }
+  used = 0;
+}
+
 void Seed(std::uint32_t seed) {
-  internal::state = seed;
+  internal::generator.state = seed;
+  internal::generator.used = internal::generator.block.size();
 }
 
 void SeedFromClock() {
   static std::uint32_t calls = 0;
   const auto ticks = std::chrono::system_clock::now().time_since_epoch().count();
   // The golden-ratio step keeps the starting points of calls within one tick far apart.
-  internal::state = static_cast<std::uint32_t>(ticks) + ++calls * 0x9E3779B9U;
+  Seed(static_cast<std::uint32_t>(ticks) + ++calls * 0x9E3779B9U);
 }
 
 double Uniform(double lower, double upper) {

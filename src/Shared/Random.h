@@ -1,38 +1,57 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
 // The one source of random numbers: a linear congruential generator,
 // state = state * 22695477 + 1 (modulo 2^32), whose values are the bits 16 to 30 of the state.
 // A run with the same seed and the same commands gives the same objects.
+//
+// Values are made ahead in blocks, in which they need not wait for each other.
 namespace kiln::Random {
 
-inline constexpr int kMax = 32767;  // the largest value of Next()
-
-inline constexpr std::uint32_t kMultiplier = 22695477;
-inline constexpr std::uint32_t kIncrement = 1;
+inline constexpr int kMax = 32767;  // the largest value
 
 namespace internal {
 
-inline std::uint32_t state = 1;
+struct Generator {
+  std::uint32_t state = 1;  // that of the last value of the block
+  std::array<std::uint16_t, 256> block{};
+  std::size_t used = block.size();  // values of the block that have been drawn
+
+  void Refill();
+};
+
+inline constinit Generator generator;
 
 }  // namespace internal
 
 // The next draw is the first after this state.
 void Seed(std::uint32_t seed);
 
-// What Seed would have to be given to go on from here.
-inline std::uint32_t State() {
-  return internal::state;
-}
-
 // Starts from the clock. Two calls within one tick of it still start differently.
 void SeedFromClock();
 
-// The next value, 0..kMax. Stands here because the genetic engine draws once for every gene.
+// For loops over many draws: some of the next values, at least one, without drawing them. Valid
+// until the next draw; how many have been made use of is for Skip to say.
+inline std::span<const std::uint16_t> Ahead() {
+  internal::Generator& generator = internal::generator;
+  if (generator.used == generator.block.size()) generator.Refill();
+  return std::span(generator.block).subspan(generator.used);
+}
+
+// Draws so many values. REQUIRES: no more than there are Ahead().
+inline void Skip(std::size_t count) {
+  internal::generator.used += count;
+}
+
+// The next value, 0..kMax.
 inline int Next() {
-  internal::state = internal::state * kMultiplier + kIncrement;
-  return static_cast<int>((internal::state >> 16) & 32767U);
+  const int next = Ahead().front();
+  Skip(1);
+  return next;
 }
 
 // A value in [lower, upper], both ends included, in steps of (upper - lower) / kMax.
