@@ -25,7 +25,11 @@ TBackpropBlock::TBackpropBlock(TBasicNetwork& network, TBasicNetwork& gradients)
   rows_.resize(largest * kPatterns);
 }
 
-void TBackpropBlock::Train(const Data& data, int first, TTrainRun& run) {
+void TBackpropBlock::Run(const Data& data, TTrainRun& run) {
+  for (int n = 0; n < data.DataRows(); n += kPatterns) RunBlock(data, n, run);
+}
+
+void TBackpropBlock::RunBlock(const Data& data, int first, TTrainRun& run) {
   outputs_.Recall(data, first);
   for (std::vector<double>& errors : errors_) std::ranges::fill(errors, 0.0);
   SetOutputErrors(data, first, run);

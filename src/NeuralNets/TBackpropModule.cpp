@@ -1,8 +1,9 @@
 #include "NeuralNets/TBackpropModule.h"
 
-#include "DataObject/Data.h"
 #include "NeuralNets/ActDerivatives.h"
+#include "NeuralNets/PlainNetworks.h"
 #include "NeuralNets/TBackpropBlock.h"
+#include "NeuralNets/TBackpropPattern.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln {
@@ -43,10 +44,15 @@ void TBackpropModule::TrainLayer(const TTrainRun& run, std::size_t layer) {
   }
 }
 
-void TBackpropModule::AddGradients(TTrainRun& run, const Data& data) {
-  if (!TPatternBlock::Fits(Network())) return TTrainModule::AddGradients(run, data);
-  TBackpropBlock block(Network(), Gradients());
-  for (int n = 0; n < data.DataRows(); n += TPatternBlock::kPatterns) block.Train(data, n, run);
+std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
+  if (run.batch && TPatternBlock::Fits(Network())) {
+    return std::make_unique<TBackpropBlock>(Network(), Gradients());
+  }
+  if (run.at_once && IsPlain(Network())) {
+    return std::make_unique<TBackpropPattern>(Network(), Gradients(), Changes(),
+                                              run.ForgettingRates());
+  }
+  return nullptr;
 }
 
 }  // namespace kiln

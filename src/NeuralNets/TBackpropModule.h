@@ -17,7 +17,7 @@ class TBackpropModule : public TTrainModule {
  protected:
   void CheckLayers(const TTrainRun& run) const override;
   void TrainLayer(const TTrainRun& run, std::size_t layer) override;
-  void AddGradients(TTrainRun& run, const Data& data) override;
+  std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override;
 
   // Checks one layer: TAssertion unless its function can be trained, where it has to be.
   void CheckLayer(const TTrainRun& run, std::size_t layer) const;

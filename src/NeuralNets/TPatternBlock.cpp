@@ -2,33 +2,18 @@
 
 #include <algorithm>
 #include <array>
-#include <typeinfo>
 
 #include "DataObject/Data.h"
 #include "NeuralNets/Kernels.h"
-#include "NeuralNets/TGainLayer.h"
-#include "NeuralNets/TSimpleInputLayer.h"
-#include "NeuralNets/TSimpleLayer.h"
+#include "NeuralNets/PlainNetworks.h"
 
 namespace kiln {
 
-namespace {
-
-// Kinds are compared exactly: one that is derived from these may compute something else.
-bool LayerFits(const TBasicNetwork& network, std::size_t index) {
-  const TBasicLayer& layer = network.Layer(index);
-  if (index == network.InputLayer()) return typeid(layer) == typeid(TSimpleInputLayer);
-  return typeid(layer) == typeid(TSimpleLayer) || typeid(layer) == typeid(TGainLayer);
-}
-
-}  // namespace
-
 bool TPatternBlock::Fits(const TBasicNetwork& network) {
-  if (network.GetNumNeurons() > kMaxNeurons) return false;
+  if (network.GetNumNeurons() > kMaxNeurons || !IsPlain(network)) return false;
   for (std::size_t to = 0; to < network.NumLayers(); ++to) {
-    if (!LayerFits(network, to)) return false;
     for (const std::size_t from : network.Sources(to)) {
-      if (from >= to || !network.Connections(to, from).IsComplete()) return false;
+      if (!network.Connections(to, from).IsComplete()) return false;
     }
   }
   return true;

@@ -20,8 +20,8 @@ class TPatternBlock {
   // Beyond so many neurons, 32 MiB of outputs, patterns are better taken one by one.
   static constexpr int kMaxNeurons = 1 << 17;
 
-  // Whether a network can be recalled in this way: it has at most kMaxNeurons, its layers compute
-  // weighted sums of lower layers, and no connection is absent.
+  // Whether a network can be recalled in this way: it is plain, has at most kMaxNeurons, and no
+  // connection is absent.
   static bool Fits(const TBasicNetwork& network);
 
   // REQUIRES: the network fits, and outlives the block.

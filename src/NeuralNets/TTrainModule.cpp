@@ -57,6 +57,7 @@ TTrainRun TTrainModule::StartRun(const Data& data, TKQstructure& params) {
   run.at_once =
       !run.batch && run.penalty.kind != TPenaltyTerm::TKind::kQuadratic && IsFeedForward();
   CheckLayers(run);
+  run.pass = MakePass(run);
   return run;
 }
 
@@ -64,6 +65,8 @@ double TTrainModule::RunEpoch(const Data& data, TTrainRun& run) {
   run.error->Reset();
   if (run.batch) {
     RunBatch(data, run);
+  } else if (run.pass) {
+    run.pass->Run(data, run);
   } else {
     RunPatterns(data, run);
   }
@@ -73,24 +76,20 @@ double TTrainModule::RunEpoch(const Data& data, TTrainRun& run) {
 
 void TTrainModule::RunBatch(const Data& data, TTrainRun& run) {
   deltas_->ClearWeights();
-  AddGradients(run, data);
+  if (run.pass) {
+    run.pass->Run(data, run);
+  } else {
+    for (int n = 0; n < data.DataRows(); ++n) TrainPattern(run, data.Row(n));
+  }
   AddPenaltyGradient(run, 1.0);
   UpdateWeights(run);
   WeightsChanged();
 }
 
-void TTrainModule::AddGradients(TTrainRun& run, const Data& data) {
-  for (int n = 0; n < data.DataRows(); ++n) {
-    const DataRow row = data.Row(n);
-    TrainPattern(run, row.Inputs, row.Outputs);
-  }
-}
-
 void TTrainModule::RunPatterns(const Data& data, TTrainRun& run) {
   for (int n = 0; n < data.DataRows(); ++n) {
-    const DataRow row = data.Row(n);
     if (!run.at_once) deltas_->ClearWeights();
-    TrainPattern(run, row.Inputs, row.Outputs);
+    TrainPattern(run, data.Row(n));
     if (!run.at_once) {
       AddPenaltyGradient(run, 1.0 / data.DataRows());
       UpdateWeights(run);
@@ -99,20 +98,23 @@ void TTrainModule::RunPatterns(const Data& data, TTrainRun& run) {
   }
 }
 
-void TTrainModule::TrainPattern(TTrainRun& run, std::span<const double> input,
-                                std::span<const double> desired) {
-  network_->RecallPattern(input, run.output);
-  run.error->Accumulate(desired, run.output);
+void TTrainModule::TrainPattern(TTrainRun& run, const DataRow& row) {
+  network_->RecallPattern(row.Inputs, run.output);
+  run.error->Accumulate(row.Outputs, run.output);
   for (std::size_t layer = 0; layer < network_->NumLayers(); ++layer) {
     std::ranges::fill(ErrorsBelow(layer), 0.0);
   }
-  std::ranges::transform(run.output, desired, Errors(network_->OutputLayer()).begin(),
+  std::ranges::transform(run.output, row.Outputs, Errors(network_->OutputLayer()).begin(),
                          std::minus<>());
   for (std::size_t layer = network_->NumLayers(); layer-- > 0;) TrainLayer(run, layer);
 }
 
 void TTrainModule::CheckLayers(const TTrainRun&) const {
   AssertFalse(kModule, 79);
+}
+
+std::unique_ptr<TTrainPass> TTrainModule::MakePass(const TTrainRun&) {
+  return nullptr;
 }
 
 void TTrainModule::TrainLayer(const TTrainRun&, std::size_t) {
@@ -139,11 +141,7 @@ void TTrainModule::TrainBlock(const TTrainRun& run, std::size_t to, std::size_t 
                               const TBlockTerms& terms) {
   TBasicConnections& block = network_->Connections(to, from);
   if (run.at_once) {
-    TRates rates = run.rates;
-    // A forgetting term of the gradient, times the rate, is a pull.
-    if (run.penalty.forgetting != 0.0 && IsPenalised(to, from)) {
-      rates.pull = rates.rate * run.penalty.forgetting;
-    }
+    const TRates rates = IsPenalised(to, from) ? run.ForgettingRates() : run.rates;
     TIterateObj2Step step(terms, rates);
     block.Iterate2(changes_->Connections(to, from), step);
   } else {

@@ -7,11 +7,13 @@
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/TEpochObserver.h"
 #include "NeuralNets/TTrainIterators.h"
+#include "NeuralNets/TTrainPass.h"
 #include "NeuralNets/TTrainRun.h"
 
 namespace kiln {
 
 class Data;
+struct DataRow;
 class TKQstructure;
 
 // Gradient descent on the error of a network over a data set: the loop over epochs and patterns,
@@ -61,9 +63,9 @@ class TTrainModule {
   // network's layers are those of the pattern at hand.
   virtual void TrainLayer(const TTrainRun& run, std::size_t layer);
 
-  // Adds the errors of all patterns of a set to the error object of the run, and their gradients
-  // up: what a batch does before its update. The base takes one pattern after the other.
-  virtual void AddGradients(TTrainRun& run, const Data& data);
+  // A way through the patterns for a run whose layers have been checked, or null: pattern by
+  // pattern then, by TrainLayer. A pass does not call WeightsChanged.
+  virtual std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run);
 
   // Called after each update of the weights.
   virtual void WeightsChanged() {}
@@ -94,7 +96,7 @@ class TTrainModule {
   double RunEpoch(const Data& data, TTrainRun& run);
   void RunBatch(const Data& data, TTrainRun& run);
   void RunPatterns(const Data& data, TTrainRun& run);
-  void TrainPattern(TTrainRun& run, std::span<const double> input, std::span<const double> desired);
+  void TrainPattern(TTrainRun& run, const DataRow& row);
   void AddPenaltyGradient(const TTrainRun& run, double share);
   void AddPenaltyToError(TTrainRun& run);
   void UpdateWeights(const TTrainRun& run);

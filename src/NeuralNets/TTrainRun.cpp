@@ -66,4 +66,10 @@ TTrainRun::TTrainRun(TKQstructure& params, std::size_t outputs)
       error(MakeError(cross_entropy, outputs)),
       output(outputs) {}
 
+TRates TTrainRun::ForgettingRates() const {
+  TRates with_pull = rates;
+  with_pull.pull = rates.rate * penalty.forgetting;
+  return with_pull;
+}
+
 }  // namespace kiln

@@ -6,6 +6,7 @@
 
 #include "NeuralNets/Kernels.h"
 #include "NeuralNets/TErrorObj.h"
+#include "NeuralNets/TTrainPass.h"
 
 namespace kiln {
 
@@ -35,6 +36,10 @@ struct TTrainRun {
   // Reads `params`, which outlive the run, as TTrainModule documents them.
   TTrainRun(TKQstructure& params, std::size_t outputs);
 
+  // What an update at once adds to `rates`: a forgetting term of the gradient, times the learning
+  // rate, is a pull.
+  TRates ForgettingRates() const;
+
   TRates rates;  // of the update by a gradient
   double threshold;
   bool batch;
@@ -42,7 +47,8 @@ struct TTrainRun {
   bool at_once = false;  // weights change in the pass that finds the gradient of a pattern
   TPenaltyTerm penalty;
   std::unique_ptr<TErrorObj> error;
-  std::vector<double> output;  // of the pattern at hand
+  std::vector<double> output;        // of the pattern at hand
+  std::unique_ptr<TTrainPass> pass;  // null where the trainer has none for the network
 };
 
 }  // namespace kiln

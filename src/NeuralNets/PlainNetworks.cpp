@@ -1,0 +1,32 @@
+#include "NeuralNets/PlainNetworks.h"
+
+#include <typeinfo>
+
+#include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/TGainLayer.h"
+#include "NeuralNets/TSimpleInputLayer.h"
+#include "NeuralNets/TSimpleLayer.h"
+
+namespace kiln {
+
+namespace {
+
+// Kinds are compared exactly: one that is derived from these may compute something else.
+bool IsPlainLayer(const TBasicNetwork& network, std::size_t index) {
+  const TBasicLayer& layer = network.Layer(index);
+  if (index == network.InputLayer()) return typeid(layer) == typeid(TSimpleInputLayer);
+  return typeid(layer) == typeid(TSimpleLayer) || typeid(layer) == typeid(TGainLayer);
+}
+
+}  // namespace
+
+bool IsPlain(const TBasicNetwork& network) {
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    const auto sources = network.Sources(layer);
+    if (!sources.empty() && sources.back() >= layer) return false;
+    if (!IsPlainLayer(network, layer)) return false;
+  }
+  return true;
+}
+
+}  // namespace kiln
