@@ -27,6 +27,30 @@ struct TRates {
   double pull = 0.0;
 };
 
+// The weights of a small layer over one of the layers below it, whose neurons give the x. Those
+// from one neuron below stand side by side in a row of whole registers, zeros behind them; p are
+// their last changes. e are the errors of the layer below, or null where nothing is passed back.
+struct TSmallSums {
+  std::size_t columns;  // neurons below
+  double* w;            // columns x width
+  double* p;            // columns x width
+  const double* x;
+  double* e;
+};
+
+// A layer of a small network in training by pattern.
+struct TSmallLayer {
+  static constexpr std::size_t WidthOf(std::size_t neurons) {
+    return neurons <= 2 ? 2 : neurons <= 4 ? 4 : PaddedSize(neurons);
+  }
+
+  const TSmallSums* sums;
+  std::size_t count;  // of the sums
+  std::size_t width;  // WidthOf its neurons
+  double* y;          // outputs
+  double* d;          // error terms, 0 behind the last neuron
+};
+
 // The loops in which recall and training spend their time, over plain buffers. Several
 // implementations of the table, for different instruction sets, are in the program; the best one
 // that the processor has is chosen at start.
@@ -58,6 +82,15 @@ struct TKernels {
   // d[r] x[c].
   void (*step)(double* w, const TMask* m, TSize rows, TSize columns, const double* d,
                const double* x, double* e, double* p, const TRates& rates);
+
+  // y[j] = f(sum over i of w[i][j] x[i], over all sums), where f is the identity or the sigmoid.
+  void (*recall_linear)(const TSmallLayer& layer);
+  void (*recall_sigmoid)(const TSmallLayer& layer);
+
+  // d = d f'; then, for each of the sums and row i of its weights: e[i] += sum over j of w[i][j]
+  // d[j] and the update by the gradient x[i] d.
+  void (*step_linear)(const TSmallLayer& layer, const TRates& rates);
+  void (*step_sigmoid)(const TSmallLayer& layer, const TRates& rates);
 
   // c[i][j] += sum over k of a[i][k] b[k][j], for i < rows, k < depth and j < columns. The rows of
   // b, which start b_stride apart, have room for PaddedSize(columns) values; those of c start

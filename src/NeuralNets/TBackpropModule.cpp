@@ -4,6 +4,7 @@
 #include "NeuralNets/PlainNetworks.h"
 #include "NeuralNets/TBackpropBlock.h"
 #include "NeuralNets/TBackpropPattern.h"
+#include "NeuralNets/TBackpropSmall.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln {
@@ -47,6 +48,9 @@ void TBackpropModule::TrainLayer(const TTrainRun& run, std::size_t layer) {
 std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
   if (run.batch && TPatternBlock::Fits(Network())) {
     return std::make_unique<TBackpropBlock>(Network(), Gradients());
+  }
+  if (run.at_once && TBackpropSmall::Fits(Network())) {
+    return std::make_unique<TBackpropSmall>(Network(), Gradients(), Changes(), run);
   }
   if (run.at_once && IsPlain(Network())) {
     return std::make_unique<TBackpropPattern>(Network(), Gradients(), Changes(),

@@ -70,6 +70,9 @@ class TBasicConnections {
   // is a matrix of Rows() x Columns().
   bool IsComplete() const;
 
+  // Whether every place of the block holds a connection that exists and is trainable.
+  bool IsAllTrainable() const { return exceptions_ == 0; }
+
   // Every weight of the block, patch after patch, row by row. Whoever writes here leaves absent
   // connections at 0.
   std::span<const double> Weights() const { return weights_; }

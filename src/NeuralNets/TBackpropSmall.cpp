@@ -1,0 +1,114 @@
+#include "NeuralNets/TBackpropSmall.h"
+
+#include <algorithm>
+#include <functional>
+
+#include "DataObject/Data.h"
+#include "NeuralNets/PlainNetworks.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr std::size_t kMaxWeights = 2048;  // with as many last changes 32 KiB
+
+bool LayerFits(const TBasicNetwork& network, std::size_t to) {
+  for (const std::size_t from : network.Sources(to)) {
+    const TBasicConnections& block = network.Connections(to, from);
+    if (!block.IsComplete() || !block.IsAllTrainable()) return false;
+  }
+  const TActFunction function = network.Layer(to).GetActivation();
+  return !network.HasLowerSources(to) || function == ActLinear || function == ActSigmoid;
+}
+
+}  // namespace
+
+bool TBackpropSmall::Fits(const TBasicNetwork& network) {
+  if (!IsPlain(network) || network.GetNumWeights(FMaskAll) > kMaxWeights) return false;
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    if (!LayerFits(network, layer)) return false;
+  }
+  return true;
+}
+
+TBackpropSmall::TBackpropSmall(TBasicNetwork& network, TBasicNetwork& errors,
+                               TBasicNetwork& changes, const TTrainRun& run)
+    : network_(network),
+      rates_(run.ForgettingRates()),
+      inputs_(network.Layer(network.InputLayer()).Outputs()),
+      outputs_(network.Layer(network.OutputLayer()).Outputs()),
+      output_errors_(errors.Layer(network.OutputLayer()).NetInputs()) {
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    if (network.HasLowerSources(layer)) {
+      AddStage(errors, changes, run, layer);
+    } else if (layer != network.InputLayer()) {
+      network.Layer(layer).Compute({});  // such as a bias: its outputs never change
+    }
+  }
+  ForEachCopy([](double& copy, const double& original) { copy = original; });
+}
+
+void TBackpropSmall::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
+                              std::size_t to) {
+  const TKernels& kernels = Kernels();
+  TBasicLayer& layer = network_.Layer(to);
+  const std::size_t width = TSmallLayer::WidthOf(layer.NumNeurons());
+  double* d = errors.Layer(to).NetInputs().data();
+  const bool is_sigmoid = layer.GetActivation() == ActSigmoid;
+  const bool errors_are_deltas = run.cross_entropy && to == network_.OutputLayer();
+  TStage& stage = stages_.emplace_back();
+  for (const std::size_t from : network_.Sources(to)) {
+    const std::size_t columns = network_.Layer(from).NumNeurons();
+    const std::size_t lines = PaddedSize(columns * width) / 8;
+    TCopy& block = stage.blocks.emplace_back(network_.Connections(to, from).Weights(),
+                                             changes.Connections(to, from).Weights(),
+                                             std::vector<TCacheLine>(2 * lines));
+    double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
+    stage.sums.push_back({.columns = columns,
+                          .w = block.copy[0].values,
+                          .p = block.copy[lines].values,
+                          .x = network_.Layer(from).Outputs().data(),
+                          .e = e});
+  }
+  stage.layer = {.sums = stage.sums.data(),
+                 .count = stage.sums.size(),
+                 .width = width,
+                 .y = layer.Outputs().data(),
+                 .d = d};
+  stage.recall = is_sigmoid ? kernels.recall_sigmoid : kernels.recall_linear;
+  stage.step = is_sigmoid && !errors_are_deltas ? kernels.step_sigmoid : kernels.step_linear;
+  stage.errors = {d, width};
+}
+
+template <typename TVisit>
+void TBackpropSmall::ForEachCopy(const TVisit& visit) {
+  for (TStage& stage : stages_) {
+    for (std::size_t k = 0; k < stage.sums.size(); ++k) {
+      const TSmallSums& sums = stage.sums[k];
+      const TCopy& block = stage.blocks[k];
+      for (std::size_t place = 0; place < block.weights.size(); ++place) {
+        const std::size_t at = place % sums.columns * stage.layer.width + place / sums.columns;
+        visit(sums.w[at], block.weights[place]);
+        visit(sums.p[at], block.changes[place]);
+      }
+    }
+  }
+}
+
+void TBackpropSmall::Run(const Data& data, TTrainRun& run) {
+  for (int n = 0; n < data.DataRows(); ++n) RunPattern(data.Row(n), run);
+  ForEachCopy([](const double& copy, double& original) { original = copy; });
+}
+
+void TBackpropSmall::RunPattern(const DataRow& row, TTrainRun& run) {
+  std::ranges::copy(row.Inputs, inputs_.begin());
+  for (const TStage& stage : stages_) {
+    stage.recall(stage.layer);
+    std::ranges::fill(stage.errors, 0.0);
+  }
+  run.error->Accumulate(row.Outputs, outputs_);
+  std::ranges::transform(outputs_, row.Outputs, output_errors_.begin(), std::minus<>());
+  for (std::size_t i = stages_.size(); i-- > 0;) stages_[i].step(stages_[i].layer, rates_);
+}
+
+}  // namespace kiln
