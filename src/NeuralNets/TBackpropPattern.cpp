@@ -47,6 +47,10 @@ void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, s
     const double* x = network_.Layer(from).Outputs().data();
     double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
     const auto add = [&](const TWeightPatch& patch, double* last_changes) {
+      if (from == network_.InputLayer() && TDelayedBlock::Fits(patch, rates_)) {
+        stage.delayed.emplace_back(patch, last_changes, rates_);
+        return;
+      }
       stage.sums.push_back({patch, last_changes, x + patch.from,
                             layer.NetInputs().data() + patch.to, stage.errors.data() + patch.to,
                             e != nullptr ? e + patch.from : nullptr});
@@ -57,12 +61,26 @@ void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, s
 }
 
 void TBackpropPattern::Run(const Data& data, TTrainRun& run) {
-  for (int n = 0; n < data.DataRows(); ++n) {
-    const DataRow row = data.Row(n);
-    Recall(row.Inputs);
-    SetErrors(row.Outputs, run);
-    PassBack(run.cross_entropy);
+  constexpr int kPatterns = TDelayedBlock::kPatterns;
+  for (int first = 0; first < data.DataRows(); first += kPatterns) {
+    ForEachDelayed([&](TDelayedBlock& block) { block.Begin(data, first); });
+    const int last = std::min(first + kPatterns, data.DataRows());
+    for (int n = first; n < last; ++n) RunPattern(data.Row(n), run);
+    ForEachDelayed([](TDelayedBlock& block) { block.End(); });
   }
+}
+
+template <typename TVisit>
+void TBackpropPattern::ForEachDelayed(const TVisit& visit) {
+  for (TStage& stage : stages_) std::ranges::for_each(stage.delayed, visit);
+}
+
+void TBackpropPattern::RunPattern(const DataRow& row, TTrainRun& run) {
+  Recall(row.Inputs);
+  run.error->Accumulate(row.Outputs, outputs_);
+  for (const TStage& stage : stages_) std::ranges::fill(stage.errors, 0.0);
+  std::ranges::transform(outputs_, row.Outputs, output_errors_.begin(), std::minus<>());
+  PassBack(run.cross_entropy);
 }
 
 void TBackpropPattern::Recall(std::span<const double> input) {
@@ -70,6 +88,7 @@ void TBackpropPattern::Recall(std::span<const double> input) {
   const TKernels& kernels = Kernels();
   for (const TStage& stage : stages_) {
     std::ranges::fill(stage.layer.NetInputs(), 0.0);
+    for (const TDelayedBlock& block : stage.delayed) block.Accumulate(stage.layer.NetInputs());
     for (const TSums& sums : stage.sums) {
       const TWeightPatch& patch = sums.patch;
       kernels.accumulate(patch.weights, patch.masks, patch.rows, patch.columns, sums.x, sums.y);
@@ -78,16 +97,10 @@ void TBackpropPattern::Recall(std::span<const double> input) {
   }
 }
 
-void TBackpropPattern::SetErrors(std::span<const double> desired, TTrainRun& run) {
-  run.error->Accumulate(desired, outputs_);
-  for (const TStage& stage : stages_) std::ranges::fill(stage.errors, 0.0);
-  std::ranges::transform(outputs_, desired, output_errors_.begin(), std::minus<>());
-}
-
 void TBackpropPattern::PassBack(bool cross_entropy) {
   const TKernels& kernels = Kernels();
   for (std::size_t i = stages_.size(); i-- > 0;) {
-    const TStage& stage = stages_[i];
+    TStage& stage = stages_[i];
     if (!cross_entropy || stage.errors.data() != output_errors_.data()) {
       ErrorsToDeltas(stage.layer, stage.layer.Outputs(), stage.errors);
     }
@@ -97,6 +110,7 @@ void TBackpropPattern::PassBack(bool cross_entropy) {
       kernels.step(patch.weights, patch.masks, patch.rows, patch.columns, sums.d, sums.x, sums.e,
                    sums.changes, rates_);
     }
+    for (TDelayedBlock& block : stage.delayed) block.Step(stage.errors);
   }
 }
 

@@ -5,10 +5,13 @@
 #include <vector>
 
 #include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/TDelayedBlock.h"
 #include "NeuralNets/TTrainPass.h"
 #include "NeuralNets/TTrainRun.h"
 
 namespace kiln {
+
+struct DataRow;
 
 // Back-propagation pattern by pattern, each weight changing as errors pass it: what TBackpropModule
 // does layer by layer, as a list of sums that is made in advance. In a network of a few neurons it
@@ -40,12 +43,16 @@ class TBackpropPattern : public TTrainPass {
     TBasicLayer& layer;
     std::span<double> errors;
     std::vector<TSums> sums;
+    std::vector<TDelayedBlock> delayed;
   };
 
   void AddStage(TBasicNetwork& errors, TBasicNetwork& changes, std::size_t to);
+  void RunPattern(const DataRow& row, TTrainRun& run);
   void Recall(std::span<const double> input);
-  void SetErrors(std::span<const double> desired, TTrainRun& run);
   void PassBack(bool cross_entropy);
+
+  template <typename TVisit>
+  void ForEachDelayed(const TVisit& visit);
 
   TBasicNetwork& network_;
   TRates rates_;
