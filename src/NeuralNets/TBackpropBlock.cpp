@@ -5,6 +5,7 @@
 #include "DataObject/Data.h"
 #include "NeuralNets/ActDerivatives.h"
 #include "NeuralNets/Kernels.h"
+#include "NeuralNets/Transpose.h"
 
 namespace kiln {
 
@@ -64,9 +65,9 @@ void TBackpropBlock::AddGradients(std::size_t to, std::size_t from) {
   const std::size_t neurons = network_.Layer(from).NumNeurons();
   const std::size_t stride = PaddedSize(neurons);
   const double* outputs = outputs_.Outputs(from).data();
-  for (std::size_t p = 0; p < outputs_.Count(); ++p) {
-    for (std::size_t i = 0; i < neurons; ++i) rows_[p * stride + i] = outputs[i * kPatterns + p];
-  }
+  Transpose(
+      neurons, outputs_.Count(), [&](std::size_t i) { return outputs + i * kPatterns; },
+      rows_.data(), stride);
   const TMatrixView deltas = {errors_[to].data(), kPatterns, 1};
   Kernels().multiply(network_.Layer(to).NumNeurons(), outputs_.Count(), neurons, deltas,
                      rows_.data(), stride, gradients_.Connections(to, from).Weights().data(),

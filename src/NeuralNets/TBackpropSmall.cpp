@@ -24,11 +24,15 @@ bool LayerFits(const TBasicNetwork& network, std::size_t to) {
 }  // namespace
 
 bool TBackpropSmall::Fits(const TBasicNetwork& network) {
-  if (!IsPlain(network) || network.GetNumWeights(FMaskAll) > kMaxWeights) return false;
+  if (!IsPlain(network)) return false;
+  std::size_t weights = 0;
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
     if (!LayerFits(network, layer)) return false;
+    for (const std::size_t from : network.Sources(layer)) {
+      weights += network.Connections(layer, from).Weights().size();
+    }
   }
-  return true;
+  return weights <= kMaxWeights;
 }
 
 TBackpropSmall::TBackpropSmall(TBasicNetwork& network, TBasicNetwork& errors,

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "DataObject/Data.h"
+#include "NeuralNets/Transpose.h"
 
 namespace kiln {
 
@@ -43,8 +44,12 @@ TDelayedBlock::TDelayedBlock(const TWeightPatch& patch, double* changes, const T
 
 void TDelayedBlock::Begin(const Data& data, int first) {
   const auto count = std::min(kPatterns, static_cast<std::size_t>(data.DataRows() - first));
-  for (std::size_t p = 0; p < count; ++p)
-    SetPattern(p, data.Row(first + static_cast<int>(p)).Inputs);
+  for (std::size_t p = 0; p < count; ++p) {
+    const auto pattern = data.Row(first + static_cast<int>(p)).Inputs;
+    std::ranges::copy(pattern.subspan(patch_.from, patch_.columns), Pattern(p));
+  }
+  Transpose(
+      count, patch_.columns, [&](std::size_t p) { return Pattern(p); }, inputs_.data(), kPatterns);
   const auto multiply = [&](const double* values, std::size_t rows, std::size_t stride,
                             std::vector<double>& product) {
     std::ranges::fill(product, 0.0);
@@ -55,12 +60,6 @@ void TDelayedBlock::Begin(const Data& data, int first) {
   multiply(patch_.weights, patch_.rows, patch_.columns, weight_sums_);
   if (rates_.momentum != 0.0) multiply(changes_, patch_.rows, patch_.columns, change_sums_);
   steps_ = 0;
-}
-
-void TDelayedBlock::SetPattern(std::size_t pattern, std::span<const double> inputs) {
-  const auto values = inputs.subspan(patch_.from, patch_.columns);
-  std::ranges::copy(values, patterns_.begin() + static_cast<std::ptrdiff_t>(pattern * stride_));
-  for (std::size_t i = 0; i < patch_.columns; ++i) inputs_[i * kPatterns + pattern] = values[i];
 }
 
 void TDelayedBlock::Accumulate(std::span<double> net) const {

@@ -48,7 +48,7 @@ class TDelayedBlock {
  private:
   using TShares = std::array<double, kPatterns + 1>;
 
-  void SetPattern(std::size_t pattern, std::span<const double> inputs);
+  double* Pattern(std::size_t p) { return patterns_.data() + p * stride_; }
   void AddProducts(const TShares& shares, double* values);
 
   TWeightPatch patch_;

@@ -6,6 +6,7 @@
 #include "DataObject/Data.h"
 #include "NeuralNets/Kernels.h"
 #include "NeuralNets/PlainNetworks.h"
+#include "NeuralNets/Transpose.h"
 
 namespace kiln {
 
@@ -52,10 +53,9 @@ void TPatternBlock::SetInputs(const Data& data, int first) {
   for (std::size_t p = 0; p < count_; ++p) {
     rows[p] = data.Row(first + static_cast<int>(p)).Inputs.data();
   }
-  double* inputs = outputs_[network_.InputLayer()].data();
-  for (std::size_t i = 0; i < network_.NumInputs(); ++i, inputs += kPatterns) {
-    for (std::size_t p = 0; p < count_; ++p) inputs[p] = rows[p][i];
-  }
+  Transpose(
+      count_, network_.NumInputs(), [&](std::size_t p) { return rows[p]; },
+      outputs_[network_.InputLayer()].data(), kPatterns);
 }
 
 void TPatternBlock::Compute(std::size_t layer) {
