@@ -6,6 +6,7 @@
 
 #include "KQmessage/TKQstructure.h"
 #include "Networks.h"
+#include "NeuralNets/Kernels.h"
 #include "NeuralNets/TBackpropModule.h"
 #include "Shared/NumberFormat.h"
 
@@ -238,6 +239,45 @@ const TCase kCases[] = {
 
 INSTANTIATE_TEST_SUITE_P(All, TTrainingTest, testing::ValuesIn(kCases),
                          testing::PrintToStringParamName());
+
+// Takes the layers one by one where its base knows a faster way.
+class TLayerwiseTrainer : public TBackpropModule {
+ public:
+  using TBackpropModule::TBackpropModule;
+  std::unique_ptr<TTrainPass> MakePass(const TTrainRun&) override { return nullptr; }
+};
+
+TEST(TBackpropModuleTest, EveryPassTrainsAsTheLayersDoOneByOne) {
+  constexpr char kSlowly[] = "(P :LearningRate 0.03 :Momentum 0.9)";  // fast, rounding would grow
+  const TKernels* const best = &Kernels();
+  for (const TKernelLevel level :
+       {TKernelLevel::kBaseline, TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
+    if (!ForceKernels(level)) continue;
+    for (const TSizes& sizes :
+         {TSizes{2, 4, 1}, {3, 2, 5, 9, 1}, {16, 33, 3, 8}, {60, 40, 3}, {49, 16, 90, 2}}) {
+      for (const char* settings : {kPlain, kSlowly, kBatch, kEntropy, kForgetting}) {
+        const auto network = MakePerceptron(sizes, true);
+        network->Randomize(-1.0, 1.0);
+        const auto data = MakePatterns(70, sizes.front(), sizes.back(), 0.1, 0.9);
+        const std::shared_ptr<TBasicNetwork> twin = network->Clone();
+        TBackpropModule trainer(network);
+        TLayerwiseTrainer layerwise(twin);
+        for (int call = 0; call < 2; ++call) {  // the second goes on with the changes of the first
+          TKQstructure params = TKQstructure::Parse(settings);
+          int epochs = 2;
+          const double error = trainer.Train(*data, params, epochs);
+          EXPECT_NEAR(layerwise.Train(*data, params, epochs), error, 1e-11);
+        }
+        const TValues weights = network->GetWeights(FMaskAll);
+        const TValues others = twin->GetWeights(FMaskAll);
+        for (std::size_t i = 0; i < weights.size(); ++i) {
+          ASSERT_NEAR(others[i], weights[i], 1e-11) << settings << ", place " << i;
+        }
+      }
+    }
+  }
+  EXPECT_EQ(best, &Kernels());
+}
 
 // --- The loop over epochs --------------------------------------------------------------------
 

@@ -42,7 +42,8 @@ TBackpropPattern::TBackpropPattern(TBasicNetwork& network, TBasicNetwork& errors
 
 void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, std::size_t to) {
   TBasicLayer& layer = network_.Layer(to);
-  TStage& stage = stages_.emplace_back(layer, errors.Layer(to).NetInputs());
+  stages_.push_back({layer, errors.Layer(to).NetInputs(), {}, {}});
+  TStage& stage = stages_.back();
   for (const std::size_t from : network_.Sources(to)) {
     const double* x = network_.Layer(from).Outputs().data();
     double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;

@@ -64,9 +64,10 @@ void TBackpropSmall::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, con
   for (const std::size_t from : network_.Sources(to)) {
     const std::size_t columns = network_.Layer(from).NumNeurons();
     const std::size_t lines = PaddedSize(columns * width) / 8;
-    TCopy& block = stage.blocks.emplace_back(network_.Connections(to, from).Weights(),
-                                             changes.Connections(to, from).Weights(),
-                                             std::vector<TCacheLine>(2 * lines));
+    stage.blocks.push_back({network_.Connections(to, from).Weights(),
+                            changes.Connections(to, from).Weights(),
+                            std::vector<TCacheLine>(2 * lines)});
+    TCopy& block = stage.blocks.back();
     double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
     stage.sums.push_back({.columns = columns,
                           .w = block.copy[0].values,
