@@ -38,13 +38,14 @@ TNetLabel ReadLabels(const std::string& text) {
   return TLabelFile::LoadLabels(reader);
 }
 
-// A variable "a" with the terms "low" and "high", "b" and "c" likewise.
+// A variable "a" with the terms "low", "high" and "nano", "b" and "c" likewise.
 TMFSetList Variables() {
   TMFSetList list(3, {});
   for (int i = 0; i < list.Count(); ++i) {
-    auto set = std::make_unique<TBasicMFSet>("t", std::string(1, "abc"[i]), 2, 0, 1);
+    auto set = std::make_unique<TBasicMFSet>("t", std::string(1, "abc"[i]), 3, 0, 1);
     set->SetMF(0, std::make_unique<TSingletonMF>("low", 0));
     set->SetMF(1, std::make_unique<TSingletonMF>("high", 1));
+    set->SetMF(2, std::make_unique<TSingletonMF>("nano", 1));
     list.SetMFSet(i, std::move(set));
   }
   return list;
@@ -112,6 +113,7 @@ TEST(RuleFile, ReadsAtoms) {
       {"<B IS NOT HIGH .5>", {1, 1, 0.5, true}, "<b is not high 0.5>"},
       {"<a>", {0, -1, 1, false}, "<a 1>"},
       {"<a not 1234567>", {0, -1, 1234567, true}, "<a not 1.23457e+06>"},
+      {"<a is not nano>", {0, 2, 1, true}, "<a is not nano 1>"},
   };
   for (const auto& [text, atom, written] : kCases) {
     const std::string rule = std::string("if ") + text + " then <a is low> and " + text;
@@ -243,7 +245,7 @@ TEST(RuleFile, RefusesToWriteWhatHasNoName) {
   const char* kNoName = "Atom without a name Bad Rule Set TRuleFile::SaveRules";
   EXPECT_EQ(write({0, 1}, {1, 0}), "none");
   EXPECT_EQ(write({1, -1}, {1, 0}), kNoName);
-  EXPECT_EQ(write({0, 2}, {1, 0}), kNoName);
+  EXPECT_EQ(write({0, 3}, {1, 0}), kNoName);
 }
 
 TEST(RuleSequence, ChecksPositions) {

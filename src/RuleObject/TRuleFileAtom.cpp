@@ -1,3 +1,4 @@
+#include <cmath>
 #include <cstddef>
 #include <iostream>
 #include <string>
@@ -29,13 +30,14 @@ TWords ReadWords(Reader& reader, std::string_view token, std::size_t max_words) 
   return words;
 }
 
-// Takes the last word as the degree if it is a number.
+// Takes the last word as the degree if it is a finite number: "nano" and "info" are names, though
+// not-a-number and infinity may be written so.
 void TakeDegree(TWords& words, TRuleAtom& atom) {
   if (words.empty()) return;
-  if (const auto degree = ScanNumber(words.back())) {
-    atom.degree = *degree;
-    words.pop_back();
-  }
+  const auto degree = ScanNumber(words.back());
+  if (!degree || !std::isfinite(*degree)) return;
+  atom.degree = *degree;
+  words.pop_back();
 }
 
 // Behind "is": "[not] TERM [DEGREE] >". A number that stands alone is the name of the term.
