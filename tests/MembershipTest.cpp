@@ -116,6 +116,8 @@ TEST(FuzzyMFFiler, RefusesFaultyText) {
        {"Index=5", "Index=4294967296", "Bad MF Number Invalid Parameter TBasicMFSet::SetMF"},
        {"Bound=1.0", "Bound=-1.0",
         "UpperBound must be > LowerBound Bad File Data TFuzzyMFFIler::LoadMFlist"},
+       {"Bound=1.0", "Bound=nan",
+        "UpperBound must be > LowerBound Bad File Data TFuzzyMFFIler::LoadMFlist"},
        {"Type=Singleton ", "", "[Type = <string>] expected (f, line 31)"},
        {"Centre = 0.33", "Middle = 0.33", "[Centre = <number>] expected (f, line 32)"},
        {"[~MFSet]", "[~MF]", "Unexpected End Tag (f, line 45)"}},

@@ -215,7 +215,7 @@ std::unique_ptr<TBasicMFSet> ReadSet(Reader& reader) {
   const double upper = ExpectNumber(reader.ReadUnbracketedItem("MFSetInfo"), reader, "UpperBound");
   const int number_of_mf = ExpectCount(reader.ReadItem("MFSetInfo"), reader, "NumberOfMF");
   ExpectEndTag(reader.ReadItem("MFSetInfo"), reader);
-  if (upper < lower) {
+  if (!(lower <= upper)) {
     throw TException("UpperBound must be > LowerBound", "Bad File Data",
                      "TFuzzyMFFIler::LoadMFlist");
   }
