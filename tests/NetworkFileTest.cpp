@@ -299,7 +299,8 @@ TEST_F(NetworkFileTest, RefusesWhatIsNoTarn) {
       {"[Input=0 ", "[Input=1 ", "repeated Input (" + path_ + ", line 14)"},
       {"[Input=0 ", "[Input=2 ", "Assertion failed: NdxMF >= 2, file Tarn/TConditionLayer"},
       {"MF=3 ]", "MF=-3 ]", "MF = -3 is out of range" + place},
-      {"MF=3 ]", "MF=99999999999 ]", "the inputs have 2147483649 membership functions but"},
+      {"MF=3 ]", "MF=99999999999 ]", "MF = 99999999999 is out of range" + place},
+      {"MF=3 ]", "MF=6 ]", "the inputs have 8 membership functions but"},
       {"MF=2 ] [~Out", "MF=1 ] [~Out", "ToOutputConnections do not fit these layers" + loader},
       {"[Output=0 MF=2 ]", "", "there are membership functions of 0 outputs but"},
       {"= ToOutput", "= ToCondition", "ToConditionConnections do not fit these layers" + loader},
@@ -337,7 +338,7 @@ TEST_F(NetworkFileTest, TakesNoMemoryForEmptyPromises) {
   EXPECT_EQ(LoadFailure(network + "[Matrix Weights ]"),
             "matrix of 10000000000 weights is more than the file holds");
   EXPECT_EQ(LoadFailure(network + "[WeightList]"),
-            "a network of 10000000000 weights is more than 1073741824");
+            "a network of more than 1073741824 weights");
   const std::string largest = "][LayerType=SIMPLE][NumberOfNeurons=16777216]";
   EXPECT_EQ(LoadFailure(header + "[Layer=0" + layer + "[Layer=1" + largest),
             "NumberOfNeurons = 16777216 is out of range");

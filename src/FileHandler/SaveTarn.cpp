@@ -58,9 +58,11 @@ int ReadMFCount(const ParseItem& first, Reader& reader, std::string_view tag) {
   if (item.kind != ParseItem::kStatement || !EqualNoCase(item.name, kCount)) {
     reader.Fail("invalid tag in membership2");
   }
-  const std::int32_t count = FileTools::ExpectInteger32(item, reader, kCount);
-  if (count < 0) reader.Fail("MF = " + std::to_string(count) + " is out of range");
-  return count;
+  const std::int64_t count = FileTools::ParseInteger(item.value, reader);
+  if (count < 0 || count > static_cast<std::int64_t>(TBasicLayer::kMaxNeurons)) {
+    reader.Fail("MF = " + std::string(item.value) + " is out of range");
+  }
+  return static_cast<int>(count);
 }
 
 }  // namespace

@@ -9,11 +9,11 @@ namespace kiln {
 
 // Throws TException ("Bad Parameter", in the name of `function`) when a whole, such as "a layer",
 // would have more parts, such as "neurons", than `limit`. Asked before memory is taken for them.
+// The count itself is not told: on its way here it may have been cut to 32 bits.
 inline void CheckAtMost(std::uint64_t limit, std::uint64_t count, const char* whole,
                         const char* parts, const char* function) {
   if (count <= limit) return;
-  throw TException(std::string(whole) + " of " + std::to_string(count) + " " + parts +
-                       " is more than " + std::to_string(limit),
+  throw TException(std::string(whole) + " of more than " + std::to_string(limit) + " " + parts,
                    "Bad Parameter", function);
 }
 
