@@ -103,8 +103,10 @@ TEST(NetworkFile, HoldsTheTermsOfATarn) {
   TValues output(1);
   tarn->RecallPattern(TValues{0.0, 0.4}, output);
   EXPECT_NEAR(0.6, tarn->GetActivationValue(2, 3), 1e-15);
-  EXPECT_NEAR(0.75 + 2 * 0.25 + 4 * 0.4 + 8 * 0.6, tarn->GetActivationValue(3, 0), 1e-12);
-  EXPECT_NEAR((1 * 0.25 + 0.5 * 1) / 1.5, output[0], 1e-15);
+  const auto sigmoid = [](double net) { return 1 / (1 + std::exp(-net)); };
+  const double rule = sigmoid(0.75 + 2 * 0.25 + 4 * 0.4 + 8 * 0.6);
+  const double actions[] = {sigmoid(rule), sigmoid(0.5 * rule)};
+  EXPECT_NEAR((actions[0] * 0.25 + actions[1]) / (actions[0] + actions[1]), output[0], 1e-15);
 }
 
 std::unique_ptr<TConnectedNetwork> MixedNetwork() {
@@ -308,6 +310,8 @@ TEST_F(NetworkFileTest, RefusesWhatIsNoTarn) {
       {"[From=0 To=1 W", "[From=1 To=1 W", "ToConditionConnections do not join neuron 1 with"},
       {"[From=0 To=1 Weight=3 ]", "", misfit},  // no centre
       {"tarn-condition", "sigmoid", misfit},
+      {"= sigmoid", "= linear", misfit},
+      {"= Sigmoid", "= tanh", misfit},
       {"= 6]", "= 6] [InputLayer = 0]", misfit},
   };
   ExpectFailures(Contents(kTarnFile), kFaults, [&](const std::string& text) { Load(text); });

@@ -116,7 +116,9 @@ bool TTarn::HasLayers() const {
   for (std::size_t i = 0; i < kKinds.size(); ++i) {
     if (Layer(i).KindName() != kKinds[i]) return false;
   }
-  return Layer(0).NumNeurons() == 0 && Layer(kConditionLayer).GetActivation() == ActTarnCondition;
+  return Layer(0).NumNeurons() == 0 && Layer(kConditionLayer).GetActivation() == ActTarnCondition &&
+         Layer(kRuleLayer).GetActivation() == ActSigmoid &&
+         Layer(kActionLayer).GetActivation() == ActSigmoid;
 }
 
 bool TTarn::HasConnections() const {

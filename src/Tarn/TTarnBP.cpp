@@ -28,11 +28,8 @@ double TTarnBP::Train(const Data& data, TKQstructure& params, int& epochs,
 }
 
 void TTarnBP::CheckLayers(const TTrainRun& run) const {
-  // Cross entropy asks for sigmoid outputs, which these are not; otherwise centres of gravity are
-  // as good as any function.
+  // All layers can be trained, but cross entropy asks for sigmoid outputs, which these are not.
   if (run.cross_entropy) CheckLayer(run, TTarn::kOutputLayer);
-  CheckLayer(run, TTarn::kActionLayer);
-  CheckLayer(run, TTarn::kRuleLayer);
 }
 
 void TTarnBP::TrainLayer(const TTrainRun& run, std::size_t layer) {
