@@ -341,8 +341,7 @@ TEST_F(NetworkFileTest, TakesNoMemoryForEmptyPromises) {
                               "[ConnectionType=Pruneable]";
   EXPECT_EQ(LoadFailure(network + "[Matrix Weights ]"),
             "matrix of 10000000000 weights is more than the file holds");
-  EXPECT_EQ(LoadFailure(network + "[WeightList]"),
-            "a network of more than 1073741824 weights");
+  EXPECT_EQ(LoadFailure(network + "[WeightList]"), "a network of more than 1073741824 weights");
   const std::string largest = "][LayerType=SIMPLE][NumberOfNeurons=16777216]";
   EXPECT_EQ(LoadFailure(header + "[Layer=0" + layer + "[Layer=1" + largest),
             "NumberOfNeurons = 16777216 is out of range");

@@ -44,8 +44,8 @@ TKohonenNetwork::TKohonenNetwork(int inputs, std::vector<int> sizes)
   // Asked for here as well, since the layers of a map with too many weights may be large too.
   const std::size_t most = kMaxWeights / grid_.NumUnits();
   if (inputs < 1 || static_cast<std::size_t>(inputs) > most) {
-    throw TException("a map of " + std::to_string(grid_.NumUnits()) +
-                         " units can have 1 to " + std::to_string(most) + " inputs",
+    throw TException("a map of " + std::to_string(grid_.NumUnits()) + " units can have 1 to " +
+                         std::to_string(most) + " inputs",
                      "Bad Parameter", "TKohonenNetwork::TKohonenNetwork");
   }
   SetLayer(kInputLayer, std::make_unique<TSimpleInputLayer>(static_cast<std::size_t>(inputs)));

@@ -1,6 +1,7 @@
 #include "Tarn/Centres.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace kiln {
 
@@ -55,6 +56,17 @@ void OrderBetween(std::span<double> centres, std::size_t first, std::size_t last
 void PlaceCentresEvenly(std::span<double> centres) {
   const auto last = static_cast<double>(centres.size() - 1);
   for (std::size_t k = 0; k < centres.size(); ++k) centres[k] = static_cast<double>(k) / last;
+}
+
+void LimitCentreSteps(std::span<const double> before, std::span<double> centres) {
+  const std::size_t last = centres.size() - 1;
+  for (std::size_t k = 0; k <= last; ++k) {
+    const double from_left = k > 0 ? before[k] - before[k - 1] : before[1] - before[0];
+    const double to_right = k < last ? before[k + 1] - before[k] : from_left;
+    const double least = before[k] - kCentreStep * std::abs(from_left);
+    const double most = before[k] + kCentreStep * std::abs(to_right);
+    centres[k] = std::min(std::max(centres[k], least), most);
+  }
 }
 
 void PutCentresInOrder(std::span<double> centres, const TMask* masks) {

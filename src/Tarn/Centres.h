@@ -24,6 +24,16 @@ inline constexpr double kCentreGap = 1e-4;
 // Spreads centres evenly over [0, 1]: c[k] = k / (n - 1). REQUIRES: at least two centres.
 void PlaceCentresEvenly(std::span<double> centres);
 
+// The share of the way to a neighbour that LimitCentreSteps lets a centre go.
+inline constexpr double kCentreStep = 1e-3;
+
+// Shortens the steps that have led from `before` to `centres`: a centre goes at most kCentreStep of
+// the way to its neighbour of before, and an outer one as far outwards as inwards. The slopes of a
+// membership are one over such a distance, so that steps down the gradient grow as centres near
+// each other, and would throw them together for good at rates that suit the weights of rules.
+// REQUIRES: as many centres before, at least two.
+void LimitCentreSteps(std::span<const double> before, std::span<double> centres);
+
 // Puts centres back in ascending order within [0, 1] after a step has moved them. From the first to
 // the last each is lifted to kCentreGap above its left neighbour and to 0; then, from the last to
 // the first, each is lowered to kCentreGap below its right neighbour and to 1. The distance is

@@ -13,6 +13,13 @@ void TCentreConnections::PlaceEvenly() {
   }
 }
 
+void TCentreConnections::LimitSteps(std::span<const double> before) {
+  for (const TPatchShape& shape : Patches()) {
+    LimitCentreSteps(before.subspan(shape.offset, shape.Size()),
+                     Weights().subspan(shape.offset, shape.Size()));
+  }
+}
+
 void TCentreConnections::PutInOrder() {
   for (const TPatchShape& shape : Patches()) {
     const TWeightPatch patch = PatchOf(shape);

@@ -11,9 +11,10 @@ class TCentreConnections : public TBasicConnections {
  public:
   bool IsResizable() const override { return false; }
 
-  // Apply to the centres of each variable what PlaceCentresEvenly, heedless of flags, and
-  // PutCentresInOrder say.
+  // Apply to the centres of each variable what PlaceCentresEvenly, heedless of flags,
+  // LimitCentreSteps and PutCentresInOrder say. REQUIRES: `before` has all weights of the block.
   void PlaceEvenly();
+  void LimitSteps(std::span<const double> before);
   void PutInOrder();
 
  protected:

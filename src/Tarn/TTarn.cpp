@@ -221,6 +221,10 @@ void TTarn::PutCentresInOrder() {
   Centres(kOutputLayer).PutInOrder();
 }
 
+void TTarn::LimitInputSteps(std::span<const double> before) {
+  Centres(kConditionLayer).LimitSteps(before);
+}
+
 // --- Recall ----------------------------------------------------------------------------------
 
 double TTarn::GetActivationValue(int node_layer, int node) const {

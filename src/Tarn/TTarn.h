@@ -81,6 +81,10 @@ class TTarn : public TConnectedNetwork {
   // Puts the centres of each variable back in order (see PutCentresInOrder).
   void PutCentresInOrder();
 
+  // Shortens what has moved the centres of inputs (see LimitCentreSteps) away from `before`, the
+  // weights of layer 1 at an earlier time.
+  void LimitInputSteps(std::span<const double> before);
+
   // --- Recall --------------------------------------------------------------------------------
 
   // What a neuron put out in the last recall. Throws TException "Invalid node layer" unless

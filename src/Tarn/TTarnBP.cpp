@@ -12,7 +12,8 @@ TTarnBP::TTarnBP(std::shared_ptr<TTarn> network)
     : TBackpropModule(std::move(network)),
       tarn_(static_cast<TTarn&>(Network())),
       ones_(tarn_.NumInputs(), 1.0),
-      centre_gradients_(tarn_.Layer(TTarn::kConditionLayer).NumNeurons()) {}
+      centre_gradients_(tarn_.Layer(TTarn::kConditionLayer).NumNeurons()),
+      centres_before_(centre_gradients_.size()) {}
 
 double TTarnBP::Train(const Data& data, TKQstructure& params, int& epochs,
                       const TEpochObserver& observer) {
@@ -60,10 +61,13 @@ void TTarnBP::TrainConditionLayer(const TTrainRun& run) {
   const auto& layer = static_cast<const TConditionLayer&>(tarn_.Layer(TTarn::kConditionLayer));
   std::ranges::fill(centre_gradients_, 0.0);
   layer.AddGradients(Errors(TTarn::kConditionLayer), centre_gradients_);
+  const TBasicConnections& centres = tarn_.Connections(TTarn::kConditionLayer, TTarn::kInputLayer);
+  std::ranges::copy(centres.Weights(), centres_before_.begin());
   TrainBlock(run, TTarn::kConditionLayer, TTarn::kInputLayer, {centre_gradients_, ones_, {}});
 }
 
 void TTarnBP::WeightsChanged() {
+  tarn_.LimitInputSteps(centres_before_);
   tarn_.PutCentresInOrder();
 }
 

@@ -14,9 +14,9 @@ namespace kiln {
 //   dE/dw = e a / S    dE/da = e (w - o) / S, both 0 where S is 0;
 // how a membership moves the centres around it, AddCentreGradients says.
 //
-// After each update the centres are put back in order; the change that momentum remembers is that
-// before it. A weight penalty acts on the weights into rules and actions alone: forgetting would
-// pull the centres to 0.
+// After each update the steps of input centres are shortened (see LimitCentreSteps) and all centres
+// put back in order; the change that momentum remembers is that before it. A weight penalty acts on
+// the weights into rules and actions alone: forgetting would pull the centres to 0.
 class TTarnBP : public TBackpropModule {
  public:
   // REQUIRES: network->IsComplete().
@@ -41,6 +41,7 @@ class TTarnBP : public TBackpropModule {
   TTarn& tarn_;
   std::vector<double> ones_;              // one an input
   std::vector<double> centre_gradients_;  // of the condition layer, for the pattern at hand
+  std::vector<double> centres_before_;    // of the inputs, before the next update
 };
 
 }  // namespace kiln
