@@ -41,7 +41,7 @@ struct TSmallSums {
 // A layer of a small network in training by pattern.
 struct TSmallLayer {
   static constexpr std::size_t WidthOf(std::size_t neurons) {
-    return neurons <= 2 ? 2 : neurons <= 4 ? 4 : PaddedSize(neurons);
+    return neurons <= 2 ? neurons : neurons <= 4 ? 4 : PaddedSize(neurons);
   }
 
   const TSmallSums* sums;
