@@ -5,7 +5,6 @@ have() {
   case $1 in
     ninja-build) command -v ninja ;;
     libgtest-dev) have_header gtest/gtest.h ;;
-    libbenchmark-dev) have_header benchmark/benchmark.h ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
 }

@@ -1,0 +1,34 @@
+#include "KilnWork.h"
+
+#include <utility>
+
+#include "KQmessage/TKQstructure.h"
+#include "NeuralNets/TBackpropModule.h"
+
+namespace kiln {
+
+std::string TrainingSettings(bool batch) {
+  return "(Params :LearningRate " + std::to_string(kLearningRate) + " :Momentum " +
+         std::to_string(kMomentum) + " :Batch " + (batch ? "true" : "false") + ")";
+}
+
+TWork Training(std::shared_ptr<TTrainModule> trainer, const Data& data, bool batch) {
+  return [trainer = std::move(trainer), &data, batch](int passes) {
+    TKQstructure settings = TKQstructure::Parse(TrainingSettings(batch));
+    return SecondsOf([&] { trainer->Train(data, settings, passes); });
+  };
+}
+
+TWork PerceptronTraining(const TPerceptronTask& task, bool batch) {
+  return Training(std::make_shared<TBackpropModule>(task.network), task.data, batch);
+}
+
+TWork Recall(const TPerceptronTask& task) {
+  return [&task](int passes) {
+    return SecondsOf([&] {
+      for (int n = 0; n < passes; ++n) task.network->RecallOutputOnly(&task.data);
+    });
+  };
+}
+
+}  // namespace kiln

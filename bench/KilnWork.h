@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "Measure.h"
+#include "NeuralNets/TTrainModule.h"
+#include "TPerceptronTask.h"
+
+namespace kiln {
+
+// The settings of a training as the trainers read them.
+std::string TrainingSettings(bool batch);
+
+// Kiln's own work. The task must live as long as the work does.
+
+// A pass is an epoch. The trainer is shared by all passes.
+TWork Training(std::shared_ptr<TTrainModule> trainer, const Data& data, bool batch);
+TWork PerceptronTraining(const TPerceptronTask& task, bool batch);
+
+// A pass recalls the whole set into a new one of outputs.
+TWork Recall(const TPerceptronTask& task);
+
+}  // namespace kiln

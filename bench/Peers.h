@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "Measure.h"
+#include "TPerceptronTask.h"
+
+namespace kiln {
+
+class TScratch;
+
+// The work of the peers, ready to be timed; an empty one where the peer is not installed. Data and
+// network sizes are those of the tasks, whose data must live as long as the work does.
+
+// FANN, double precision. A pass is an epoch over the set of the task; a batch has no momentum
+// there.
+TWork FannPatternTraining(const TPerceptronTask& task);
+TWork FannBatchTraining(const TPerceptronTask& task);
+
+// A pass runs every pattern and copies what it gives.
+TWork FannRecall(const TPerceptronTask& task);
+
+// GAlib, the simple genetic algorithm. A pass is a generation.
+TWork GaLibBreeding(int individuals, int genes, double mutation);
+
+// The kohonen package, online. A pass is as many presentations as the set has rows, drawn at
+// random.
+TWork KohonenTraining(const TScratch& scratch, const Data& data, int side, double radius,
+                      double rate);
+
+// scikit-learn, full batches. A pass is an epoch.
+TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task);
+
+// pandas. A pass writes the inputs of the set as text, or reads what was written.
+TWork PandasSaving(const TScratch& scratch, const Data& data);
+TWork PandasLoading(const TScratch& scratch, const Data& data);
+
+}  // namespace kiln

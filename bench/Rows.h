@@ -1,0 +1,17 @@
+#pragma once
+
+namespace kiln {
+
+class TReport;
+class TScratch;
+
+// The rows of the table, in families.
+void AddMemoryRows(TReport& report, const TScratch& scratch);
+void AddTrainingRows(TReport& report, const TScratch& scratch);
+void AddRecallRows(TReport& report);
+void AddMapRows(TReport& report, const TScratch& scratch);
+void AddGeneticRows(TReport& report);
+void AddFileRows(TReport& report, const TScratch& scratch);
+void AddGrowthRows(TReport& report, const TScratch& scratch);
+
+}  // namespace kiln

@@ -1,0 +1,102 @@
+#include "TReport.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <utility>
+
+namespace kiln {
+
+namespace {
+
+constexpr double kGrowthGoal = 1.5;
+
+// Three digits and the unit that suits them; `units` are a thousandfold apart.
+std::string Scaled(double value, std::span<const char* const> units) {
+  std::size_t unit = 0;
+  while (value >= 999.5 && unit + 1 < units.size()) {
+    value /= 1000.0;
+    ++unit;
+  }
+  std::array<char, 32> text{};
+  const int decimals = value < 9.995 ? 2 : value < 99.95 ? 1 : 0;
+  std::snprintf(text.data(), text.size(), "%.*f %s", decimals, value, units[unit]);
+  return text.data();
+}
+
+std::string Time(double seconds) {
+  static constexpr std::array kUnits = {"ps", "ns", "µs", "ms", "s"};
+  return Scaled(seconds * 1e12, kUnits);
+}
+
+std::string Bytes(double bytes) {
+  static constexpr std::array kUnits = {"B", "kB", "MB", "GB"};
+  return Scaled(bytes, kUnits);
+}
+
+std::string Number(double value, int decimals) {
+  std::array<char, 32> text{};
+  std::snprintf(text.data(), text.size(), "%.*f", decimals, value);
+  return text.data();
+}
+
+}  // namespace
+
+TReport::TReport(int repetitions, std::string filter)
+    : repetitions_(repetitions), filter_(std::move(filter)) {
+  std::puts("| work | Kiln | beside | there | ratio | goal | met |");
+  std::puts("|---|---:|---|---:|---:|---:|---|");
+}
+
+void TReport::AddComparison(const std::string& work, const TWork& kiln,
+                            const std::string& peer_name, const TWork& peer, double items,
+                            double goal) {
+  std::vector<TMeasured> pieces = {{kiln, PassesFor(kiln)}};
+  if (peer) pieces.push_back({peer, pieces.front().passes});
+  const std::vector<double> seconds = MedianSeconds(pieces, repetitions_);
+  const std::string kiln_time = Time(seconds[0] / items);
+  if (!peer) {
+    std::printf("| %s | %s | %s | not installed | | | |\n", work.c_str(), kiln_time.c_str(),
+                peer_name.c_str());
+    return;
+  }
+  const double ratio = seconds[1] / seconds[0];
+  Print(work, kiln_time, peer_name, Time(seconds[1] / items), ratio, "≥ " + Number(goal, 1),
+        ratio >= goal);
+}
+
+void TReport::AddGrowth(const std::string& work, std::span<const TSize> sizes) {
+  std::vector<TMeasured> pieces;
+  for (const TSize& size : sizes) pieces.push_back({size.work, PassesFor(size.work)});
+  std::vector<double> times = MedianSeconds(pieces, repetitions_);
+  for (std::size_t i = 0; i < times.size(); ++i) times[i] /= sizes[i].items;
+  const auto fastest = static_cast<std::size_t>(std::ranges::min_element(times) - times.begin());
+  for (std::size_t i = 0; i < times.size(); ++i) {
+    if (i == fastest) continue;
+    const double ratio = times[i] / times[fastest];
+    Print(work + ": " + sizes[i].name, Time(times[i]), sizes[fastest].name, Time(times[fastest]),
+          ratio, "≤ " + Number(kGrowthGoal, 1), ratio <= kGrowthGoal);
+  }
+}
+
+void TReport::AddMemory(const std::string& work, double taken, const std::string& expected_name,
+                        double expected, double goal) {
+  const double ratio = taken / expected;
+  Print(work, Bytes(taken), expected_name, Bytes(expected), ratio, "≤ " + Number(goal, 2),
+        ratio <= goal);
+}
+
+void TReport::Print(const std::string& work, const std::string& kiln, const std::string& other_name,
+                    const std::string& other, double ratio, const std::string& goal, bool met) {
+  std::printf("| %s | %s | %s | %s | %.2f | %s | %s |\n", work.c_str(), kiln.c_str(),
+              other_name.c_str(), other.c_str(), ratio, goal.c_str(), met ? "yes" : "**no**");
+  std::fflush(stdout);
+  ++lines_;
+  if (met) ++met_;
+}
+
+void TReport::PrintSummary() const {
+  std::printf("\n%d of %d goals met.\n", met_, lines_);
+}
+
+}  // namespace kiln

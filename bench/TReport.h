@@ -1,0 +1,54 @@
+#pragma once
+
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Measure.h"
+
+namespace kiln {
+
+// The table that a run prints, a line as soon as it is measured, as Markdown.
+class TReport {
+ public:
+  // Rows whose work does not contain `filter` are neither measured nor printed.
+  TReport(int repetitions, std::string filter);
+
+  // Whether a row of this name is asked for: what it needs can be left unmade otherwise.
+  bool Wants(std::string_view work) const { return work.find(filter_) != work.npos; }
+
+  // Kiln beside a peer, both for the same passes, of `items` patterns, rows or the like each. The
+  // ratio is the peer's time over Kiln's and shall be `goal` at least.
+  void AddComparison(const std::string& work, const TWork& kiln, const std::string& peer_name,
+                     const TWork& peer, double items, double goal);
+
+  // A piece of work of growing size, and how many items its pass has.
+  struct TSize {
+    std::string name;
+    TWork work;
+    double items;
+  };
+
+  // The time of an item at every size but the fastest beside that at the fastest. The ratio shall
+  // be 1.5 at most.
+  void AddGrowth(const std::string& work, std::span<const TSize> sizes);
+
+  // Memory that was taken beside the `expected`, both in bytes. The ratio shall be `goal` at most.
+  void AddMemory(const std::string& work, double taken, const std::string& expected_name,
+                 double expected, double goal);
+
+  // How many goals were met.
+  void PrintSummary() const;
+
+ private:
+  void Print(const std::string& work, const std::string& kiln, const std::string& other_name,
+             const std::string& other, double ratio, const std::string& goal, bool met);
+
+  int repetitions_;
+  std::string filter_;
+  int lines_ = 0;
+  int met_ = 0;
+};
+
+}  // namespace kiln

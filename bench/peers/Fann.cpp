@@ -1,0 +1,89 @@
+// FANN's perceptrons, in double precision. They have a bias neuron in every layer but the last.
+
+#include <doublefann.h>
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+#include "Peers.h"
+
+namespace kiln {
+
+namespace {
+
+class TFannTask {
+ public:
+  explicit TFannTask(const TPerceptronTask& task)
+      : network_(Create(task.sizes), fann_destroy), data_(Copy(task.data), fann_destroy_train) {
+    fann_set_activation_function_hidden(network_.get(), FANN_SIGMOID);
+    fann_set_activation_function_output(network_.get(), FANN_SIGMOID);
+    fann_randomize_weights(network_.get(), -0.5, 0.5);
+    fann_set_learning_rate(network_.get(), static_cast<float>(kLearningRate));
+    fann_set_learning_momentum(network_.get(), static_cast<float>(kMomentum));
+  }
+
+  double Train(fann_train_enum algorithm, int epochs) {
+    fann_set_training_algorithm(network_.get(), algorithm);
+    return SecondsOf([&] {
+      for (int n = 0; n < epochs; ++n) fann_train_epoch(network_.get(), data_.get());
+    });
+  }
+
+  double Recall(int passes) {
+    std::vector<double> outputs(std::size_t{data_->num_data} * data_->num_output);
+    return SecondsOf([&] {
+      for (int n = 0; n < passes; ++n) RunAll(outputs);
+    });
+  }
+
+ private:
+  static fann* Create(const std::vector<int>& sizes) {
+    const std::vector<unsigned> layers(sizes.begin(), sizes.end());
+    return fann_create_standard_array(static_cast<unsigned>(layers.size()), layers.data());
+  }
+
+  static fann_train_data* Copy(const Data& data) {
+    fann_train_data* copy = fann_create_train(static_cast<unsigned>(data.DataRows()),
+                                              static_cast<unsigned>(data.Inputs()),
+                                              static_cast<unsigned>(data.Outputs()));
+    for (int n = 0; n < data.DataRows(); ++n) {
+      const DataRow row = data.Row(n);
+      std::ranges::copy(row.Inputs, copy->input[n]);
+      std::ranges::copy(row.Outputs, copy->output[n]);
+    }
+    return copy;
+  }
+
+  void RunAll(std::vector<double>& outputs) {
+    auto place = outputs.begin();
+    for (unsigned n = 0; n < data_->num_data; ++n) {
+      place = std::copy_n(fann_run(network_.get(), data_->input[n]), data_->num_output, place);
+    }
+  }
+
+  std::unique_ptr<fann, decltype(&fann_destroy)> network_;
+  std::unique_ptr<fann_train_data, decltype(&fann_destroy_train)> data_;
+};
+
+TWork Training(const TPerceptronTask& task, fann_train_enum algorithm) {
+  return [peer = std::make_shared<TFannTask>(task), algorithm](int passes) {
+    return peer->Train(algorithm, passes);
+  };
+}
+
+}  // namespace
+
+TWork FannPatternTraining(const TPerceptronTask& task) {
+  return Training(task, FANN_TRAIN_INCREMENTAL);
+}
+
+TWork FannBatchTraining(const TPerceptronTask& task) {
+  return Training(task, FANN_TRAIN_BATCH);
+}
+
+TWork FannRecall(const TPerceptronTask& task) {
+  return [peer = std::make_shared<TFannTask>(task)](int passes) { return peer->Recall(passes); };
+}
+
+}  // namespace kiln

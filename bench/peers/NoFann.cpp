@@ -1,0 +1,17 @@
+#include "Peers.h"
+
+namespace kiln {
+
+TWork FannPatternTraining(const TPerceptronTask&) {
+  return {};
+}
+
+TWork FannBatchTraining(const TPerceptronTask&) {
+  return {};
+}
+
+TWork FannRecall(const TPerceptronTask&) {
+  return {};
+}
+
+}  // namespace kiln

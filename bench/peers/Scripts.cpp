@@ -1,0 +1,83 @@
+// The peers that live in R and Python, each behind a process of its own.
+
+#include <memory>
+#include <sstream>
+
+#include "Peers.h"
+#include "TChildPeer.h"
+#include "TScratch.h"
+
+namespace kiln {
+
+namespace {
+
+// The peer of a script, started when it is asked for first; null where it is not installed.
+std::shared_ptr<TChildPeer> Start(bool installed, const char* interpreter, const char* script) {
+  if (!installed) return nullptr;
+  return std::make_shared<TChildPeer>(
+      std::vector<std::string>{interpreter, std::string(KILN_PEERS "/") + script});
+}
+
+std::shared_ptr<TChildPeer> Kohonen() {
+  static const auto peer = Start(KILN_HAVE_KOHONEN, KILN_R, "kohonen.R");
+  return peer;
+}
+
+std::shared_ptr<TChildPeer> Scikit() {
+  static const auto peer = Start(KILN_HAVE_SCIKIT, KILN_PYTHON, "scikit.py");
+  return peer;
+}
+
+std::shared_ptr<TChildPeer> Pandas() {
+  static const auto peer = Start(KILN_HAVE_PANDAS, KILN_PYTHON, "pandas_text.py");
+  return peer;
+}
+
+// Puts words and numbers into one request.
+template <typename... TWords>
+std::string Request(const TWords&... words) {
+  std::ostringstream line;
+  ((line << words << ' '), ...);
+  return line.str();
+}
+
+}  // namespace
+
+TWork KohonenTraining(const TScratch& scratch, const Data& data, int side, double radius,
+                      double rate) {
+  const auto peer = Kohonen();
+  if (!peer) return {};
+  const std::string numbers = scratch.WriteNumbers("map", data);
+  return [=, inputs = data.Inputs()](int passes) {
+    return peer->Ask(Request(numbers, inputs, side, radius, rate, passes));
+  };
+}
+
+TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task) {
+  const auto peer = Scikit();
+  if (!peer) return {};
+  const std::string numbers = scratch.WriteNumbers("training", task.data);
+  return [=, sizes = task.sizes](int passes) {
+    return peer->Ask(
+        Request(numbers, kLearningRate, kMomentum, passes, sizes[0], sizes[1], sizes[2]));
+  };
+}
+
+TWork PandasSaving(const TScratch& scratch, const Data& data) {
+  const auto peer = Pandas();
+  if (!peer) return {};
+  const std::string request = Request("save", scratch.WriteNumbers("table", data), data.Inputs(),
+                                      scratch.Path("table.csv"));
+  return [=](int) { return peer->Ask(request); };
+}
+
+TWork PandasLoading(const TScratch& scratch, const Data& data) {
+  const TWork saving = PandasSaving(scratch, data);
+  if (!saving) return {};
+  saving(1);
+  return [peer = Pandas(), request = Request("load", scratch.Path("table.csv"))](int) {
+    return peer->Ask(request);
+  };
+}
+
+}  // namespace kiln
