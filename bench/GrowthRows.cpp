@@ -27,6 +27,9 @@ constexpr int kPatterns = 64;
 constexpr std::array kCachedLayers = {22, 70, 223};
 constexpr std::array kLargeLayers = {400, 707};
 
+constexpr std::array<std::size_t, 4> kRowCounts = {1'000, 10'000, 100'000, 1'000'000};
+constexpr std::array<std::size_t, 2> kObjectCounts = {10, 10'000};
+
 // A work that uses a task, and keeps it.
 using TMakeWork = std::function<TWork(const TPerceptronTask&)>;
 
@@ -82,7 +85,7 @@ void AddAppendRows(TReport& report, const TScratch& scratch) {
   const std::string work = "growth, a row appended by a script";
   if (!report.Wants(work)) return;
   std::vector<TReport::TSize> sizes;
-  for (const std::size_t rows : {1'000, 10'000, 100'000, 1'000'000}) {
+  for (const std::size_t rows : kRowCounts) {
     sizes.push_back({Grouped(rows) + " rows", Appending(scratch, rows), static_cast<double>(rows)});
   }
   report.AddGrowth(work, sizes);
@@ -113,7 +116,7 @@ void AddObjectRows(TReport& report) {
   const std::string work = "growth, an object made, asked and destroyed";
   if (!report.Wants(work)) return;
   std::vector<TReport::TSize> sizes;
-  for (const std::size_t objects : {10, 10'000}) {
+  for (const std::size_t objects : kObjectCounts) {
     sizes.push_back(
         {Grouped(objects) + " objects", HandlingObjects(objects), static_cast<double>(objects)});
   }
