@@ -26,7 +26,7 @@ void TBasicConnections::Attach(const TBasicLayer& to, const TBasicLayer& from) {
     size += patch.Size();
   }
   weights_.assign(size, 0.0);
-  masks_.assign(HasFlags() ? size : 0, FMaskAll);
+  masks_.clear();
   exceptions_ = 0;
   attached_ = true;
 }
@@ -135,14 +135,14 @@ void TBasicConnections::RemoveColumn(std::size_t) {
 void TBasicConnections::Rearrange(const TOrigins& rows, const TOrigins& columns) {
   CheckAttached();
   std::vector<double> weights(rows.size() * columns.size(), 0.0);
-  std::vector<TMask> masks(HasFlags() ? weights.size() : 0, FMaskAll);
+  std::vector<TMask> masks(masks_.empty() ? 0 : weights.size(), FMaskAll);
   for (std::size_t i = 0; i < weights.size(); ++i) {
     const std::size_t to = rows[i / columns.size()];
     const std::size_t from = columns[i % columns.size()];
     if (to == kNew || from == kNew) continue;
     const std::size_t place = PlaceAssert(to, from);
     weights[i] = weights_[place];
-    if (HasFlags()) masks[i] = masks_[place];
+    if (!masks.empty()) masks[i] = masks_[place];
   }
   rows_ = rows.size();
   columns_ = columns.size();
@@ -180,7 +180,8 @@ void TBasicConnections::SetFlag(std::size_t to, std::size_t from, TMask flag, bo
 void TBasicConnections::Store(std::size_t place, double weight, TMask flags) {
   weights_[place] = (flags & FMaskExists) != 0 ? weight : 0.0;
   if (flags == FlagsAt(place)) return;
-  if (masks_.empty()) AssertFalse(Module());
+  if (!HasFlags()) AssertFalse(Module());
+  if (masks_.empty()) masks_.assign(weights_.size(), FMaskAll);
   if (masks_[place] != FMaskAll) --exceptions_;
   if (flags != FMaskAll) ++exceptions_;
   masks_[place] = flags;

@@ -150,7 +150,7 @@ class TBasicConnections {
   std::size_t columns_ = 0;
   std::vector<TPatchShape> patches_;
   std::vector<double> weights_;
-  std::vector<TMask> masks_;    // one a weight, none in a kind without flags
+  std::vector<TMask> masks_;    // one a weight, from when the first differs from FMaskAll
   std::size_t exceptions_ = 0;  // places whose flags are not FMaskAll
 };
 

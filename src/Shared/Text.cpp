@@ -24,10 +24,14 @@ bool EqualNoCase(std::string_view left, std::string_view right) {
 }
 
 bool LessNoCase(std::string_view left, std::string_view right) {
-  return std::lexicographical_compare(
-      left.begin(), left.end(), right.begin(), right.end(), [](char a, char b) {
-        return static_cast<unsigned char>(FoldChar(a)) < static_cast<unsigned char>(FoldChar(b));
-      });
+  const std::size_t common = std::min(left.size(), right.size());
+  for (std::size_t i = 0; i < common; ++i) {
+    if (left[i] == right[i]) continue;  // most are, and need no folding
+    const auto a = static_cast<unsigned char>(FoldChar(left[i]));
+    const auto b = static_cast<unsigned char>(FoldChar(right[i]));
+    if (a != b) return a < b;
+  }
+  return left.size() < right.size();
 }
 
 std::string_view TrimBlanks(std::string_view text) {
