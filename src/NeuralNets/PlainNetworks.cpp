@@ -14,7 +14,9 @@ namespace {
 // Kinds are compared exactly: one that is derived from these may compute something else.
 bool IsPlainLayer(const TBasicNetwork& network, std::size_t index) {
   const TBasicLayer& layer = network.Layer(index);
-  if (index == network.InputLayer()) return typeid(layer) == typeid(TSimpleInputLayer);
+  if (index == network.InputLayer()) {
+    return typeid(layer) == typeid(TSimpleInputLayer) && network.Sources(index).empty();
+  }
   return typeid(layer) == typeid(TSimpleLayer) || typeid(layer) == typeid(TGainLayer);
 }
 
@@ -27,6 +29,14 @@ bool IsPlain(const TBasicNetwork& network) {
     if (!IsPlainLayer(network, layer)) return false;
   }
   return true;
+}
+
+void ComputeConstantLayers(TBasicNetwork& network) {
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    if (layer != network.InputLayer() && network.Sources(layer).empty()) {
+      network.Layer(layer).Compute({});
+    }
+  }
 }
 
 }  // namespace kiln

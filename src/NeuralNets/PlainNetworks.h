@@ -8,4 +8,8 @@ class TBasicNetwork;
 // functions, and does nothing else. How such a network computes can be laid out in advance.
 bool IsPlain(const TBasicNetwork& network);
 
+// Computes the layers of a plain network that nothing leads to, such as a bias. Their outputs stay
+// the same from pattern to pattern.
+void ComputeConstantLayers(TBasicNetwork& network);
+
 }  // namespace kiln

@@ -53,8 +53,7 @@ std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
     return std::make_unique<TBackpropSmall>(Network(), Gradients(), Changes(), run);
   }
   if (run.at_once && IsPlain(Network())) {
-    return std::make_unique<TBackpropPattern>(Network(), Gradients(), Changes(),
-                                              run.ForgettingRates());
+    return std::make_unique<TBackpropPattern>(Network(), Gradients(), Changes(), run);
   }
   return nullptr;
 }

@@ -1,11 +1,10 @@
 #include "NeuralNets/TBackpropPattern.h"
 
 #include <algorithm>
-#include <functional>
 
-#include "DataObject/Data.h"
 #include "NeuralNets/ActDerivatives.h"
 #include "NeuralNets/Kernels.h"
+#include "NeuralNets/PlainNetworks.h"
 
 namespace kiln {
 
@@ -25,24 +24,19 @@ class TVisitPatches : public TIterateObj2 {
 }  // namespace
 
 TBackpropPattern::TBackpropPattern(TBasicNetwork& network, TBasicNetwork& errors,
-                                   TBasicNetwork& changes, const TRates& rates)
-    : network_(network),
-      rates_(rates),
-      inputs_(network.Layer(network.InputLayer()).Outputs()),
-      outputs_(network.Layer(network.OutputLayer()).Outputs()),
-      output_errors_(errors.Layer(network.OutputLayer()).NetInputs()) {
+                                   TBasicNetwork& changes, const TTrainRun& run)
+    : network_(network), ends_(network, errors), rates_(run.ForgettingRates()) {
+  ComputeConstantLayers(network);
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
-    if (network.HasLowerSources(layer)) {
-      AddStage(errors, changes, layer);
-    } else if (layer != network.InputLayer()) {
-      network.Layer(layer).Compute({});  // such as a bias: its outputs never change
-    }
+    if (network.HasLowerSources(layer)) AddStage(errors, changes, run, layer);
   }
 }
 
-void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, std::size_t to) {
+void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
+                                std::size_t to) {
   TBasicLayer& layer = network_.Layer(to);
-  stages_.push_back({layer, errors.Layer(to).NetInputs(), {}, {}});
+  const bool errors_are_deltas = run.cross_entropy && to == network_.OutputLayer();
+  stages_.push_back({layer, errors.Layer(to).NetInputs(), errors_are_deltas, {}, {}});
   TStage& stage = stages_.back();
   for (const std::size_t from : network_.Sources(to)) {
     const double* x = network_.Layer(from).Outputs().data();
@@ -77,42 +71,35 @@ void TBackpropPattern::ForEachDelayed(const TVisit& visit) {
 }
 
 void TBackpropPattern::RunPattern(const DataRow& row, TTrainRun& run) {
-  Recall(row.Inputs);
-  run.error->Accumulate(row.Outputs, outputs_);
-  for (const TStage& stage : stages_) std::ranges::fill(stage.errors, 0.0);
-  std::ranges::transform(outputs_, row.Outputs, output_errors_.begin(), std::minus<>());
-  PassBack(run.cross_entropy);
+  ends_.SetInputs(row);
+  for (const TStage& stage : stages_) Recall(stage);
+  ends_.SetErrors(row, run);
+  for (std::size_t i = stages_.size(); i-- > 0;) Step(stages_[i]);
 }
 
-void TBackpropPattern::Recall(std::span<const double> input) {
-  std::ranges::copy(input, inputs_.begin());
-  const TKernels& kernels = Kernels();
-  for (const TStage& stage : stages_) {
-    std::ranges::fill(stage.layer.NetInputs(), 0.0);
-    for (const TDelayedBlock& block : stage.delayed) block.Accumulate(stage.layer.NetInputs());
-    for (const TSums& sums : stage.sums) {
-      const TWeightPatch& patch = sums.patch;
-      kernels.accumulate(patch.weights, patch.masks, patch.rows, patch.columns, sums.x, sums.y);
-    }
-    stage.layer.Activate();
+void TBackpropPattern::Recall(const TStage& stage) {
+  std::ranges::fill(stage.errors, 0.0);
+  const std::span<double> net_inputs = stage.layer.NetInputs();
+  std::ranges::fill(net_inputs, 0.0);
+  for (const TDelayedBlock& block : stage.delayed) block.Accumulate(net_inputs);
+  for (const TSums& sums : stage.sums) {
+    const TWeightPatch& patch = sums.patch;
+    Kernels().accumulate(patch.weights, patch.masks, patch.rows, patch.columns, sums.x, sums.y);
   }
+  stage.layer.Activate();
 }
 
-void TBackpropPattern::PassBack(bool cross_entropy) {
-  const TKernels& kernels = Kernels();
-  for (std::size_t i = stages_.size(); i-- > 0;) {
-    TStage& stage = stages_[i];
-    if (!cross_entropy || stage.errors.data() != output_errors_.data()) {
-      ErrorsToDeltas(stage.layer, stage.layer.Outputs(), stage.errors);
-    }
-    for (std::size_t k = stage.sums.size(); k-- > 0;) {
-      const TSums& sums = stage.sums[k];
-      const TWeightPatch& patch = sums.patch;
-      kernels.step(patch.weights, patch.masks, patch.rows, patch.columns, sums.d, sums.x, sums.e,
+void TBackpropPattern::Step(TStage& stage) {
+  if (!stage.errors_are_deltas) {
+    ErrorsToDeltas(stage.layer, stage.layer.Outputs(), stage.errors);
+  }
+  for (std::size_t k = stage.sums.size(); k-- > 0;) {
+    const TSums& sums = stage.sums[k];
+    const TWeightPatch& patch = sums.patch;
+    Kernels().step(patch.weights, patch.masks, patch.rows, patch.columns, sums.d, sums.x, sums.e,
                    sums.changes, rates_);
-    }
-    for (TDelayedBlock& block : stage.delayed) block.Step(stage.errors);
   }
+  for (TDelayedBlock& block : stage.delayed) block.Step(stage.errors);
 }
 
 }  // namespace kiln

@@ -4,14 +4,12 @@
 #include <span>
 #include <vector>
 
-#include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/TDelayedBlock.h"
+#include "NeuralNets/TPatternEnds.h"
 #include "NeuralNets/TTrainPass.h"
 #include "NeuralNets/TTrainRun.h"
 
 namespace kiln {
-
-struct DataRow;
 
 // Back-propagation pattern by pattern, each weight changing as errors pass it: what TBackpropModule
 // does layer by layer, as a list of sums that is made in advance. In a network of a few neurons it
@@ -22,7 +20,7 @@ class TBackpropPattern : public TTrainPass {
   // terms, the weights of the other the last changes. REQUIRES: the network is plain and can be
   // trained; the structure of all three, flags included, stays as it is while the pass lives.
   TBackpropPattern(TBasicNetwork& network, TBasicNetwork& errors, TBasicNetwork& changes,
-                   const TRates& rates);
+                   const TTrainRun& run);
 
   void Run(const Data& data, TTrainRun& run) override;
 
@@ -42,24 +40,24 @@ class TBackpropPattern : public TTrainPass {
   struct TStage {
     TBasicLayer& layer;
     std::span<double> errors;
+    bool errors_are_deltas;  // sigmoid outputs under cross entropy
     std::vector<TSums> sums;
     std::vector<TDelayedBlock> delayed;
   };
 
-  void AddStage(TBasicNetwork& errors, TBasicNetwork& changes, std::size_t to);
+  void AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
+                std::size_t to);
   void RunPattern(const DataRow& row, TTrainRun& run);
-  void Recall(std::span<const double> input);
-  void PassBack(bool cross_entropy);
+  static void Recall(const TStage& stage);
+  void Step(TStage& stage);
 
   template <typename TVisit>
   void ForEachDelayed(const TVisit& visit);
 
   TBasicNetwork& network_;
+  TPatternEnds ends_;
   TRates rates_;
   std::vector<TStage> stages_;  // lowest layer first
-  std::span<double> inputs_;
-  std::span<const double> outputs_;
-  std::span<double> output_errors_;
 };
 
 }  // namespace kiln

@@ -1,9 +1,7 @@
 #include "NeuralNets/TBackpropSmall.h"
 
 #include <algorithm>
-#include <functional>
 
-#include "DataObject/Data.h"
 #include "NeuralNets/PlainNetworks.h"
 
 namespace kiln {
@@ -37,17 +35,10 @@ bool TBackpropSmall::Fits(const TBasicNetwork& network) {
 
 TBackpropSmall::TBackpropSmall(TBasicNetwork& network, TBasicNetwork& errors,
                                TBasicNetwork& changes, const TTrainRun& run)
-    : network_(network),
-      rates_(run.ForgettingRates()),
-      inputs_(network.Layer(network.InputLayer()).Outputs()),
-      outputs_(network.Layer(network.OutputLayer()).Outputs()),
-      output_errors_(errors.Layer(network.OutputLayer()).NetInputs()) {
+    : network_(network), ends_(network, errors), rates_(run.ForgettingRates()) {
+  ComputeConstantLayers(network);
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
-    if (network.HasLowerSources(layer)) {
-      AddStage(errors, changes, run, layer);
-    } else if (layer != network.InputLayer()) {
-      network.Layer(layer).Compute({});  // such as a bias: its outputs never change
-    }
+    if (network.HasLowerSources(layer)) AddStage(errors, changes, run, layer);
   }
   ForEachCopy([](double& copy, const double& original) { copy = original; });
 }
@@ -106,13 +97,12 @@ void TBackpropSmall::Run(const Data& data, TTrainRun& run) {
 }
 
 void TBackpropSmall::RunPattern(const DataRow& row, TTrainRun& run) {
-  std::ranges::copy(row.Inputs, inputs_.begin());
+  ends_.SetInputs(row);
   for (const TStage& stage : stages_) {
     stage.recall(stage.layer);
     std::ranges::fill(stage.errors, 0.0);
   }
-  run.error->Accumulate(row.Outputs, outputs_);
-  std::ranges::transform(outputs_, row.Outputs, output_errors_.begin(), std::minus<>());
+  ends_.SetErrors(row, run);
   for (std::size_t i = stages_.size(); i-- > 0;) stages_[i].step(stages_[i].layer, rates_);
 }
 

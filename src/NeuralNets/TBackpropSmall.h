@@ -5,13 +5,11 @@
 #include <vector>
 
 #include "NeuralNets/Kernels.h"
-#include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/TPatternEnds.h"
 #include "NeuralNets/TTrainPass.h"
 #include "NeuralNets/TTrainRun.h"
 
 namespace kiln {
-
-struct DataRow;
 
 // Back-propagation pattern by pattern for small networks, whose weights the nearest cache holds.
 // Their time goes into waiting for one sum after the other, not into the number of sums; so they
@@ -62,11 +60,9 @@ class TBackpropSmall : public TTrainPass {
   void ForEachCopy(const TVisit& visit);
 
   TBasicNetwork& network_;
+  TPatternEnds ends_;
   TRates rates_;
   std::vector<TStage> stages_;  // lowest layer first
-  std::span<double> inputs_;
-  std::span<const double> outputs_;
-  std::span<double> output_errors_;
 };
 
 }  // namespace kiln

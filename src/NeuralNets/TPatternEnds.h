@@ -1,0 +1,36 @@
+#pragma once
+
+#include <algorithm>
+#include <functional>
+#include <span>
+
+#include "DataObject/Data.h"
+#include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/TTrainRun.h"
+
+namespace kiln {
+
+// Where patterns enter a network, and where their errors start on their way back.
+class TPatternEnds {
+ public:
+  // The net inputs of `errors`, a network of the same shape, hold the error terms.
+  TPatternEnds(TBasicNetwork& network, TBasicNetwork& errors)
+      : inputs_(network.Layer(network.InputLayer()).Outputs()),
+        outputs_(network.Layer(network.OutputLayer()).Outputs()),
+        errors_(errors.Layer(network.OutputLayer()).NetInputs()) {}
+
+  void SetInputs(const DataRow& row) { std::ranges::copy(row.Inputs, inputs_.begin()); }
+
+  // Adds the error of the pattern to that of the run, and sets the error terms of the outputs.
+  void SetErrors(const DataRow& row, TTrainRun& run) {
+    run.error->Accumulate(row.Outputs, outputs_);
+    std::ranges::transform(outputs_, row.Outputs, errors_.begin(), std::minus<>());
+  }
+
+ private:
+  std::span<double> inputs_;
+  std::span<const double> outputs_;
+  std::span<double> errors_;
+};
+
+}  // namespace kiln
