@@ -43,9 +43,9 @@ class TBackpropSmall : public TTrainPass {
 
   // A layer that is trained.
   struct TStage {
-    TSmallLayer layer;
-    void (*recall)(const TSmallLayer& layer);
-    void (*step)(const TSmallLayer& layer, const TRates& rates);
+    TSmallLayer layer = {};
+    void (*recall)(const TSmallLayer& layer) = nullptr;
+    void (*step)(const TSmallLayer& layer, const TRates& rates) = nullptr;
     std::span<double> errors;      // with the places behind the last neuron
     std::vector<TSmallSums> sums;  // those of the layer
     std::vector<TCopy> blocks;     // that of each sum

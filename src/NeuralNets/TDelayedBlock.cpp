@@ -33,8 +33,6 @@ TDelayedBlock::TDelayedBlock(const TWeightPatch& patch, double* changes, const T
       deltas_(kPatterns * patch.rows),
       shared_deltas_(kPatterns * patch.rows) {
   powers_[0] = 1.0;
-  change_shares_[0] = 0.0;
-  delta_shares_[0] = 0.0;
   for (std::size_t j = 0; j < kPatterns; ++j) {
     powers_[j + 1] = rates.momentum * powers_[j];
     change_shares_[j + 1] = change_shares_[j] + powers_[j + 1];

@@ -54,9 +54,9 @@ class TDelayedBlock {
   TWeightPatch patch_;
   double* changes_;
   TRates rates_;
-  TShares powers_;                     // m^j
-  TShares change_shares_;              // a_j
-  TShares delta_shares_;               // b_j
+  TShares powers_{};                   // m^j
+  TShares change_shares_{};            // a_j
+  TShares delta_shares_{};             // b_j
   std::size_t steps_ = 0;              // since Begin
   std::size_t stride_;                 // columns, in whole registers
   std::vector<double> patterns_;       // kPatterns x columns
