@@ -185,19 +185,20 @@ TEST(NetRule, RefusesRulesThatItCannotHold) {
       {three + " then <OutputB is A>", "Rule needs a pruned connection"},
       {three + " or " + y + then, "Too many rules for this network"},
   };
+  const auto failure_of = [&](const TFuzzyRuleSet& rule_set) {
+    return Failure([&] { TNetRule::InsertRENet(network, rule_set); });
+  };
+  const std::string kPlace = " TNetRule::InsertRENet";
   for (const auto& [rules, failure] : kFaults) {
-    const TFuzzyRuleSet rule_set = Read(FileWith(network, rules + "\n"));
-    EXPECT_EQ(Failure([&] { TNetRule::InsertRENet(network, rule_set); }),
-              failure + " Bad Rule Set TNetRule::InsertRENet");
+    EXPECT_EQ(failure_of(Read(FileWith(network, rules + "\n"))),
+              failure + " Bad Rule Set" + kPlace);
   }
-  TTarn infinite = network;
-  infinite.SetWeightValue(2, 0, 0, std::numeric_limits<double>::infinity());
-  EXPECT_EQ(Failure([&] { TNetRule::InsertRENet(network, Extracted(infinite)); }),
-            "Degree is not a finite number Bad Rule Set TNetRule::InsertRENet");
-  const TTarn other(kInputMF, 4, {{2, 3}});
-  EXPECT_EQ(Failure([&] { TNetRule::InsertRENet(network, Read(FileWith(other, three + then))); }),
-            "Number of Fuzzy MF not appropriate for this network Bad Parameter "
-            "TNetRule::InsertRENet");
+  TTarn other(kInputMF, 4, kOutputMF);
+  other.SetWeightLayer(2, TValues(20, std::numeric_limits<double>::infinity()));
+  other.SetWeightLayer(3, TValues(16, 1.0));
+  EXPECT_EQ(failure_of(Extracted(other)), "Degree is not a finite number Bad Rule Set" + kPlace);
+  EXPECT_EQ(failure_of(Read(FileWith(TTarn(kInputMF, 4, {{2, 3}}), three + then))),
+            "Number of Fuzzy MF not appropriate for this network Bad Parameter" + kPlace);
   EXPECT_EQ(Weights(network), weights);
 }
 
