@@ -236,8 +236,8 @@ void LimitSteps(const double* before, double* centres, int terms) {
   for (int k = 0; k < terms; ++k) {
     const double left = before[k] - before[k > 0 ? k - 1 : 1];
     const double right = before[k + 1 < terms ? k + 1 : k - 1] - before[k];
-    const double most = before[k] + std::abs(right) / 1000;
-    centres[k] = std::clamp(centres[k], before[k] - std::abs(left) / 1000, most);
+    const double most = before[k] + std::abs(right) / 100;
+    centres[k] = std::clamp(centres[k], before[k] - std::abs(left) / 100, most);
   }
 }
 

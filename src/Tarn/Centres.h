@@ -25,7 +25,7 @@ inline constexpr double kCentreGap = 1e-4;
 void PlaceCentresEvenly(std::span<double> centres);
 
 // The share of the way to a neighbour that LimitCentreSteps lets a centre go.
-inline constexpr double kCentreStep = 1e-3;
+inline constexpr double kCentreStep = 1e-2;
 
 // Shortens the steps that have led from `before` to `centres`: a centre goes at most kCentreStep of
 // the way to its neighbour of before, and an outer one as far outwards as inwards. The slopes of a
