@@ -1,6 +1,6 @@
 // Data files: saving and loading a large table.
 
-#include <filesystem>
+#include <string>
 
 #include "FileHandler/Filer.h"
 #include "Peers.h"

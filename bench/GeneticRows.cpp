@@ -1,6 +1,7 @@
 // The genetic engine: breeding apart from what the evaluation costs.
 
 #include <memory>
+#include <string>
 
 #include "Bramble/DeathCap.h"
 #include "Peers.h"

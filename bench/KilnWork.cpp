@@ -1,5 +1,6 @@
 #include "KilnWork.h"
 
+#include <string>
 #include <utility>
 
 #include "KQmessage/TKQstructure.h"
@@ -7,10 +8,15 @@
 
 namespace kiln {
 
+namespace {
+
+// The settings of a training as the trainers read them.
 std::string TrainingSettings(bool batch) {
   return "(Params :LearningRate " + std::to_string(kLearningRate) + " :Momentum " +
          std::to_string(kMomentum) + " :Batch " + (batch ? "true" : "false") + ")";
 }
+
+}  // namespace
 
 TWork Training(std::shared_ptr<TTrainModule> trainer, const Data& data, bool batch) {
   return [trainer = std::move(trainer), &data, batch](int passes) {

@@ -1,15 +1,12 @@
 #pragma once
 
-#include <string>
+#include <memory>
 
 #include "Measure.h"
 #include "NeuralNets/TTrainModule.h"
 #include "TPerceptronTask.h"
 
 namespace kiln {
-
-// The settings of a training as the trainers read them.
-std::string TrainingSettings(bool batch);
 
 // Kiln's own work. The task must live as long as the work does.
 

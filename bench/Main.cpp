@@ -1,5 +1,6 @@
 // Measures Kiln beside its peers; see run.
 
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
@@ -33,6 +34,7 @@ int main(int argc, char** argv) {
     std::fputs("usage: kiln_bench [REPETITIONS [FILTER]]\n", stderr);
     return 2;
   }
+  std::signal(SIGPIPE, SIG_IGN);  // a peer that has ended is an error, told at the next answer
   try {
     Measure(repetitions, argc > 2 ? argv[2] : "");
     return 0;

@@ -2,6 +2,9 @@
 
 #include <array>
 #include <iostream>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "NeuralNets/TKohonenModule.h"
 #include "Peers.h"

@@ -1,6 +1,8 @@
 #include "Measure.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <iterator>
 
 namespace kiln {
 

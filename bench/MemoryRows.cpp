@@ -1,6 +1,8 @@
 // What data sets, loading and trainers take.
 
 #include <filesystem>
+#include <memory>
+#include <string>
 
 #include "FileHandler/Filer.h"
 #include "KilnWork.h"

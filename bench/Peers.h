@@ -1,8 +1,5 @@
 #pragma once
 
-#include <memory>
-#include <string>
-
 #include "Measure.h"
 #include "TPerceptronTask.h"
 

@@ -1,5 +1,6 @@
 #include "TChildPeer.h"
 
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,9 +13,12 @@ namespace kiln {
 
 namespace {
 
+// Closed in every process that becomes another program: a peer must not hold the ends of others.
 struct TPipe {
   TPipe() {
-    if (pipe(ends) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
+    if (pipe2(ends, O_CLOEXEC) != 0) {
+      throw std::system_error(errno, std::generic_category(), "pipe");
+    }
   }
   int ends[2];  // to read from, to write to
 };
@@ -37,9 +41,6 @@ TChildPeer::TChildPeer(const std::vector<std::string>& command) {
   if (process_ == 0) {
     dup2(requests.ends[0], STDIN_FILENO);
     dup2(answers.ends[1], STDOUT_FILENO);
-    for (const int end : {requests.ends[0], requests.ends[1], answers.ends[0], answers.ends[1]}) {
-      close(end);
-    }
     Become(command);
   }
   close(requests.ends[0]);

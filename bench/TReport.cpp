@@ -61,8 +61,8 @@ void TReport::AddComparison(const std::string& work, const TWork& kiln,
     return;
   }
   const double ratio = seconds[1] / seconds[0];
-  Print(work, kiln_time, peer_name, Time(seconds[1] / items), ratio, "≥ " + Number(goal, 1),
-        ratio >= goal);
+  Print({work, kiln_time, peer_name, Time(seconds[1] / items), ratio, "≥ " + Number(goal, 1),
+         ratio >= goal});
 }
 
 void TReport::AddGrowth(const std::string& work, std::span<const TSize> sizes) {
@@ -74,25 +74,25 @@ void TReport::AddGrowth(const std::string& work, std::span<const TSize> sizes) {
   for (std::size_t i = 0; i < times.size(); ++i) {
     if (i == fastest) continue;
     const double ratio = times[i] / times[fastest];
-    Print(work + ": " + sizes[i].name, Time(times[i]), sizes[fastest].name, Time(times[fastest]),
-          ratio, "≤ " + Number(kGrowthGoal, 1), ratio <= kGrowthGoal);
+    Print({work + ": " + sizes[i].name, Time(times[i]), sizes[fastest].name, Time(times[fastest]),
+           ratio, "≤ " + Number(kGrowthGoal, 1), ratio <= kGrowthGoal});
   }
 }
 
 void TReport::AddMemory(const std::string& work, double taken, const std::string& expected_name,
                         double expected, double goal) {
   const double ratio = taken / expected;
-  Print(work, Bytes(taken), expected_name, Bytes(expected), ratio, "≤ " + Number(goal, 2),
-        ratio <= goal);
+  Print({work, Bytes(taken), expected_name, Bytes(expected), ratio, "≤ " + Number(goal, 2),
+         ratio <= goal});
 }
 
-void TReport::Print(const std::string& work, const std::string& kiln, const std::string& other_name,
-                    const std::string& other, double ratio, const std::string& goal, bool met) {
-  std::printf("| %s | %s | %s | %s | %.2f | %s | %s |\n", work.c_str(), kiln.c_str(),
-              other_name.c_str(), other.c_str(), ratio, goal.c_str(), met ? "yes" : "**no**");
+void TReport::Print(const TLine& line) {
+  std::printf("| %s | %s | %s | %s | %.2f | %s | %s |\n", line.work.c_str(), line.kiln.c_str(),
+              line.other_name.c_str(), line.other.c_str(), line.ratio, line.goal.c_str(),
+              line.met ? "yes" : "**no**");
   std::fflush(stdout);
   ++lines_;
-  if (met) ++met_;
+  if (line.met) ++met_;
 }
 
 void TReport::PrintSummary() const {

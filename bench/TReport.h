@@ -42,8 +42,17 @@ class TReport {
   void PrintSummary() const;
 
  private:
-  void Print(const std::string& work, const std::string& kiln, const std::string& other_name,
-             const std::string& other, double ratio, const std::string& goal, bool met);
+  struct TLine {
+    std::string work;
+    std::string kiln;
+    std::string other_name;
+    std::string other;
+    double ratio;
+    std::string goal;
+    bool met;
+  };
+
+  void Print(const TLine& line);
 
   int repetitions_;
   std::string filter_;

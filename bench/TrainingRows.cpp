@@ -1,6 +1,9 @@
 // Perceptrons and fuzzy networks: training and recall.
 
 #include <array>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "KilnWork.h"
 #include "Peers.h"

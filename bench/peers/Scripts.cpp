@@ -2,6 +2,8 @@
 
 #include <memory>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "Peers.h"
 #include "TChildPeer.h"
