@@ -73,8 +73,9 @@ void TBackpropPattern::ForEachDelayed(const TVisit& visit) {
 void TBackpropPattern::RunPattern(const DataRow& row, TTrainRun& run) {
   ends_.SetInputs(row);
   for (const TStage& stage : stages_) Recall(stage);
-  ends_.SetErrors(row, run);
+  ends_.SetErrors(row);
   for (std::size_t i = stages_.size(); i-- > 0;) Step(stages_[i]);
+  ends_.AddError(row, run);
 }
 
 void TBackpropPattern::Recall(const TStage& stage) {

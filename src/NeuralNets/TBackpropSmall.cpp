@@ -102,8 +102,9 @@ void TBackpropSmall::RunPattern(const DataRow& row, TTrainRun& run) {
     stage.recall(stage.layer);
     std::ranges::fill(stage.errors, 0.0);
   }
-  ends_.SetErrors(row, run);
+  ends_.SetErrors(row);
   for (std::size_t i = stages_.size(); i-- > 0;) stages_[i].step(stages_[i].layer, rates_);
+  ends_.AddError(row, run);  // last, since nothing waits for it
 }
 
 }  // namespace kiln

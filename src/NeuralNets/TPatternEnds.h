@@ -21,10 +21,14 @@ class TPatternEnds {
 
   void SetInputs(const DataRow& row) { std::ranges::copy(row.Inputs, inputs_.begin()); }
 
-  // Adds the error of the pattern to that of the run, and sets the error terms of the outputs.
-  void SetErrors(const DataRow& row, TTrainRun& run) {
-    run.error->Accumulate(row.Outputs, outputs_);
+  // Sets the error terms of the outputs.
+  void SetErrors(const DataRow& row) {
     std::ranges::transform(outputs_, row.Outputs, errors_.begin(), std::minus<>());
+  }
+
+  // Adds the error of the outputs to that of a run.
+  void AddError(const DataRow& row, TTrainRun& run) const {
+    run.error->Accumulate(row.Outputs, outputs_);
   }
 
  private:
