@@ -118,9 +118,9 @@ TEST(TTarnTest, KeepsOutputsWithinTheUniverse) {
   Random::Seed(5);
   TTarn tarn(TSizes{2}, 3, TSizes{5000});
   TValues output(1);
-  const auto recalled = [&](double centre) {
+  const auto recalled = [&](double centre, double input = 0.3) {
     tarn.SetWeightLayer(4, TValues(5000, centre));
-    tarn.RecallPattern(TValues{0.3}, output);
+    tarn.RecallPattern(TValues{input}, output);
     return output[0];
   };
   for (int n = 0; n < 100; ++n) {
@@ -128,6 +128,7 @@ TEST(TTarnTest, KeepsOutputsWithinTheUniverse) {
     tarn.Connections(4, 3).Iterate(randomize);
     EXPECT_LE(recalled(1.0), 1.0);
   }
+  EXPECT_LE(recalled(1.0, kNaN), 1.0);
   EXPECT_EQ(0.0, recalled(0.0));
   for (const auto& [outside, text] :
        {std::pair{1.5, "1.5\n"}, std::pair{-0.25, "-0.25\n"}, std::pair{kNaN, "nan\n"}}) {
