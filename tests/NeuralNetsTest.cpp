@@ -203,7 +203,9 @@ TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
   TConnectedConnections full;
   full.Attach(two, three);
   full.SetExists(1, 2, true);
+  full.SetWeight(1, 2, 0.5);
   EXPECT_NE("none", Failure([&] { full.SetExists(1, 2, false); }));
+  EXPECT_EQ(0.5, full.GetWeight(1, 2));
   struct : TIterateObj2 {
     void Patch(const TWeightPatch&, double*) override {}
   } walk;

@@ -98,7 +98,7 @@ struct TKernels {
   void (*multiply)(TSize rows, TSize depth, TSize columns, const TMatrixView& a, const double* b,
                    TSize b_stride, double* c, TSize c_stride);
 
-  // y[i] = 1 / (1 + exp(-x[i])), or 1e-300 where x[i] < -500; within 2 units in the last place.
+  // y[i] = 1 / (1 + exp(-x[i])), or 1e-300 where x[i] < -500; within 3 units in the last place.
   // Works on whole registers: both buffers have room for PaddedSize(n) values.
   void (*sigmoid)(const double* x, double* y, TSize n);
 

@@ -54,6 +54,7 @@ void TBackpropSmall::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, con
   TStage& stage = stages_.emplace_back();
   for (const std::size_t from : network_.Sources(to)) {
     const std::size_t columns = network_.Layer(from).NumNeurons();
+    if (columns * width == 0) continue;  // no weights, no memory for them
     const std::size_t lines = PaddedSize(columns * width) / 8;
     stage.blocks.push_back({network_.Connections(to, from).Weights(),
                             changes.Connections(to, from).Weights(),

@@ -178,8 +178,11 @@ void TBasicConnections::SetFlag(std::size_t to, std::size_t from, TMask flag, bo
 }
 
 void TBasicConnections::Store(std::size_t place, double weight, TMask flags) {
+  if (flags != FlagsAt(place)) StoreFlags(place, flags);
   weights_[place] = (flags & FMaskExists) != 0 ? weight : 0.0;
-  if (flags == FlagsAt(place)) return;
+}
+
+void TBasicConnections::StoreFlags(std::size_t place, TMask flags) {
   if (!HasFlags()) AssertFalse(Module());
   if (masks_.empty()) masks_.assign(weights_.size(), FMaskAll);
   if (masks_[place] != FMaskAll) --exceptions_;

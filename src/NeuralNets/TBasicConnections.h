@@ -140,6 +140,7 @@ class TBasicConnections {
   TMask FlagsAt(std::size_t place) const { return masks_.empty() ? FMaskAll : masks_[place]; }
   void SetFlag(std::size_t to, std::size_t from, TMask flag, bool set);
   void Store(std::size_t place, double weight, TMask flags);
+  void StoreFlags(std::size_t place, TMask flags);
   void CheckTwin(const TBasicConnections& twin, const char* expression) const;
 
   template <typename TVisit>

@@ -1,6 +1,7 @@
 #include "NeuralNets/TDelayedBlock.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "DataObject/Data.h"
 #include "NeuralNets/Transpose.h"
@@ -16,8 +17,8 @@ constexpr std::size_t kMaxColumns = std::size_t{1} << 16;  // 32 MiB of inputs i
 }  // namespace
 
 bool TDelayedBlock::Fits(const TWeightPatch& patch, const TRates& rates) {
-  return patch.masks == nullptr && rates.pull == 0.0 && patch.rows >= kMinRows &&
-         patch.columns >= kMinColumns && patch.columns <= kMaxColumns;
+  return patch.masks == nullptr && rates.pull == 0.0 && std::abs(rates.momentum) <= 1.0 &&
+         patch.rows >= kMinRows && patch.columns >= kMinColumns && patch.columns <= kMaxColumns;
 }
 
 TDelayedBlock::TDelayedBlock(const TWeightPatch& patch, double* changes, const TRates& rates)

@@ -28,7 +28,7 @@ class TDelayedBlock {
   static constexpr std::size_t kPatterns = 32;
 
   // Whether weights can be trained in this way, and gain by it: there are many of them, all exist
-  // and are trainable, and nothing pulls at them.
+  // and are trainable, nothing pulls at them, and |m| <= 1, so that powers of it do not overflow.
   static bool Fits(const TWeightPatch& patch, const TRates& rates);
 
   // The weights and their last changes outlive the block. REQUIRES: they fit.
