@@ -81,13 +81,20 @@ template <typename TVisit>
 void TBackpropSmall::ForEachCopy(const TVisit& visit) {
   for (TStage& stage : stages_) {
     for (std::size_t k = 0; k < stage.sums.size(); ++k) {
-      const TSmallSums& sums = stage.sums[k];
-      const TCopy& block = stage.blocks[k];
-      for (std::size_t place = 0; place < block.weights.size(); ++place) {
-        const std::size_t at = place % sums.columns * stage.layer.width + place / sums.columns;
-        visit(sums.w[at], block.weights[place]);
-        visit(sums.p[at], block.changes[place]);
-      }
+      VisitBlock(stage.blocks[k], stage.sums[k], stage.layer.width, visit);
+    }
+  }
+}
+
+template <typename TVisit>
+void TBackpropSmall::VisitBlock(const TCopy& block, const TSmallSums& sums, std::size_t width,
+                                const TVisit& visit) {
+  std::size_t place = 0;
+  for (std::size_t row = 0; place < block.weights.size(); ++row) {
+    for (std::size_t column = 0; column < sums.columns; ++column, ++place) {
+      const std::size_t at = column * width + row;
+      visit(sums.w[at], block.weights[place]);
+      visit(sums.p[at], block.changes[place]);
     }
   }
 }

@@ -58,6 +58,9 @@ class TBackpropSmall : public TTrainPass {
   // Visits all weights and last changes, visit(copy, original) with references to both.
   template <typename TVisit>
   void ForEachCopy(const TVisit& visit);
+  template <typename TVisit>
+  static void VisitBlock(const TCopy& block, const TSmallSums& sums, std::size_t width,
+                         const TVisit& visit);
 
   TBasicNetwork& network_;
   TPatternEnds ends_;
