@@ -36,7 +36,7 @@ void TBackpropBlock::RunBlock(const Data& data, int first, TTrainRun& run) {
   SetOutputErrors(data, first, run);
   for (std::size_t layer = network_.NumLayers(); layer-- > 0;) {
     if (errors_[layer].empty()) continue;
-    if (!run.cross_entropy || layer != network_.OutputLayer()) {
+    if (!run.ErrorsAreDeltas(network_, layer)) {
       ErrorsToDeltas(network_.Layer(layer), outputs_.Outputs(layer), errors_[layer]);
     }
     for (const std::size_t from : network_.Sources(layer)) {

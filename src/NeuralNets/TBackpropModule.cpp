@@ -22,7 +22,7 @@ void TBackpropModule::CheckLayers(const TTrainRun& run) const {
 void TBackpropModule::CheckLayer(const TTrainRun& run, std::size_t layer) const {
   const TActFunction function = Network().Layer(layer).GetActivation();
   Assert(function != nullptr, "fn!= NULL", kModule, 395);
-  if (run.cross_entropy && layer == Network().OutputLayer()) {
+  if (run.ErrorsAreDeltas(Network(), layer)) {
     Assert(function == ActSigmoid, "fn == ActSigmoid", kModule, 399);
   }
   if (Network().HasLowerSources(layer)) {
@@ -33,7 +33,7 @@ void TBackpropModule::CheckLayer(const TTrainRun& run, std::size_t layer) const 
 void TBackpropModule::TrainLayer(const TTrainRun& run, std::size_t layer) {
   if (!Network().HasLowerSources(layer)) return;
   const TBasicLayer& neurons = Network().Layer(layer);
-  if (!run.cross_entropy || layer != Network().OutputLayer()) {
+  if (!run.ErrorsAreDeltas(Network(), layer)) {
     ErrorsToDeltas(neurons, neurons.Outputs(), Errors(layer));
   }
   const auto sources = Network().Sources(layer);

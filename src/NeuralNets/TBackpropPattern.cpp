@@ -35,14 +35,14 @@ TBackpropPattern::TBackpropPattern(TBasicNetwork& network, TBasicNetwork& errors
 void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
                                 std::size_t to) {
   TBasicLayer& layer = network_.Layer(to);
-  const bool errors_are_deltas = run.cross_entropy && to == network_.OutputLayer();
+  const bool errors_are_deltas = run.ErrorsAreDeltas(network_, to);
   stages_.push_back({layer, errors.Layer(to).NetInputs(), errors_are_deltas, {}, {}});
   TStage& stage = stages_.back();
   for (const std::size_t from : network_.Sources(to)) {
     const double* x = network_.Layer(from).Outputs().data();
     double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
     const auto add = [&](const TWeightPatch& patch, double* last_changes) {
-      if (from == network_.InputLayer() && TDelayedBlock::Fits(patch, rates_)) {
+      if (from == network_.InputLayer() && TDelayedBlock::Fits(patch, rates_, run.patterns)) {
         stage.delayed.emplace_back(patch, last_changes, rates_);
         return;
       }

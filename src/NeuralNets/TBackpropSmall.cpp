@@ -50,7 +50,7 @@ void TBackpropSmall::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, con
   const std::size_t width = TSmallLayer::WidthOf(layer.NumNeurons());
   double* d = errors.Layer(to).NetInputs().data();
   const bool is_sigmoid = layer.GetActivation() == ActSigmoid;
-  const bool errors_are_deltas = run.cross_entropy && to == network_.OutputLayer();
+  const bool errors_are_deltas = run.ErrorsAreDeltas(network_, to);
   TStage& stage = stages_.emplace_back();
   for (const std::size_t from : network_.Sources(to)) {
     const std::size_t columns = network_.Layer(from).NumNeurons();

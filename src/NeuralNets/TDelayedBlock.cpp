@@ -10,15 +10,17 @@ namespace kiln {
 
 namespace {
 
+constexpr int kMinPatterns = 8;  // products of matrices round up to so many
 constexpr std::size_t kMinRows = 16;
 constexpr std::size_t kMinColumns = 48;
 constexpr std::size_t kMaxColumns = std::size_t{1} << 16;  // 32 MiB of inputs in both layouts
 
 }  // namespace
 
-bool TDelayedBlock::Fits(const TWeightPatch& patch, const TRates& rates) {
+bool TDelayedBlock::Fits(const TWeightPatch& patch, const TRates& rates, int patterns) {
   return patch.masks == nullptr && rates.pull == 0.0 && std::abs(rates.momentum) <= 1.0 &&
-         patch.rows >= kMinRows && patch.columns >= kMinColumns && patch.columns <= kMaxColumns;
+         patterns >= kMinPatterns && patch.rows >= kMinRows && patch.columns >= kMinColumns &&
+         patch.columns <= kMaxColumns;
 }
 
 TDelayedBlock::TDelayedBlock(const TWeightPatch& patch, double* changes, const TRates& rates)

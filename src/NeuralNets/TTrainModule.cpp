@@ -51,7 +51,7 @@ TTrainRun TTrainModule::StartRun(const Data& data, TKQstructure& params) {
   if (data.DataRows() == 0) {
     throw TException("the data set has no rows", "Invalid Parameter", "TTrainModule::Train");
   }
-  TTrainRun run(params, network_->NumOutputs());
+  TTrainRun run(params, data);
   // Blocks that lead back are not trained, but momentum and penalties act on them: that is for
   // the pass over all blocks.
   run.at_once =

@@ -1,6 +1,8 @@
 #include "NeuralNets/TTrainRun.h"
 
+#include "DataObject/Data.h"
 #include "NeuralNets/Parameters.h"
+#include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"
 
@@ -56,20 +58,25 @@ TPenaltyTerm::TPenaltyTerm(const TKQstructure& message, double learning_rate)
   }
 }
 
-TTrainRun::TTrainRun(TKQstructure& params, std::size_t outputs)
+TTrainRun::TTrainRun(TKQstructure& params, const Data& data)
     : rates{.rate = NumberOr(params, "LEARNINGRATE", 0.0),
             .momentum = NumberOr(params, "MOMENTUM", 0.0)},
       threshold(NumberOr(params, "THRESHOLD", 0.0)),
       batch(IsBatch(params)),
       cross_entropy(IsCrossEntropy(params)),
+      patterns(data.DataRows()),
       penalty(PenaltyOf(params), NumberOr(params, "LEARNINGRATE", 1.0)),
-      error(MakeError(cross_entropy, outputs)),
-      output(outputs) {}
+      output(static_cast<std::size_t>(data.Outputs())),
+      error(MakeError(cross_entropy, output.size())) {}
 
 TRates TTrainRun::ForgettingRates() const {
   TRates with_pull = rates;
   with_pull.pull = rates.rate * penalty.forgetting;
   return with_pull;
+}
+
+bool TTrainRun::ErrorsAreDeltas(const TBasicNetwork& network, std::size_t layer) const {
+  return cross_entropy && layer == network.OutputLayer();
 }
 
 }  // namespace kiln

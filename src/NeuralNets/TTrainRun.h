@@ -10,6 +10,8 @@
 
 namespace kiln {
 
+class Data;
+class TBasicNetwork;
 class TKQstructure;
 
 // The weight penalty of one training run; see TErrorObj::Penalty. With w a weight, r the learning
@@ -34,20 +36,25 @@ struct TPenaltyTerm {
 // trained leaves no trace in the network or its trainer but the weights.
 struct TTrainRun {
   // Reads `params`, which outlive the run, as TTrainModule documents them.
-  TTrainRun(TKQstructure& params, std::size_t outputs);
+  TTrainRun(TKQstructure& params, const Data& data);
 
   // What an update at once adds to `rates`: a forgetting term of the gradient, times the learning
   // rate, is a pull.
   TRates ForgettingRates() const;
+
+  // Whether the error terms of a layer are its deltas as they are: those of sigmoid outputs under
+  // cross entropy.
+  bool ErrorsAreDeltas(const TBasicNetwork& network, std::size_t layer) const;
 
   TRates rates;  // of the update by a gradient
   double threshold;
   bool batch;
   bool cross_entropy;
   bool at_once = false;  // weights change in the pass that finds the gradient of a pattern
+  int patterns;          // rows of the data set
   TPenaltyTerm penalty;
+  std::vector<double> output;  // of the pattern at hand
   std::unique_ptr<TErrorObj> error;
-  std::vector<double> output;        // of the pattern at hand
   std::unique_ptr<TTrainPass> pass;  // null where the trainer has none for the network
 };
 
