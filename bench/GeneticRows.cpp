@@ -14,7 +14,9 @@ namespace kiln {
 namespace {
 
 constexpr int kIndividuals = 100;
-constexpr float kMutation = 0.001F;
+// Less than one gene of an individual on average, so that both sides draw for each gene: from there
+// on GAlib places that many mutations instead.
+constexpr float kMutation = 0.0009F;
 
 // The first gene is the fitness.
 class FirstGene : public Evaluator {
