@@ -66,18 +66,6 @@ TEST(Reader, TellsItemsApart) {
   EXPECT_THROW(Reader("[~Data]", "f").ReadItem(""), TAssertion);
 }
 
-TEST(Reader, ReadsLinesWithSeveralItems) {
-  Reader reader("[Neuron=1 Gain=2 Fast ] [", "f");
-  EXPECT_EQ(ExpectInteger(reader.ReadItem("b"), reader, "neuron"), 1);
-  const ParseItem gain = reader.ReadUnbracketedItem("b");
-  EXPECT_EQ(ExpectNumber(gain, reader, "Gain"), 2.0);
-  EXPECT_TRUE(gain.unbracketed);
-  const ParseItem fast = reader.ReadUnbracketedItem("b");
-  EXPECT_EQ(ExpectStartTag(fast, reader), "Fast");
-  EXPECT_FALSE(fast.unbracketed);
-  EXPECT_THROW(reader.ReadUnbracketedItem("b"), Error);
-}
-
 TEST(Expect, DemandsStatements) {
   Reader reader("[Title = Yes]", "f");
   const ParseItem item = reader.ReadItem("");
