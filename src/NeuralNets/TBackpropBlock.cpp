@@ -12,8 +12,13 @@ namespace kiln {
 namespace {
 
 constexpr std::size_t kPatterns = TPatternBlock::kPatterns;
+constexpr int kMinPatterns = 4;  // fewer leave most of the registers empty
 
 }  // namespace
+
+bool TBackpropBlock::Fits(const TBasicNetwork& network, int patterns) {
+  return patterns >= kMinPatterns && TPatternBlock::Fits(network);
+}
 
 TBackpropBlock::TBackpropBlock(TBasicNetwork& network, TBasicNetwork& gradients)
     : network_(network), gradients_(gradients), outputs_(network) {

@@ -13,8 +13,11 @@ namespace kiln {
 // batch, as products of matrices (see TPatternBlock).
 class TBackpropBlock : public TTrainPass {
  public:
-  // REQUIRES: the network fits a TPatternBlock; `gradients` is a network of its shape; both outlive
-  // the block.
+  // Whether a network can be trained in this way (see TPatternBlock), and gains by it on a set of
+  // so many patterns.
+  static bool Fits(const TBasicNetwork& network, int patterns);
+
+  // REQUIRES: the network fits; `gradients` is a network of its shape; both outlive the block.
   TBackpropBlock(TBasicNetwork& network, TBasicNetwork& gradients);
 
   void Run(const Data& data, TTrainRun& run) override;

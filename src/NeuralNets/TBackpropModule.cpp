@@ -46,7 +46,7 @@ void TBackpropModule::TrainLayer(const TTrainRun& run, std::size_t layer) {
 }
 
 std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
-  if (run.batch && TPatternBlock::Fits(Network())) {
+  if (run.batch && TBackpropBlock::Fits(Network(), run.patterns)) {
     return std::make_unique<TBackpropBlock>(Network(), Gradients());
   }
   if (run.at_once && TBackpropSmall::Fits(Network())) {
