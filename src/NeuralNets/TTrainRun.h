@@ -38,8 +38,8 @@ struct TTrainRun {
   // Reads `params`, which outlive the run, as TTrainModule documents them.
   TTrainRun(TKQstructure& params, const Data& data);
 
-  // What an update at once adds to `rates`: a forgetting term of the gradient, times the learning
-  // rate, is a pull.
+  // Those of an update at once: `rates` with a pull, which is the forgetting term of the gradient
+  // times the learning rate.
   TRates ForgettingRates() const;
 
   // Whether the error terms of a layer are its deltas as they are: those of sigmoid outputs under
