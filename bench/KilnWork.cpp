@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "KQmessage/TKQstructure.h"
-#include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/Training/TBackpropModule.h"
 
 namespace kiln {
 

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "Measure.h"
-#include "NeuralNets/TTrainModule.h"
+#include "NeuralNets/Training/TTrainModule.h"
 #include "TPerceptronTask.h"
 
 namespace kiln {

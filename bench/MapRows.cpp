@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "NeuralNets/TKohonenModule.h"
+#include "NeuralNets/Maps/TKohonenModule.h"
 #include "Peers.h"
 #include "RandomRows.h"
 #include "Rows.h"

@@ -7,7 +7,7 @@
 #include "FileHandler/Filer.h"
 #include "KilnWork.h"
 #include "MemoryUse.h"
-#include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/Training/TBackpropModule.h"
 #include "RandomRows.h"
 #include "Rows.h"
 #include "TReport.h"

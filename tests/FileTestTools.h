@@ -10,7 +10,7 @@
 #include <string>
 
 #include "Failures.h"
-#include "FileHandler/Writer.h"
+#include "FileHandler/Syntax/Writer.h"
 
 namespace kiln {
 

@@ -1,4 +1,4 @@
-#include "NeuralNets/Kernels.h"
+#include "NeuralNets/Kernels/Kernels.h"
 
 #include <gtest/gtest.h>
 

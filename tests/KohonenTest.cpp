@@ -4,10 +4,10 @@
 #include <limits>
 
 #include "Networks.h"
-#include "NeuralNets/Kernels.h"
+#include "NeuralNets/Kernels/Kernels.h"
+#include "NeuralNets/Maps/TKohonenModule.h"
+#include "NeuralNets/Maps/TNeighbourhood.h"
 #include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/TKohonenModule.h"
-#include "NeuralNets/TNeighbourhood.h"
 
 namespace kiln {
 namespace {

@@ -1,4 +1,4 @@
-#include "FileHandler/ParseTools.h"
+#include "FileHandler/Syntax/ParseTools.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "FileHandler/SafeFile.h"
+#include "FileHandler/Syntax/SafeFile.h"
 #include "FileTestTools.h"
 #include "Shared/TAssertion.h"
 

@@ -6,8 +6,8 @@
 
 #include "KQmessage/TKQstructure.h"
 #include "Networks.h"
-#include "NeuralNets/Kernels.h"
-#include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/Kernels/Kernels.h"
+#include "NeuralNets/Training/TBackpropModule.h"
 #include "Shared/NumberFormat.h"
 
 namespace kiln {

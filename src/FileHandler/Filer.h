@@ -4,7 +4,7 @@
 #include <string>
 
 #include "DataObject/Data.h"
-#include "FileHandler/ParseTools.h"
+#include "FileHandler/Syntax/ParseTools.h"
 #include "KQmessage/TKQstructure.h"
 
 // Data files. A file holds one table whose columns stand in four groups: inputs, expected outputs,

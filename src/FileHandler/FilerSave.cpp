@@ -2,8 +2,8 @@
 #include <string_view>
 
 #include "FileHandler/Filer.h"
-#include "FileHandler/SafeFile.h"
-#include "FileHandler/Writer.h"
+#include "FileHandler/Syntax/SafeFile.h"
+#include "FileHandler/Syntax/Writer.h"
 #include "Shared/TException.h"
 
 namespace kiln::Filer {

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "FileHandler/NetworkKinds.h"
+#include "FileHandler/NetworkReading.h"
 #include "FileHandler/NetworkSections.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"

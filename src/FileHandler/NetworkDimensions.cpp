@@ -1,8 +1,9 @@
 #include <string>
 #include <vector>
 
+#include "FileHandler/NetworkReading.h"
 #include "FileHandler/NetworkSections.h"
-#include "FileHandler/Writer.h"
+#include "FileHandler/Syntax/Writer.h"
 #include "NeuralNets/TBasicLayer.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "FileHandler/NetworkReading.h"
 #include "FileHandler/NetworkSections.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"

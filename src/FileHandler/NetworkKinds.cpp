@@ -1,13 +1,14 @@
 #include "FileHandler/NetworkKinds.h"
+#include "FileHandler/NetworkReading.h"
 
 #include <algorithm>
 #include <iterator>
 #include <utility>
 
+#include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TConnectedConnections.h"
 #include "NeuralNets/TConnectedNetwork.h"
 #include "NeuralNets/TGainLayer.h"
-#include "NeuralNets/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "NeuralNets/TPrunedConnections.h"
 #include "NeuralNets/TSimpleInputLayer.h"

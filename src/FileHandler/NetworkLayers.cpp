@@ -3,9 +3,10 @@
 #include <utility>
 #include <vector>
 
+#include "FileHandler/LoadTarn.h"
 #include "FileHandler/NetworkKinds.h"
+#include "FileHandler/NetworkReading.h"
 #include "FileHandler/NetworkSections.h"
-#include "FileHandler/SaveTarn.h"
 #include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"

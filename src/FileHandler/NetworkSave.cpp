@@ -5,9 +5,9 @@
 
 #include "FileHandler/NetworkFile.h"
 #include "FileHandler/NetworkKinds.h"
-#include "FileHandler/SafeFile.h"
 #include "FileHandler/SaveTarn.h"
-#include "FileHandler/Writer.h"
+#include "FileHandler/Syntax/SafeFile.h"
+#include "FileHandler/Syntax/Writer.h"
 #include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"

@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "FileHandler/ParseTools.h"
+#include "FileHandler/Syntax/ParseTools.h"
 
 namespace kiln {
 class TBasicNetwork;
@@ -19,9 +19,6 @@ class Writer;
 
 // The sections of a network file, each with its reader, in the order of the file.
 namespace kiln::NetworkFiler {
-
-// Names the source in assertions.
-inline constexpr char kModule[] = "FileHandler/NetworkFile";
 
 // What a file says about the network as a whole.
 struct NetworkHeader {
@@ -46,18 +43,5 @@ FileTools::ParseItem ReadLayers(FileTools::Reader& reader, const NetworkHeader& 
                                 TBasicNetwork& network);
 FileTools::ParseItem ReadConnections(FileTools::Reader& reader, FileTools::ParseItem next,
                                      TBasicNetwork& network);
-
-// Throws TException with the present place as its detail.
-[[noreturn]] void FailLoad(const FileTools::Reader& reader, const std::string& message);
-
-// A failure unless the statement stands in brackets of its own.
-void CheckClosed(const FileTools::ParseItem& statement, const FileTools::Reader& reader);
-
-// The integer that is the statement's value: a number of things, or the index of one of `end`
-// things. A failure unless it is within 0..max or 0..end-1.
-std::size_t ReadCount(const FileTools::ParseItem& statement, const FileTools::Reader& reader,
-                      std::size_t max);
-std::size_t ReadIndex(const FileTools::ParseItem& statement, const FileTools::Reader& reader,
-                      std::size_t end);
 
 }  // namespace kiln::NetworkFiler

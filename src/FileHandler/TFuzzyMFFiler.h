@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "FileHandler/ParseTools.h"
-#include "FileHandler/Writer.h"
+#include "FileHandler/Syntax/ParseTools.h"
+#include "FileHandler/Syntax/Writer.h"
 #include "Membership/TMFSetList.h"
 
 // Lists of membership functions as a section "[MFList]" of a larger file. docs/file-formats.md

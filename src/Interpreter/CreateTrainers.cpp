@@ -1,7 +1,7 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
-#include "NeuralNets/TBackpropModule.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "NeuralNets/Training/TBackpropModule.h"
 #include "Tarn/TTarnLWF.h"
 
 namespace kiln::commands {

@@ -1,7 +1,7 @@
 #include "DataObject/Data.h"
 #include "FileHandler/Filer.h"
 #include "FileHandler/NetworkFile.h"
-#include "FileHandler/SafeFile.h"
+#include "FileHandler/Syntax/SafeFile.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/NetworkObjects.h"

@@ -5,7 +5,7 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/CreateCommands.h"
 #include "Interpreter/Training.h"
-#include "NeuralNets/TKohonenModule.h"
+#include "NeuralNets/Maps/TKohonenModule.h"
 
 namespace kiln::commands {
 

@@ -4,7 +4,7 @@
 #include "DataObject/Data.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
-#include "NeuralNets/TKohonenNetwork.h"
+#include "NeuralNets/Maps/TKohonenNetwork.h"
 
 namespace kiln::commands {
 

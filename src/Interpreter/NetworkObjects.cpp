@@ -5,9 +5,9 @@
 #include "GA-Apps/GenTrain/TMLPGA.h"
 #include "GA-Apps/GenTrain/TTarnGA.h"
 #include "Interpreter/Checks.h"
-#include "NeuralNets/TBackpropModule.h"
-#include "NeuralNets/TKohonenNetwork.h"
+#include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "NeuralNets/Training/TBackpropModule.h"
 #include "Tarn/TTarnLWF.h"
 
 namespace kiln {

@@ -5,7 +5,7 @@
 #include "Interpreter/Answers.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
-#include "NeuralNets/TKohonenNetwork.h"
+#include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "Shared/TException.h"
 #include "Tarn/TTarn.h"

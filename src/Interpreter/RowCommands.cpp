@@ -1,5 +1,5 @@
 #include "DataObject/Data.h"
-#include "FileHandler/ParseTools.h"
+#include "FileHandler/Syntax/ParseTools.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "Shared/Text.h"

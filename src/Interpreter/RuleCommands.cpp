@@ -1,7 +1,7 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "KQmessage/TKQstructure.h"
-#include "RuleObject/NetworkLabels.h"
+#include "Tarn/RuleExtraction/NetworkLabels.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
 
 namespace kiln::commands {

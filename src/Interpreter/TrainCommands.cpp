@@ -5,7 +5,7 @@
 #include "Interpreter/NetworkObjects.h"
 #include "Interpreter/Training.h"
 #include "KQmessage/TKQstructure.h"
-#include "NeuralNets/TTrainModule.h"
+#include "NeuralNets/Training/TTrainModule.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/Text.h"
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "NeuralNets/Kernels.h"
+#include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TBasicNeuron.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"

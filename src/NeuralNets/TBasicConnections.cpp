@@ -4,7 +4,7 @@
 #include <typeinfo>
 #include <utility>
 
-#include "NeuralNets/Kernels.h"
+#include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TBasicLayer.h"
 #include "Shared/TAssertion.h"
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "NeuralNets/Kernels.h"
+#include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/Limits.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"

@@ -4,9 +4,9 @@
 #include <array>
 
 #include "DataObject/Data.h"
-#include "NeuralNets/Kernels.h"
+#include "NeuralNets/Kernels/Kernels.h"
+#include "NeuralNets/Kernels/Transpose.h"
 #include "NeuralNets/PlainNetworks.h"
-#include "NeuralNets/Transpose.h"
 
 namespace kiln {
 

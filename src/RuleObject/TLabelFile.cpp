@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "FileHandler/SafeFile.h"
+#include "FileHandler/Syntax/SafeFile.h"
 
 namespace kiln::TLabelFile {
 

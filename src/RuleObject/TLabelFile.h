@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "FileHandler/ParseTools.h"
-#include "FileHandler/Writer.h"
+#include "FileHandler/Syntax/ParseTools.h"
+#include "FileHandler/Syntax/Writer.h"
 #include "RuleObject/TNetLabel.h"
 
 // Label files: how many terms each variable has, and the names of them all. docs/file-formats.md

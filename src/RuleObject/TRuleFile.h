@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "FileHandler/ParseTools.h"
-#include "FileHandler/Writer.h"
+#include "FileHandler/Syntax/ParseTools.h"
+#include "FileHandler/Syntax/Writer.h"
 #include "RuleObject/TFuzzyRuleSet.h"
 #include "RuleObject/TRuleTokens.h"
 

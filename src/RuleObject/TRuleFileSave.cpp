@@ -1,6 +1,6 @@
 #include <string>
 
-#include "FileHandler/SafeFile.h"
+#include "FileHandler/Syntax/SafeFile.h"
 #include "FileHandler/TFuzzyMFFiler.h"
 #include "RuleObject/TRuleFile.h"
 #include "RuleObject/TRuleOperator.h"

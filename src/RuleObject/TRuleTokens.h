@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "FileHandler/ParseTools.h"
+#include "FileHandler/Syntax/ParseTools.h"
 
 namespace kiln {
 

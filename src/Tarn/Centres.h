@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <span>
 
-#include "NeuralNets/TIterateObj.h"
+#include "NeuralNets/Kernels/Connections.h"
 
 // The membership functions of one variable, given by their centres c[0] <= c[1] <= ... <= c[n-1].
 // Function k is a triangle of height 1 at c[k] whose feet stand on the neighbouring centres; the

@@ -3,7 +3,7 @@
 #include <memory>
 #include <vector>
 
-#include "NeuralNets/TBackpropModule.h"
+#include "NeuralNets/Training/TBackpropModule.h"
 #include "Tarn/TTarn.h"
 
 namespace kiln {

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "NeuralNets/Parameters.h"
-#include "RuleObject/NetworkLabels.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
+#include "Tarn/RuleExtraction/NetworkLabels.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
 #include "Tarn/TMFGroups.h"
 

@@ -1,0 +1,135 @@
+#pragma once
+
+#include <cstddef>
+
+#include "NeuralNets/Kernels/Connections.h"
+
+namespace kiln {
+
+// A matrix whose element (i, k) is values[i row_stride + k column_stride].
+struct TMatrixView {
+  const double* values;
+  std::size_t row_stride;
+  std::size_t column_stride;
+};
+
+// `n` rounded up to a multiple of the values that the largest register holds.
+constexpr std::size_t PaddedSize(std::size_t n) {
+  return (n + 7) / 8 * 8;
+}
+
+// How far an update moves a weight w of gradient g, whose last change was p:
+//   change = momentum p - rate g - pull sign(w)
+// A momentum of exactly 0 is the plain update, which neither reads nor writes last changes.
+struct TRates {
+  double rate = 0.0;
+  double momentum = 0.0;
+  double pull = 0.0;
+};
+
+// The weights of a small layer over one of the layers below it, whose neurons give the x. Those
+// from one neuron below stand side by side in a row of whole registers, zeros behind them; p are
+// their last changes. e are the errors of the layer below, or null where nothing is passed back.
+struct TSmallSums {
+  std::size_t columns;  // neurons below
+  double* w;            // columns x width
+  double* p;            // columns x width
+  const double* x;
+  double* e;
+};
+
+// A layer of a small network in training by pattern.
+struct TSmallLayer {
+  static constexpr std::size_t WidthOf(std::size_t neurons) {
+    return neurons <= 2 ? neurons : neurons <= 4 ? 4 : PaddedSize(neurons);
+  }
+
+  const TSmallSums* sums;
+  std::size_t count;  // of the sums
+  std::size_t width;  // WidthOf its neurons
+  double* y;          // outputs
+  double* d;          // error terms, 0 behind the last neuron
+};
+
+// The loops in which recall and training spend their time, over plain buffers. Several
+// implementations of the table, for different instruction sets, are in the program; the best one
+// that the processor has is chosen at start.
+//
+// w is a matrix of `rows` x `columns` weights, row-major. m holds the flags of the weights, or is
+// null when every connection exists and is trainable: an absent connection contributes nothing,
+// whatever values meet there, and one that is absent or frozen keeps its weight. Buffers do not
+// overlap. Sums are formed in any order, but for maps in that of the formulas, so that every level
+// gives the same result there.
+struct TKernels {
+  using TSize = std::size_t;
+
+  // y[r] += sum over c of w[r][c] x[c]
+  void (*accumulate)(const double* w, const TMask* m, TSize rows, TSize columns, const double* x,
+                     double* y);
+
+  // e[c] += sum over r of w[r][c] d[r]
+  void (*propagate)(const double* w, const TMask* m, TSize rows, TSize columns, const double* d,
+                    double* e);
+
+  // g[r][c] += d[r] x[c]
+  void (*add_gradient)(double* g, TSize rows, TSize columns, const double* d, const double* x);
+
+  // w += p = change, for n weights
+  void (*update)(double* w, const TMask* m, TSize n, const double* g, double* p,
+                 const TRates& rates);
+
+  // propagate, with the weights as they are, unless e is null; then update by the gradient
+  // d[r] x[c].
+  void (*step)(double* w, const TMask* m, TSize rows, TSize columns, const double* d,
+               const double* x, double* e, double* p, const TRates& rates);
+
+  // y[j] = f(sum over i of w[i][j] x[i], over all sums), where f is the identity or the sigmoid.
+  void (*recall_linear)(const TSmallLayer& layer);
+  void (*recall_sigmoid)(const TSmallLayer& layer);
+
+  // d = d f'; then, for each of the sums and row i of its weights: e[i] += sum over j of w[i][j]
+  // d[j] and the update by the gradient x[i] d.
+  void (*step_linear)(const TSmallLayer& layer, const TRates& rates);
+  void (*step_sigmoid)(const TSmallLayer& layer, const TRates& rates);
+
+  // c[i][j] += sum over k of a[i][k] b[k][j], for i < rows, k < depth and j < columns. The rows of
+  // b, which start b_stride apart, have room for PaddedSize(columns) values; those of c start
+  // c_stride apart.
+  void (*multiply)(TSize rows, TSize depth, TSize columns, const TMatrixView& a, const double* b,
+                   TSize b_stride, double* c, TSize c_stride);
+
+  // y[i] = 1 / (1 + exp(-x[i])), or 1e-300 where x[i] < -500; within 3 units in the last place.
+  // Works on whole registers: both buffers have room for PaddedSize(n) values.
+  void (*sigmoid)(const double* x, double* y, TSize n);
+
+  // The units of a map stand side by side in tiles: element i of the prototype of unit u is
+  // t[(u / kTile * columns + i) * kTile + u % kTile]. Places behind the last unit hold NaN.
+  static constexpr TSize kTile = 8;
+
+  // The unit whose prototype has the smallest squared distance from x, the first of equals, or -1
+  // when none is below *distance, which becomes that of the unit.
+  std::ptrdiff_t (*nearest)(const double* t, TSize tiles, TSize columns, const double* x,
+                            double* distance);
+
+  // Moves the prototypes of units first..last-1 towards x: t += rate (x - t)
+  void (*approach)(double* t, TSize columns, TSize first, TSize last, const double* x, double rate);
+};
+
+enum class TKernelLevel { kBaseline, kAvx2, kAvx512 };
+
+namespace kernels_internal {
+extern const TKernels* active;
+}
+
+// The table in use.
+inline const TKernels& Kernels() {
+  return *kernels_internal::active;
+}
+
+// The table of a level, or null where the program or the processor does not have it.
+const TKernels* KernelsOf(TKernelLevel level);
+
+// Puts the table of a level in use. Returns false, and changes nothing, where there is none.
+bool ForceKernels(TKernelLevel level);
+
+}  // namespace kiln

@@ -1,0 +1,2 @@
+#define KILN_KERNELS kBaselineKernels
+#include "NeuralNets/Kernels/Kernels.inc"

@@ -1,4 +1,0 @@
-#ifdef __x86_64__
-#define KILN_KERNELS kAvx512Kernels
-#include "NeuralNets/Kernels.inc"
-#endif

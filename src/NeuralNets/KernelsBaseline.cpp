@@ -1,2 +1,0 @@
-#define KILN_KERNELS kBaselineKernels
-#include "NeuralNets/Kernels.inc"

@@ -1,0 +1,57 @@
+#include "NeuralNets/Maps/TKohonenModule.h"
+
+#include <cmath>
+#include <iostream>
+
+#include "DataObject/Data.h"
+#include "NeuralNets/Maps/TNeighbourhood.h"
+#include "NeuralNets/Maps/TPrototypeTiles.h"
+#include "Shared/TAssertion.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
+
+// One pass over the set. Returns the error that the observer is told.
+double RunEpoch(const Data& data, double rate, TPrototypeTiles& tiles,
+                TNeighbourhood& neighbourhood) {
+  double sum = 0.0;
+  for (int n = 0; n < data.DataRows(); ++n) {
+    const std::span<const double> pattern = data.Row(n).Inputs;
+    const TWinner winner = tiles.Nearest(pattern);
+    sum += winner.distance;
+    neighbourhood.ForEachRow(winner.unit, [&](std::size_t first, std::size_t last) {
+      tiles.Approach(first, last, pattern, rate);
+    });
+  }
+  return std::sqrt(sum / (static_cast<double>(data.DataRows()) * data.Inputs()));
+}
+
+}  // namespace
+
+void TKohonenModule::Train(const Data& data, double learning_rate, std::span<double> radii,
+                           int epochs, double rate_factor, double radius_factor,
+                           const TEpochObserver& observer) {
+  const TMapGrid& grid = map_->Grid();
+  Assert(static_cast<std::size_t>(data.Inputs()) == map_->NumInputs(),
+         "Map -> GetNumInputs() == dimnum", kModule);
+  Assert(radii.empty() || radii.size() == grid.NumDimensions(), "dimnum == dimnumber", kModule);
+  TPrototypeTiles tiles(map_->Prototypes(), map_->NumInputs());
+  TNeighbourhood neighbourhood(grid);
+  double rate = learning_rate;
+  for (int epoch = 0; epoch < epochs; ++epoch) {
+    if (!radii.empty()) {
+      std::cout << epoch << ' ' << std::flush;
+      for (double& radius : radii) radius = (radius - 1.0) * radius_factor + 1.0;
+      neighbourhood.SetRadii(radii);
+    }
+    rate *= rate_factor;
+    const double error = RunEpoch(data, rate, tiles, neighbourhood);
+    if (observer && !observer(epoch, error)) break;
+  }
+  tiles.CopyTo(map_->Prototypes());
+}
+
+}  // namespace kiln

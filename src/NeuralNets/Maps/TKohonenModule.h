@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "NeuralNets/Maps/TKohonenNetwork.h"
+#include "NeuralNets/Training/TEpochObserver.h"
+
+namespace kiln {
+
+class Data;
+
+// Trains a map, pattern by pattern: the winner w and, with radii, all units around it move towards
+// the pattern x by the same share of the way, w += rate (x - w). The neighbourhood is a box that
+// reaches r[k] units from the winner along dimension k, as far as the grid goes.
+//
+// Rate and radii shrink before each epoch, the first one included: rate = a rate and
+// radius = (radius - 1) b + 1, whose whole part is r. With b < 1 radii tend to 1. Where r
+// is below 0, or the radius not a number, the box is empty and not even the winner moves.
+class TKohonenModule {
+ public:
+  explicit TKohonenModule(std::shared_ptr<TKohonenNetwork> map) : map_(std::move(map)) {}
+
+  const TKohonenNetwork& Map() const { return *map_; }
+
+  // Trains for `epochs` epochs, or until the observer stops it, over all rows from the oldest to
+  // the newest. The error that the observer is told is the root of the mean squared difference
+  // between the inputs and the winners that they met. `radii`, one a dimension or none, ends as
+  // those of the last epoch; with radii each epoch prints its number and a blank.
+  //
+  // Throws TAssertion "Map -> GetNumInputs() == dimnum" or "dimnum == dimnumber" when the columns
+  // of the set or the radii are not as many as the map's inputs or dimensions, and
+  // "bestsofar >= 0" when a pattern has no winner (see TKohonenNetwork). No prototype has changed
+  // then.
+  void Train(const Data& data, double learning_rate, std::span<double> radii, int epochs,
+             double rate_factor, double radius_factor, const TEpochObserver& observer = {});
+
+ private:
+  std::shared_ptr<TKohonenNetwork> map_;
+};
+
+}  // namespace kiln

@@ -1,0 +1,106 @@
+#include "NeuralNets/Training/TBackpropPattern.h"
+
+#include <algorithm>
+
+#include "NeuralNets/Kernels/Kernels.h"
+#include "NeuralNets/PlainNetworks.h"
+#include "NeuralNets/Training/ActDerivatives.h"
+
+namespace kiln {
+
+namespace {
+
+// Hands the patches of two blocks on.
+template <typename TVisit>
+class TVisitPatches : public TIterateObj2 {
+ public:
+  explicit TVisitPatches(const TVisit& visit) : visit_(visit) {}
+  void Patch(const TWeightPatch& patch, double* second) override { visit_(patch, second); }
+
+ private:
+  const TVisit& visit_;
+};
+
+}  // namespace
+
+TBackpropPattern::TBackpropPattern(TBasicNetwork& network, TBasicNetwork& errors,
+                                   TBasicNetwork& changes, const TTrainRun& run)
+    : network_(network), ends_(network, errors), rates_(run.ForgettingRates()) {
+  ComputeConstantLayers(network);
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    if (network.HasLowerSources(layer)) AddStage(errors, changes, run, layer);
+  }
+}
+
+void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
+                                std::size_t to) {
+  TBasicLayer& layer = network_.Layer(to);
+  const bool errors_are_deltas = run.ErrorsAreDeltas(network_, to);
+  stages_.push_back({layer, errors.Layer(to).NetInputs(), errors_are_deltas, {}, {}});
+  TStage& stage = stages_.back();
+  for (const std::size_t from : network_.Sources(to)) {
+    const double* x = network_.Layer(from).Outputs().data();
+    double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
+    const auto add = [&](const TWeightPatch& patch, double* last_changes) {
+      if (from == network_.InputLayer() && TDelayedBlock::Fits(patch, rates_, run.patterns)) {
+        stage.delayed.emplace_back(patch, last_changes, rates_);
+        return;
+      }
+      stage.sums.push_back({patch, last_changes, x + patch.from,
+                            layer.NetInputs().data() + patch.to, stage.errors.data() + patch.to,
+                            e != nullptr ? e + patch.from : nullptr});
+    };
+    TVisitPatches visit(add);
+    network_.Connections(to, from).Iterate2(changes.Connections(to, from), visit);
+  }
+}
+
+void TBackpropPattern::Run(const Data& data, TTrainRun& run) {
+  constexpr int kPatterns = TDelayedBlock::kPatterns;
+  for (int first = 0; first < data.DataRows(); first += kPatterns) {
+    ForEachDelayed([&](TDelayedBlock& block) { block.Begin(data, first); });
+    const int last = std::min(first + kPatterns, data.DataRows());
+    for (int n = first; n < last; ++n) RunPattern(data.Row(n), run);
+    ForEachDelayed([](TDelayedBlock& block) { block.End(); });
+  }
+}
+
+template <typename TVisit>
+void TBackpropPattern::ForEachDelayed(const TVisit& visit) {
+  for (TStage& stage : stages_) std::ranges::for_each(stage.delayed, visit);
+}
+
+void TBackpropPattern::RunPattern(const DataRow& row, TTrainRun& run) {
+  ends_.SetInputs(row);
+  for (const TStage& stage : stages_) Recall(stage);
+  ends_.SetErrors(row);
+  for (std::size_t i = stages_.size(); i-- > 0;) Step(stages_[i]);
+  ends_.AddError(row, run);
+}
+
+void TBackpropPattern::Recall(const TStage& stage) {
+  std::ranges::fill(stage.errors, 0.0);
+  const std::span<double> net_inputs = stage.layer.NetInputs();
+  std::ranges::fill(net_inputs, 0.0);
+  for (const TDelayedBlock& block : stage.delayed) block.Accumulate(net_inputs);
+  for (const TSums& sums : stage.sums) {
+    const TWeightPatch& patch = sums.patch;
+    Kernels().accumulate(patch.weights, patch.masks, patch.rows, patch.columns, sums.x, sums.y);
+  }
+  stage.layer.Activate();
+}
+
+void TBackpropPattern::Step(TStage& stage) {
+  if (!stage.errors_are_deltas) {
+    ErrorsToDeltas(stage.layer, stage.layer.Outputs(), stage.errors);
+  }
+  for (std::size_t k = stage.sums.size(); k-- > 0;) {
+    const TSums& sums = stage.sums[k];
+    const TWeightPatch& patch = sums.patch;
+    Kernels().step(patch.weights, patch.masks, patch.rows, patch.columns, sums.d, sums.x, sums.e,
+                   sums.changes, rates_);
+  }
+  for (TDelayedBlock& block : stage.delayed) block.Step(stage.errors);
+}
+
+}  // namespace kiln

@@ -1,0 +1,118 @@
+#include "NeuralNets/Training/TBackpropSmall.h"
+
+#include <algorithm>
+
+#include "NeuralNets/PlainNetworks.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr std::size_t kMaxWeights = 2048;  // with as many last changes 32 KiB
+
+bool LayerFits(const TBasicNetwork& network, std::size_t to) {
+  for (const std::size_t from : network.Sources(to)) {
+    const TBasicConnections& block = network.Connections(to, from);
+    if (!block.IsComplete() || !block.IsAllTrainable()) return false;
+  }
+  const TActFunction function = network.Layer(to).GetActivation();
+  return !network.HasLowerSources(to) || function == ActLinear || function == ActSigmoid;
+}
+
+}  // namespace
+
+bool TBackpropSmall::Fits(const TBasicNetwork& network) {
+  if (!IsPlain(network)) return false;
+  std::size_t weights = 0;
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    if (!LayerFits(network, layer)) return false;
+    for (const std::size_t from : network.Sources(layer)) {
+      weights += network.Connections(layer, from).Weights().size();
+    }
+  }
+  return weights <= kMaxWeights;
+}
+
+TBackpropSmall::TBackpropSmall(TBasicNetwork& network, TBasicNetwork& errors,
+                               TBasicNetwork& changes, const TTrainRun& run)
+    : network_(network), ends_(network, errors), rates_(run.ForgettingRates()) {
+  ComputeConstantLayers(network);
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+    if (network.HasLowerSources(layer)) AddStage(errors, changes, run, layer);
+  }
+  ForEachCopy([](double& copy, const double& original) { copy = original; });
+}
+
+void TBackpropSmall::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
+                              std::size_t to) {
+  const TKernels& kernels = Kernels();
+  TBasicLayer& layer = network_.Layer(to);
+  const std::size_t width = TSmallLayer::WidthOf(layer.NumNeurons());
+  double* d = errors.Layer(to).NetInputs().data();
+  const bool is_sigmoid = layer.GetActivation() == ActSigmoid;
+  const bool errors_are_deltas = run.ErrorsAreDeltas(network_, to);
+  TStage& stage = stages_.emplace_back();
+  for (const std::size_t from : network_.Sources(to)) {
+    const std::size_t columns = network_.Layer(from).NumNeurons();
+    if (columns * width == 0) continue;  // no weights, no memory for them
+    const std::size_t lines = PaddedSize(columns * width) / 8;
+    stage.blocks.push_back({network_.Connections(to, from).Weights(),
+                            changes.Connections(to, from).Weights(),
+                            std::vector<TCacheLine>(2 * lines)});
+    TCopy& block = stage.blocks.back();
+    double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
+    stage.sums.push_back({.columns = columns,
+                          .w = block.copy[0].values,
+                          .p = block.copy[lines].values,
+                          .x = network_.Layer(from).Outputs().data(),
+                          .e = e});
+  }
+  stage.layer = {.sums = stage.sums.data(),
+                 .count = stage.sums.size(),
+                 .width = width,
+                 .y = layer.Outputs().data(),
+                 .d = d};
+  stage.recall = is_sigmoid ? kernels.recall_sigmoid : kernels.recall_linear;
+  stage.step = is_sigmoid && !errors_are_deltas ? kernels.step_sigmoid : kernels.step_linear;
+  stage.errors = {d, width};
+}
+
+template <typename TVisit>
+void TBackpropSmall::ForEachCopy(const TVisit& visit) {
+  for (TStage& stage : stages_) {
+    for (std::size_t k = 0; k < stage.sums.size(); ++k) {
+      VisitBlock(stage.blocks[k], stage.sums[k], stage.layer.width, visit);
+    }
+  }
+}
+
+template <typename TVisit>
+void TBackpropSmall::VisitBlock(const TCopy& block, const TSmallSums& sums, std::size_t width,
+                                const TVisit& visit) {
+  std::size_t place = 0;
+  for (std::size_t row = 0; place < block.weights.size(); ++row) {
+    for (std::size_t column = 0; column < sums.columns; ++column, ++place) {
+      const std::size_t at = column * width + row;
+      visit(sums.w[at], block.weights[place]);
+      visit(sums.p[at], block.changes[place]);
+    }
+  }
+}
+
+void TBackpropSmall::Run(const Data& data, TTrainRun& run) {
+  for (int n = 0; n < data.DataRows(); ++n) RunPattern(data.Row(n), run);
+  ForEachCopy([](const double& copy, double& original) { original = copy; });
+}
+
+void TBackpropSmall::RunPattern(const DataRow& row, TTrainRun& run) {
+  ends_.SetInputs(row);
+  for (const TStage& stage : stages_) {
+    stage.recall(stage.layer);
+    std::ranges::fill(stage.errors, 0.0);
+  }
+  ends_.SetErrors(row);
+  for (std::size_t i = stages_.size(); i-- > 0;) stages_[i].step(stages_[i].layer, rates_);
+  ends_.AddError(row, run);  // last, since nothing waits for it
+}
+
+}  // namespace kiln
