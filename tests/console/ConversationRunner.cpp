@@ -6,6 +6,7 @@
 // the prompt stands there, as a person or a driving program does, and compares every line.
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -210,6 +211,7 @@ int main(int argc, char** argv) {
     const std::vector<Step> steps =
         ConversationReader(argv[3], fs::absolute(argv[2]).string()).Read();
     EnterScratchDirectory(fs::path(argv[3]).stem());
+    setenv("KILN", program.c_str(), 1);
     return Player(program, argv[3]).Play(steps) ? 0 : 1;
   } catch (const std::exception& failure) {
     std::cout << argv[3] << ':' << failure.what() << '\n';
