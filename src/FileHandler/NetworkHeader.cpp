@@ -1,6 +1,3 @@
-#include <algorithm>
-#include <iterator>
-
 #include "FileHandler/NetworkReading.h"
 #include "FileHandler/NetworkSections.h"
 #include "NeuralNets/TBasicNetwork.h"
@@ -41,10 +38,8 @@ Information ReadInformation(Reader& reader) {
   ParseItem item = reader.ReadItem(kBlock);
   for (; item.kind == ParseItem::kStatement; item = reader.ReadItem(kBlock)) {
     CheckClosed(item, reader);
-    const auto* keyword = std::find_if(
-        std::begin(kKeywords), std::end(kKeywords),
-        [&](const Keyword& candidate) { return EqualNoCase(candidate.name, item.name); });
-    if (keyword == std::end(kKeywords)) FailLoad(reader, "Unknown keyword");
+    const Keyword* keyword = FindNoCase(kKeywords, item.name, &Keyword::name);
+    if (!keyword) FailLoad(reader, "Unknown keyword");
     information.*keyword->value = FileTools::ParseInteger(item.value, reader);
   }
   ExpectEndTag(item, reader);

@@ -1,10 +1,8 @@
 #include "FileHandler/NetworkKinds.h"
-#include "FileHandler/NetworkReading.h"
 
-#include <algorithm>
-#include <iterator>
 #include <utility>
 
+#include "FileHandler/NetworkReading.h"
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TConnectedConnections.h"
 #include "NeuralNets/TConnectedNetwork.h"
@@ -121,40 +119,31 @@ constexpr ConnectionsKind kConnections[] = {
     {"ToOutputConnections", MakeUnattached<TToOutputConnections>},
 };
 
-// The line of a table that has the name, or null.
-template <typename TKind, std::size_t size>
-const TKind* Find(const TKind (&kinds)[size], std::string_view name) {
-  const TKind* kind = std::find_if(std::begin(kinds), std::end(kinds), [&](const TKind& candidate) {
-    return EqualNoCase(candidate.name, name);
-  });
-  return kind == std::end(kinds) ? nullptr : kind;
-}
-
 }  // namespace
 
 std::unique_ptr<TBasicNetwork> MakeNetwork(const NetworkHeader& header, Reader& reader) {
-  const NetworkKind* kind = Find(kNetworks, header.kind);
+  const NetworkKind* kind = FindNoCase(kNetworks, header.kind, &NetworkKind::name);
   return kind ? kind->make(header, reader) : nullptr;
 }
 
 void WriteOwnBlock(Writer& writer, const TBasicNetwork& network) {
-  const NetworkKind* kind = Find(kNetworks, network.KindName());
+  const NetworkKind* kind = FindNoCase(kNetworks, network.KindName(), &NetworkKind::name);
   if (kind && kind->write) kind->write(writer, network);
 }
 
 void CheckComplete(const TBasicNetwork& network, const Reader& reader) {
-  const NetworkKind* kind = Find(kNetworks, network.KindName());
+  const NetworkKind* kind = FindNoCase(kNetworks, network.KindName(), &NetworkKind::name);
   if (!kind || !kind->is_complete || kind->is_complete(network)) return;
   FailLoad(reader, "Layers and connections are not those of a " + std::string(kind->name));
 }
 
 std::unique_ptr<TBasicLayer> MakeLayer(std::string_view kind_name, std::size_t neurons) {
-  const LayerKind* kind = Find(kLayers, kind_name);
+  const LayerKind* kind = FindNoCase(kLayers, kind_name, &LayerKind::name);
   return kind ? kind->make(neurons) : nullptr;
 }
 
 std::unique_ptr<TBasicConnections> MakeConnections(std::string_view kind_name) {
-  const ConnectionsKind* kind = Find(kConnections, kind_name);
+  const ConnectionsKind* kind = FindNoCase(kConnections, kind_name, &ConnectionsKind::name);
   return kind ? kind->make() : nullptr;
 }
 

@@ -1,7 +1,5 @@
 #include "FileHandler/TFuzzyMFFiler.h"
 
-#include <algorithm>
-#include <iterator>
 #include <memory>
 #include <optional>
 #include <string>
@@ -96,14 +94,6 @@ const MFKind kKinds[] = {
      Make<TRectangularMF, 0, 1>},
 };
 
-// Null for an unknown type.
-const MFKind* FindKind(std::string_view type) {
-  const auto* kind = std::find_if(std::begin(kKinds), std::end(kKinds), [&](const MFKind& known) {
-    return EqualNoCase(known.type, type);
-  });
-  return kind == std::end(kKinds) ? nullptr : kind;
-}
-
 // The line that sets and functions start with: "[Name=low Index=0 Type=Triangular ]".
 struct Heading {
   OptionalName name;
@@ -134,7 +124,7 @@ Heading ReadHeading(Reader& reader, std::string_view block) {
 }
 
 void SaveParameters(Writer& out, const TBasicMF& mf) {
-  const MFKind* kind = FindKind(mf.Type());
+  const MFKind* kind = FindNoCase(kKinds, mf.Type(), &MFKind::type);
   if (!kind) AssertFalse(kModule);
   const Values values = kind->values(mf);
   const bool grouped = values.size() > 1;
@@ -179,7 +169,7 @@ void ReadMF(Reader& reader, TBasicMFSet& set) {
   ExpectStartTag(reader.ReadItem("MFSet"), reader, "MF");
   Heading heading = ReadHeading(reader, "MF");
   if (!heading.type) reader.Fail("[Type = <string>] expected");
-  const MFKind* kind = FindKind(*heading.type);
+  const MFKind* kind = FindNoCase(kKinds, *heading.type, &MFKind::type);
   if (!kind) {
     SkipParameters(reader);
     return;

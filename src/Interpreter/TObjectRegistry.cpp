@@ -1,7 +1,5 @@
 #include "Interpreter/TObjectRegistry.h"
 
-#include <algorithm>
-
 namespace kiln {
 
 namespace {
@@ -27,8 +25,7 @@ constexpr std::string_view kReservedWords[] = {
 }  // namespace
 
 bool TObjectRegistry::IsReserved(std::string_view word) {
-  return std::any_of(std::begin(kReservedWords), std::end(kReservedWords),
-                     [word](std::string_view reserved) { return EqualNoCase(word, reserved); });
+  return FindNoCase(kReservedWords, word) != nullptr;
 }
 
 const TRegistryNode* TObjectRegistry::Find(std::string_view alias) const {

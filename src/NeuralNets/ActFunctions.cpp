@@ -130,10 +130,7 @@ TActRowFunction TFnRegistry::RowForm(TActFunction function) const {
 }
 
 const TFnRegistry::TEntry* TFnRegistry::Find(std::string_view name) const {
-  const auto found = std::find_if(entries_.rbegin(), entries_.rend(), [&](const TEntry& entry) {
-    return EqualNoCase(entry.name, name);
-  });
-  return found != entries_.rend() ? &*found : nullptr;
+  return FindNoCase(entries_, name, &TEntry::name);
 }
 
 const TFnRegistry::TEntry* TFnRegistry::Find(TActFunction function) const {

@@ -1,8 +1,5 @@
 #include "RuleObject/TRuleOperator.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -29,10 +26,8 @@ constexpr TRuleOperator kNoOperator;
 }  // namespace
 
 const TRuleOperator& FindRuleOperator(std::string_view token) {
-  const auto* found =
-      std::find_if(std::begin(kOperators), std::end(kOperators),
-                   [&](const TRuleOperator& known) { return EqualNoCase(known.name, token); });
-  return found == std::end(kOperators) ? kNoOperator : *found;
+  const TRuleOperator* known = FindNoCase(kOperators, token, &TRuleOperator::name);
+  return known ? *known : kNoOperator;
 }
 
 }  // namespace kiln

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <ranges>
 #include <string>
 #include <string_view>
 
@@ -13,6 +17,15 @@ bool EqualNoCase(std::string_view left, std::string_view right);
 
 // Whether `left` stands before `right` once both are in lower case. Compares bytes without sign.
 bool LessNoCase(std::string_view left, std::string_view right);
+
+// The first entry of `table` whose name is `name` in any case, or null. `name_of` gives the name of
+// an entry, for example a pointer to its member; without it entries are names themselves.
+template <typename TTable, typename TNameOf = std::identity>
+auto* FindNoCase(const TTable& table, std::string_view name, TNameOf name_of = {}) {
+  const auto found = std::ranges::find_if(
+      table, [name](std::string_view known) { return EqualNoCase(known, name); }, name_of);
+  return found == std::ranges::end(table) ? nullptr : &*found;
+}
 
 // `text` without the space characters at its ends. Tabs are not blanks on the command line.
 std::string_view TrimBlanks(std::string_view text);
