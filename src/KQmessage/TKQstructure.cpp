@@ -154,11 +154,6 @@ void TKQstructure::Print(std::ostream& out) const {
   out << ')';
 }
 
-void TKQstructure::PrintLine(std::ostream& out) const {
-  Print(out);
-  out << '\n';
-}
-
 std::int32_t str2longThrow(std::string_view text) {
   if (const auto value = ScanInteger(text)) return ToInt32(*value);
   ThrowError(Join(text, " is not a long"), "str2longThrow", "invalid-message", "integer-expected",

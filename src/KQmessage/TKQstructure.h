@@ -67,9 +67,8 @@ class TKQstructure {
   // Takes the pair out; the last pair moves into its place. No effect without such a pair.
   void Remove(std::string_view keyword);
 
-  // Writes the message in its bracketed form; PrintLine ends the line.
+  // Writes the message in its bracketed form.
   void Print(std::ostream& out) const;
-  void PrintLine(std::ostream& out) const;
 
   // Reads one message in its bracketed form. A text that is none is a fault of the program that
   // made it: TAssertion.

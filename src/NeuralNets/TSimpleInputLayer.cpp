@@ -1,13 +1,14 @@
 #include "NeuralNets/TSimpleInputLayer.h"
 
 #include <algorithm>
-#include <iostream>
+
+#include "Shared/Say.h"
 
 namespace kiln {
 
 void TSimpleInputLayer::Compute(std::span<const double> pattern) {
   if (!IsInputLayer()) {
-    std::cout << "!Warning: changed input layer (TSimpleInputLayer)\n";
+    SayLine("!Warning: changed input layer (TSimpleInputLayer)");
     std::ranges::fill(Outputs(), 0.0);
     return;
   }

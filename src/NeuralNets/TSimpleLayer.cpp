@@ -1,15 +1,15 @@
 #include "NeuralNets/TSimpleLayer.h"
 
 #include <algorithm>
-#include <iostream>
 
 #include "NeuralNets/TBasicNetwork.h"
+#include "Shared/Say.h"
 
 namespace kiln {
 
 void TSimpleLayer::Compute(std::span<const double> pattern) {
   if (IsInputLayer()) {
-    std::cout << "!Warning: changed input layer (TSimpleLayer)\n";
+    SayLine("!Warning: changed input layer (TSimpleLayer)");
     std::ranges::copy(pattern, NetInputs().begin());
   } else {
     std::ranges::fill(NetInputs(), 0.0);

@@ -1,11 +1,11 @@
 #include <cmath>
 #include <cstddef>
-#include <iostream>
 #include <string>
 #include <vector>
 
 #include "RuleObject/TRuleFile.h"
 #include "Shared/NumberScan.h"
+#include "Shared/Say.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
 
@@ -58,12 +58,12 @@ void ReadBareAtom(Reader& reader, std::string_view token, TRuleAtom& atom) {
   TWords words = ReadWords(reader, token, 2);
   TakeDegree(words, atom);
   if (words.size() > 1) {
-    std::cout << words.size() << '\n';
+    SayLine(std::to_string(words.size()));
     Fail("illegal atom format");
   }
   if (words.empty()) return;
   if (!EqualNoCase(words[0], "not")) {
-    std::cout << words[0] << '\n';
+    SayLine(words[0]);
     Fail("'is' or 'not' expected");
   }
   atom.negated = true;

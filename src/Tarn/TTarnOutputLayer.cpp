@@ -1,12 +1,13 @@
 #include "Tarn/TTarnOutputLayer.h"
 
 #include <algorithm>
-#include <iostream>
 #include <limits>
 #include <numeric>
 #include <string>
 
 #include "NeuralNets/TBasicNetwork.h"
+#include "Shared/NumberFormat.h"
+#include "Shared/Say.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 #include "Tarn/TToOutputConnections.h"
@@ -26,7 +27,7 @@ double CentreOfGravity(double numerator, double denominator, std::size_t terms) 
 
 void CheckRange(double value) {
   if (value >= 0.0 && value <= 1.0) return;
-  std::cout << value << '\n';
+  SayLine(FormatGeneral(value, 6));
   Assert(false, "(ActActivation >= 0) && (ActActivation <= 1)", "Tarn/TTarnOutputLayer");
 }
 

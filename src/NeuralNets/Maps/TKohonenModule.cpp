@@ -1,11 +1,12 @@
 #include "NeuralNets/Maps/TKohonenModule.h"
 
 #include <cmath>
-#include <iostream>
+#include <string>
 
 #include "DataObject/Data.h"
 #include "NeuralNets/Maps/TNeighbourhood.h"
 #include "NeuralNets/Maps/TPrototypeTiles.h"
+#include "Shared/Say.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln {
@@ -43,7 +44,7 @@ void TKohonenModule::Train(const Data& data, double learning_rate, std::span<dou
   double rate = learning_rate;
   for (int epoch = 0; epoch < epochs; ++epoch) {
     if (!radii.empty()) {
-      std::cout << epoch << ' ' << std::flush;
+      Say(std::to_string(epoch) + ' ');
       for (double& radius : radii) radius = (radius - 1.0) * radius_factor + 1.0;
       neighbourhood.SetRadii(radii);
     }

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <iostream>
 #include <limits>
 #include <optional>
 #include <span>
@@ -8,6 +7,7 @@
 #include <vector>
 
 #include "NeuralNets/Parameters.h"
+#include "Shared/Say.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
@@ -74,10 +74,8 @@ constexpr TMethod kMethods[] = {
 const TMethod& MethodOf(const TKQstructure& options) {
   const TKQstructure* name = options.Deref("method");
   if (!name) return kMethods[0];
-  for (const TMethod& method : kMethods) {
-    if (EqualNoCase(method.name, name->Name())) return method;
-  }
-  std::cout << name->Name() << '\n';
+  if (const TMethod* method = FindNoCase(kMethods, name->Name(), &TMethod::name)) return *method;
+  SayLine(name->Name());
   AssertFalse("Tarn/RuleExtraction/TTarnRule");
 }
 
