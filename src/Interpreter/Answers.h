@@ -1,11 +1,15 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 
-// How the values of answers are written.
+// What commands answer, and how the values in it are written.
 namespace kiln {
+
+// The answer of a command that was carried out: its value, or none where "OK" says it all.
+using TAnswer = std::optional<std::string>;
 
 std::string AnswerFixed(double value);    // 8 decimals: a training error
 std::string AnswerGeneral(double value);  // 8 significant digits

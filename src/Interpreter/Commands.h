@@ -1,89 +1,87 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string_view>
 
+#include "Interpreter/Answers.h"
 #include "Interpreter/TCommandLine.h"
 #include "Interpreter/TInterpreter.h"
 
 namespace kiln {
 
-// The codes that handlers return. Failures are thrown.
-inline constexpr int kDone = 0;
-inline constexpr int kValue = 1;  // the result message is the answer
+// Carries out a command or one form of it and returns its answer; failures are thrown. A handler
+// checks its arguments in a fixed order, each failed check being a TCommandFailure, and changes
+// nothing before all of them have passed.
+using THandler = TAnswer (*)(TInterpreter& interpreter, const TCommandLine& line);
 
-// Carries out a command or one form of it. A handler checks its arguments in a fixed order, each
-// failed check being a TCommandFailure, and changes nothing before all of them have passed.
-using THandler = int (*)(TInterpreter& interpreter, const TCommandLine& line);
+// The answer of a command that has no value to tell.
+inline constexpr std::nullopt_t kDone = std::nullopt;
 
-// A word and what it stands for; words are compared ignoring case.
+// A word and the handler that runs for it; words are compared ignoring case.
 struct TCommand {
   std::string_view word;
   THandler handler;
 };
 
-// Runs the first entry for `word`; fails with the message `unknown` when there is none.
-int Dispatch(std::span<const TCommand> table, std::string_view word, std::string_view unknown,
-             TInterpreter& interpreter, const TCommandLine& line);
+// All commands, by the first word of the line.
+std::span<const TCommand> Commands();
+
+// Runs the handler of the first entry for `word`. Throws TCommandFailure with the message `unknown`
+// when there is none.
+TAnswer Dispatch(std::span<const TCommand> table, std::string_view word, std::string_view unknown,
+                 TInterpreter& interpreter, const TCommandLine& line);
 
 // The word behind the command word that selects one of its forms, empty when there is none.
 std::string_view Selector(const TCommandLine& line, std::string_view command);
 
-// Starts the random numbers of a command: from the whole number behind the tag "seed" or, without
+// Seeds the random numbers of a command: from the whole number behind the tag "seed" or, without
 // one, from the clock.
 void StartRandom(const TCommandLine& line);
 
+// The handlers, by the first word of the command. Each stands in the file of its group.
 namespace commands {
 
-// SessionCommands.cpp
-int Log(TInterpreter& interpreter, const TCommandLine& line);
-int Run(TInterpreter& interpreter, const TCommandLine& line);
-int Purge(TInterpreter& interpreter, const TCommandLine& line);
+// SessionCommands.cpp: the session and the objects in it, whatever their kind
+TAnswer Log(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Run(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Copy(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Destroy(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Purge(TInterpreter& interpreter, const TCommandLine& line);
 
 // CreateCommands.cpp
-int Create(TInterpreter& interpreter, const TCommandLine& line);
-
-// ObjectCommands.cpp
-int Destroy(TInterpreter& interpreter, const TCommandLine& line);
-int Copy(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Create(TInterpreter& interpreter, const TCommandLine& line);
 
 // FileCommands.cpp
-int Save(TInterpreter& interpreter, const TCommandLine& line);
-int Load(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Save(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Load(TInterpreter& interpreter, const TCommandLine& line);
 
 // QueryCommands.cpp
-int Query(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Query(TInterpreter& interpreter, const TCommandLine& line);
 
-// QueryStats.cpp, a form of "query"
-int GetStats(TInterpreter& interpreter, const TCommandLine& line);
+// RowCommands.cpp: rows of one data set
+TAnswer Append(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer ResetData(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer PurgeData(TInterpreter& interpreter, const TCommandLine& line);
 
-// RowCommands.cpp
-int Append(TInterpreter& interpreter, const TCommandLine& line);
-int ResetData(TInterpreter& interpreter, const TCommandLine& line);
-int PurgeData(TInterpreter& interpreter, const TCommandLine& line);
-
-// ManipulationCommands.cpp
-int Shuffle(TInterpreter& interpreter, const TCommandLine& line);
-int Normalise(TInterpreter& interpreter, const TCommandLine& line);
-int Denormalise(TInterpreter& interpreter, const TCommandLine& line);
+// ManipulationCommands.cpp: new data sets out of others
+TAnswer Shuffle(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Normalise(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Denormalise(TInterpreter& interpreter, const TCommandLine& line);
 
 // TrainCommands.cpp
-int Train(TInterpreter& interpreter, const TCommandLine& line);
-int GetTrained(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Train(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer GetTrained(TInterpreter& interpreter, const TCommandLine& line);
 
-// RecallCommands.cpp
-int Recall(TInterpreter& interpreter, const TCommandLine& line);
+// RecallCommands.cpp: what networks make of data
+TAnswer Recall(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Map(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Label(TInterpreter& interpreter, const TCommandLine& line);
 
-// KohonenCommands.cpp
-int Map(TInterpreter& interpreter, const TCommandLine& line);
-
-// LabelCommand.cpp
-int Label(TInterpreter& interpreter, const TCommandLine& line);
-
-// RuleCommands.cpp
-int LabelTarn(TInterpreter& interpreter, const TCommandLine& line);
-int RETarn(TInterpreter& interpreter, const TCommandLine& line);
-int RITarn(TInterpreter& interpreter, const TCommandLine& line);
+// RuleCommands.cpp: labels and rules of fuzzy networks
+TAnswer LabelTarn(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer RETarn(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer RITarn(TInterpreter& interpreter, const TCommandLine& line);
 
 }  // namespace commands
 }  // namespace kiln

@@ -51,7 +51,7 @@ auto LoadFrom(const std::string& path, std::string_view cannot_open, TRead read)
   }
 }
 
-int SaveNetwork(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer SaveNetwork(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode* node = interpreter.Find(Required(line.Word("alias"), "alias tag not found"));
   if (!node) Fail("object not found");
   const std::string path = RequiredPath(line, "filename tag not found");
@@ -61,35 +61,35 @@ int SaveNetwork(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-int SaveData(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer SaveData(TInterpreter& interpreter, const TCommandLine& line) {
   const auto set = SavedEntry(interpreter, line).As<Data>();
   if (!set) Fail("object not type data");
   SaveTo(SavedPath(line), [&](const std::string& path) { Filer::Save(path, set.get()); });
   return kDone;
 }
 
-int SaveTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer SaveTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
   const auto labels = SavedEntry(interpreter, line).As<TNetLabel>();
   if (!labels) Fail("object not type data");  // in the same words as for data
   SaveTo(SavedPath(line), [&](const std::string& path) { TLabelFile::SaveLabels(path, *labels); });
   return kDone;
 }
 
-int SaveFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer SaveFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
   const auto rules = SavedEntry(interpreter, line).As<TFuzzyRuleSet>();
   if (!rules) Fail("object not type FuzzyRules");
   SaveTo(SavedPath(line), [&](const std::string& path) { TRuleFile::SaveRules(path, *rules); });
   return kDone;
 }
 
-int LoadNetwork(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer LoadNetwork(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = LoadedAlias(interpreter, line, "cannot find alias tag");
   const std::string path = RequiredPath(line, "unable to find filename tag");
   InsertNetwork(interpreter, alias, NetworkFiler::LoadNetwork(path));
   return kDone;
 }
 
-int LoadData(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer LoadData(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
   const std::string path = RequiredPath(line, "tag filename not found");
   auto sets = LoadFrom(path, "Unable to open data file ", Filer::Load);
@@ -97,7 +97,7 @@ int LoadData(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-int LoadTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer LoadTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
   const std::string path = RequiredPath(line, "tag filename not found");
   auto labels = LoadFrom(path, "Unable to open label file ",
@@ -106,7 +106,7 @@ int LoadTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-int LoadFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer LoadFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
   const std::string path = RequiredPath(line, "tag filename not found");
   auto rules = LoadFrom(path, "Unable to open fuzzy rules file ",
@@ -130,11 +130,11 @@ constexpr char kUnknown[] = "unknown object type";
 
 }  // namespace
 
-int Save(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer Save(TInterpreter& interpreter, const TCommandLine& line) {
   return Dispatch(kSavers, Selector(line, "save"), kUnknown, interpreter, line);
 }
 
-int Load(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer Load(TInterpreter& interpreter, const TCommandLine& line) {
   return Dispatch(kLoaders, Selector(line, "load"), kUnknown, interpreter, line);
 }
 

@@ -58,7 +58,7 @@ std::optional<TColumnBounds> SideBounds(const TCommandLine& line, const TBoundTa
 using TMapping = std::unique_ptr<Data> (*)(const Data* source, const TColumnBounds& inputs,
                                            const TColumnBounds& outputs);
 
-int Rescale(TInterpreter& interpreter, const TCommandLine& line, TMapping mapping) {
+TAnswer Rescale(TInterpreter& interpreter, const TCommandLine& line, TMapping mapping) {
   const std::string_view source = RequiredAlias(line, "source");
   const TRegistryNode& node = RequiredEntry(interpreter, source);
   const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
@@ -76,7 +76,7 @@ int Rescale(TInterpreter& interpreter, const TCommandLine& line, TMapping mappin
 
 }  // namespace
 
-int Shuffle(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer Shuffle(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view source = RequiredAlias(line, "source");
   const TRegistryNode& node = RequiredEntry(interpreter, source);
   const std::string_view destination = RequiredNewAlias(interpreter, line, "destination");
@@ -87,11 +87,11 @@ int Shuffle(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-int Normalise(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer Normalise(TInterpreter& interpreter, const TCommandLine& line) {
   return Rescale(interpreter, line, TDataManip::Normalise);
 }
 
-int Denormalise(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer Denormalise(TInterpreter& interpreter, const TCommandLine& line) {
   return Rescale(interpreter, line, TDataManip::Denormalise);
 }
 

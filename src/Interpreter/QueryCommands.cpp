@@ -2,12 +2,13 @@
 #include <sstream>
 
 #include "DataObject/Data.h"
-#include "Interpreter/Answers.h"
+#include "DataTools/DataManip/TDataStats.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "Shared/TException.h"
+#include "Shared/Text.h"
 #include "Tarn/TTarn.h"
 
 namespace kiln::commands {
@@ -15,7 +16,7 @@ namespace kiln::commands {
 namespace {
 
 // What "query classof" calls each kind, in the order of the type tags. A Kohonen trainer has no
-// name: the query leaves the result of the command before.
+// name: the query repeats the latest value that a command has answered.
 constexpr std::string_view kClassNames[] = {
     "Data", "Tarn",  "TarnBP",    "TarnLWF", "TarnGA",     "MLP",       "Kohonen",
     "BP",   "MLPGA", "DataStats", "",        "TarnLabels", "FuzzyRules"};
@@ -34,17 +35,15 @@ TSubject Subject(const TInterpreter& interpreter, const TCommandLine& line,
   return {alias, RequiredEntry(interpreter, alias)};
 }
 
-int AliasExists(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer AliasExists(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "aliasexists", "cannot get argument");
-  interpreter.SetResult(std::string(AnswerBoolean(interpreter.Exists(alias))));
-  return kValue;
+  return std::string(AnswerBoolean(interpreter.Exists(alias)));
 }
 
-int ClassOf(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer ClassOf(TInterpreter& interpreter, const TCommandLine& line) {
   const int tag = Subject(interpreter, line, "classof").node.Type();
   const std::string_view name = kClassNames[static_cast<std::size_t>(tag) - 1];
-  if (!name.empty()) interpreter.SetResult(std::string(name));
-  return kValue;
+  return name.empty() ? interpreter.GetResult() : std::string(name);
 }
 
 std::string Structure(const Data& set) {
@@ -83,20 +82,13 @@ std::string Structure(const TKohonenNetwork& map) {
   return text.str();
 }
 
-int StructureOf(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer StructureOf(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& node = Subject(interpreter, line, "structureof").node;
-  if (const auto set = node.As<Data>()) {
-    interpreter.SetResult(Structure(*set));
-  } else if (const auto tarn = node.As<TTarn>()) {
-    interpreter.SetResult(Structure(*tarn));
-  } else if (const auto perceptron = node.As<TMLPNetwork>()) {
-    interpreter.SetResult(Structure(*perceptron));
-  } else if (const auto map = node.As<TKohonenNetwork>()) {
-    interpreter.SetResult(Structure(*map));
-  } else {
-    Fail("no structure for this type of object");
-  }
-  return kValue;
+  if (const auto set = node.As<Data>()) return Structure(*set);
+  if (const auto tarn = node.As<TTarn>()) return Structure(*tarn);
+  if (const auto perceptron = node.As<TMLPNetwork>()) return Structure(*perceptron);
+  if (const auto map = node.As<TKohonenNetwork>()) return Structure(*map);
+  Fail("no structure for this type of object");
 }
 
 // The row that the next step of the cursor leads to; the cursor stays when there is none.
@@ -121,12 +113,46 @@ std::string StepToNextRow(Data& set) {
          AnswerArray(names) + " labelweights " + AnswerArray(weights);
 }
 
-int GetNextRow(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer GetNextRow(TInterpreter& interpreter, const TCommandLine& line) {
   const TSubject subject = Subject(interpreter, line, "getnextrow");
   const auto set = RequiredObject<Data>(subject.node, subject.alias, " is not of type Data");
   if (set->DataRows() == 0) Fail(subject.alias, " has no rows");
-  interpreter.SetResult(StepToNextRow(*set));
-  return kValue;
+  return StepToNextRow(*set);
+}
+
+// Gives one figure of every column of a side.
+using TFigures = std::vector<double> (TDataStats::*)();
+
+struct TStatistic {
+  std::string_view word;
+  TFigures inputs;
+  TFigures outputs;
+};
+
+constexpr TStatistic kStatistics[] = {
+    {"max", &TDataStats::GetInputMaxima, &TDataStats::GetOutputMaxima},
+    {"min", &TDataStats::GetInputMinima, &TDataStats::GetOutputMinima},
+    {"average", &TDataStats::GetInputAverages, &TDataStats::GetOutputAverages},
+};
+
+const TStatistic& RequiredStatistic(const TCommandLine& line) {
+  const TStatistic* statistic =
+      FindNoCase(kStatistics, Selector(line, "getstats"), &TStatistic::word);
+  if (!statistic) Fail("unknown statistics type");
+  return *statistic;
+}
+
+TAnswer GetStats(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::string_view alias = RequiredAlias(line, "alias");
+  const auto stats = RequiredObject<TDataStats>(interpreter, alias, " is not of type DataStats");
+  const TStatistic& statistic = RequiredStatistic(line);
+  const bool inputs = RequiredBoolean(line, "inputs");
+  const bool outputs = RequiredBoolean(line, "outputs");
+  std::string answer;
+  if (inputs) answer = "inputs " + AnswerArray((*stats.*statistic.inputs)());
+  if (inputs && outputs) answer += ' ';
+  if (outputs) answer += "outputs " + AnswerArray((*stats.*statistic.outputs)());
+  return answer;
 }
 
 constexpr TCommand kQueries[] = {
@@ -136,7 +162,7 @@ constexpr TCommand kQueries[] = {
 
 }  // namespace
 
-int Query(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer Query(TInterpreter& interpreter, const TCommandLine& line) {
   return Dispatch(kQueries, Selector(line, "query"), "unknown query", interpreter, line);
 }
 

@@ -1,12 +1,68 @@
+#include <cmath>
+#include <map>
+
 #include "DataObject/Data.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/NetworkObjects.h"
-#include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/Maps/TKohonenNetwork.h"
 
 namespace kiln::commands {
 
-int Recall(TInterpreter& interpreter, const TCommandLine& line) {
+namespace {
+
+// A data set whose rows name units of a map by their coordinates.
+class TUnitRows {
+ public:
+  // The coordinates are the outputs of the set when there is one for each dimension, else the
+  // inputs. Fails when neither fit.
+  TUnitRows(std::string_view alias, const Data& set, std::string_view map_alias,
+            const TMapGrid& grid)
+      : alias_(alias), map_alias_(map_alias), set_(set), grid_(grid), side_(CoordinateSide()) {}
+
+  // Calls visit(row, unit) with every row, oldest first. Fails at coordinates without a unit.
+  template <typename TVisit>
+  void ForEach(const TVisit& visit) const {
+    std::vector<int> coordinates(grid_.NumDimensions());
+    for (int n = 0; n < set_.DataRows(); ++n) {
+      const DataRow row = set_.Row(n);
+      ReadCoordinates(row.*side_, coordinates);
+      visit(row, grid_.UnitAt(coordinates));
+    }
+  }
+
+ private:
+  using TSide = std::span<const double> DataRow::*;
+
+  TSide CoordinateSide() const {
+    const int dimensions = static_cast<int>(grid_.NumDimensions());
+    if (set_.Outputs() == dimensions) return &DataRow::Outputs;
+    if (set_.Inputs() == dimensions) return &DataRow::Inputs;
+    Fail(alias_, " has ", std::to_string(set_.Inputs()), " inputs and ",
+         std::to_string(set_.Outputs()), " outputs but ", map_alias_, " has ",
+         std::to_string(dimensions), " dimensions");
+  }
+
+  void ReadCoordinates(std::span<const double> values, std::vector<int>& coordinates) const {
+    for (std::size_t k = 0; k < values.size(); ++k) {
+      const double value = values[k];
+      if (!(value >= 0.0 && value < grid_.Sizes()[k] && value == std::floor(value))) {
+        Fail(alias_, " has coordinates of no unit of ", map_alias_);
+      }
+      coordinates[k] = static_cast<int>(value);
+    }
+  }
+
+  std::string_view alias_;
+  std::string_view map_alias_;
+  const Data& set_;
+  const TMapGrid& grid_;
+  TSide side_;
+};
+
+}  // namespace
+
+TAnswer Recall(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network", "cannot find tag network");
   const auto network = AsNetwork(RequiredEntry(interpreter, name));
   if (!network) Fail(name, " is not an ANN");
@@ -17,6 +73,48 @@ int Recall(TInterpreter& interpreter, const TCommandLine& line) {
   RequireColumns(input, set->Inputs(), "inputs", name, network->NumInputs());
   interpreter.Insert({output, network->Recall(set.get())});
   set->ResetCursor();
+  return kDone;
+}
+
+TAnswer Map(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::string_view name = RequiredAlias(line, "network");
+  const auto map = RequiredObject<TKohonenNetwork>(interpreter, name, " is not a Kohonen network");
+  const std::string_view input = RequiredAlias(line, "input");
+  const auto set = RequiredObject<Data>(interpreter, input, " is not of type Data");
+  const std::string_view output = RequiredNewAlias(interpreter, line, "output");
+  RequireColumns(input, set->Inputs(), "inputs", name, map->NumInputs());
+  interpreter.Insert({output, map->RecallCoordinates(set.get())});
+  set->ResetCursor();
+  return kDone;
+}
+
+TAnswer Label(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::string_view name = RequiredAlias(line, "network");
+  const auto network =
+      RequiredObject<TKohonenNetwork>(interpreter, name, " is not of type Kohonen");
+  const std::string_view map = RequiredAlias(line, "map");
+  const auto labelled = RequiredObject<Data>(interpreter, map, " is not of type data");
+  const std::string_view coord = RequiredAlias(line, "coord");
+  const auto asked = RequiredObject<Data>(interpreter, coord, " is not of type data");
+  const std::string_view output = RequiredNewAlias(interpreter, line, "output");
+  if (!labelled->HasLabels()) Fail(map, " has no labels");
+
+  const TUnitRows labelled_rows(map, *labelled, name, network->Grid());
+  const TUnitRows asked_rows(coord, *asked, name, network->Grid());
+  std::map<std::size_t, LabelList> labels;  // of each unit that has any
+  labelled_rows.ForEach([&](const DataRow& row, std::size_t unit) {
+    for (const LabelEntry& entry : row.Labels->Entries()) {
+      labels[unit].Append(entry.Name, entry.Value);
+    }
+  });
+  auto result = std::make_unique<Data>(asked->DataRows(), asked->Inputs(), asked->Outputs(), true);
+  asked_rows.ForEach([&](const DataRow& row, std::size_t unit) {
+    const auto found = labels.find(unit);
+    result->AddRow(row.Inputs, row.Outputs, found != labels.end() ? &found->second : nullptr);
+  });
+  interpreter.Insert({output, std::move(result)});
+  labelled->ResetCursor();
+  asked->ResetCursor();
   return kDone;
 }
 

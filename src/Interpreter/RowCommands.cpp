@@ -48,7 +48,7 @@ std::shared_ptr<Data> NamedSet(const TInterpreter& interpreter, const TCommandLi
 
 }  // namespace
 
-int Append(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer Append(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const TRegistryNode* node = interpreter.Find(alias);
   if (!node) Fail("object ", alias, " does not exist");
@@ -61,12 +61,12 @@ int Append(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-int ResetData(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer ResetData(TInterpreter& interpreter, const TCommandLine& line) {
   NamedSet(interpreter, line)->ResetCursor();
   return kDone;
 }
 
-int PurgeData(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer PurgeData(TInterpreter& interpreter, const TCommandLine& line) {
   NamedSet(interpreter, line)->Clear();
   return kDone;
 }

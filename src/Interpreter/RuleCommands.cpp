@@ -30,7 +30,7 @@ std::shared_ptr<const TNetLabel> NamedLabels(const TInterpreter& interpreter,
 
 }  // namespace
 
-int LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network = RequiredObject<TTarn>(interpreter, name, " is not of type Tarn");
   const std::string_view labels = RequiredNewAlias(interpreter, line, "labels");
@@ -38,7 +38,7 @@ int LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-int RETarn(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer RETarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network = RequiredObject<TTarn>(interpreter, name, " is not type Tarn");
   const std::string_view rules = RequiredNewAlias(interpreter, line, "rules");
@@ -48,7 +48,7 @@ int RETarn(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-int RITarn(TInterpreter& interpreter, const TCommandLine& line) {
+TAnswer RITarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "rules");
   const auto rules = RequiredObject<TFuzzyRuleSet>(interpreter, name, " is not of type FuzzyRules");
   const std::string_view network = RequiredNewAlias(interpreter, line, "network");

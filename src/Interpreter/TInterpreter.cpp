@@ -18,33 +18,11 @@ namespace {
 
 constexpr std::size_t kDeepestScript = 64;
 constexpr std::size_t kLongestScriptLine = 1023;
-constexpr int kFailed = -1;
 
-constexpr TCommand kCommands[] = {
-    {"create", commands::Create},
-    {"save", commands::Save},
-    {"load", commands::Load},
-    {"recall", commands::Recall},
-    {"map", commands::Map},
-    {"label", commands::Label},
-    {"purge", commands::Purge},
-    {"train", commands::Train},
-    {"gettrained", commands::GetTrained},
-    {"destroy", commands::Destroy},
-    {"copy", commands::Copy},
-    {"log", commands::Log},
-    {"run", commands::Run},
-    {"query", commands::Query},
-    {"append", commands::Append},
-    {"resetdata", commands::ResetData},
-    {"purgedata", commands::PurgeData},
-    {"shuffle", commands::Shuffle},
-    {"normalise", commands::Normalise},
-    {"denormalise", commands::Denormalise},
-    {"labeltarn", commands::LabelTarn},
-    {"retarn", commands::RETarn},
-    {"ritarn", commands::RITarn},
-};
+// The codes of Execute.
+constexpr int kFailed = -1;
+constexpr int kSucceeded = 0;
+constexpr int kAnswered = 1;
 
 // Keeps the path of a script among those of all that are being run, for as long as it runs.
 class TRunningScript {
@@ -79,13 +57,16 @@ int TInterpreter::Execute(std::string_view text) {
 
 int TInterpreter::Answer(const TCommandLine& line) {
   try {
-    return Dispatch(kCommands, line.CommandWord(), "Unknown command", *this, line);
+    TAnswer answer = Dispatch(Commands(), line.CommandWord(), "Unknown command", *this, line);
+    if (!answer) return kSucceeded;
+    result_message_ = std::move(*answer);
+    return kAnswered;
   } catch (const std::bad_alloc&) {
-    SetError("not enough memory");
+    error_message_ = "not enough memory";
   } catch (const std::length_error&) {
-    SetError("not enough memory");
+    error_message_ = "not enough memory";
   } catch (const std::exception& failure) {
-    SetError(failure.what());
+    error_message_ = failure.what();
   }
   return kFailed;
 }
@@ -112,7 +93,7 @@ void TInterpreter::StopTranscript() {
   if (!transcript_) Fail("cannot write all of file ", transcript_path_);
 }
 
-int TInterpreter::RunScript(const std::string& path) {
+TAnswer TInterpreter::RunScript(const std::string& path) {
   // Each of its commands would make it longer: it would never end.
   if (transcript_.is_open() && AreSameFile(path, transcript_path_))
     Fail("file ", path, " is the open transcript");
@@ -123,7 +104,7 @@ int TInterpreter::RunScript(const std::string& path) {
   const auto fail = [&](std::string_view why) {
     Fail("line ", std::to_string(reader.Number()), " of file ", path, " Error: ", why);
   };
-  int code = kDone;
+  int code = kSucceeded;
   while (reader.Next()) {
     if (!reader.Fault().empty()) fail(reader.Fault());
     if (reader.Line().empty() || reader.Line().starts_with('#')) continue;
@@ -131,7 +112,7 @@ int TInterpreter::RunScript(const std::string& path) {
     if (code < 0) fail(GetError());
   }
   if (script.bad()) Fail("cannot read file ", path);
-  return code;
+  return code == kAnswered ? TAnswer(GetResult()) : std::nullopt;
 }
 
 }  // namespace kiln

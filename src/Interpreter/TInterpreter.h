@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Interpreter/Answers.h"
 #include "Interpreter/TCommandLine.h"
 #include "Interpreter/TObjectRegistry.h"
 
@@ -24,13 +25,11 @@ class TInterpreter : public TObjectRegistry {
   // The messages of the latest command that had one of the kind.
   const std::string& GetError() const { return error_message_; }
   const std::string& GetResult() const { return result_message_; }
-  void SetError(std::string message) { error_message_ = std::move(message); }
-  void SetResult(std::string message) { result_message_ = std::move(message); }
 
-  // Executes the lines of a file until one fails, whose answer the TCommandFailure carries. Empty
-  // lines and those that begin with "#" are passed over. Returns the code of the last line. The
-  // open transcript cannot be run.
-  int RunScript(const std::string& path);
+  // Executes the lines of a file and returns the answer of the last one. Empty lines and those that
+  // begin with "#" are passed over. The first line that fails ends the script: its number and its
+  // message are those of the TCommandFailure. The open transcript cannot be run.
+  TAnswer RunScript(const std::string& path);
 
   // From now on writes every command but "log", and its answer, to the file, which must not be one
   // that is being run. On failure throws TCommandFailure and goes on with the transcript that is
