@@ -36,8 +36,8 @@ template <typename TWrite>
 void SaveTo(const std::string& path, TWrite write) {
   try {
     write(path);
-  } catch (const FileTools::SaveError&) {
-    Fail("cannot save to file ", path);
+  } catch (const FileTools::SaveError& failure) {
+    Fail(failure.Message());
   }
 }
 

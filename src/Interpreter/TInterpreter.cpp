@@ -1,5 +1,7 @@
 #include "Interpreter/TInterpreter.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <exception>
 #include <filesystem>
@@ -10,6 +12,7 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/TLineReader.h"
+#include "Shared/Interruption.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -17,7 +20,6 @@ namespace kiln {
 namespace {
 
 constexpr std::size_t kDeepestScript = 64;
-constexpr std::size_t kLongestScriptLine = 1023;
 
 // The codes of Execute.
 constexpr int kFailed = -1;
@@ -51,7 +53,7 @@ bool AreSameFile(const std::string& a, const std::string& b) {
 int TInterpreter::Execute(std::string_view text) {
   const TCommandLine line(text);
   const int code = Answer(line);
-  if (transcript_.is_open() && !EqualNoCase(line.CommandWord(), "log")) Record(text, code);
+  if (transcript_.IsOpen() && !EqualNoCase(line.CommandWord(), "log")) Record(text, code);
   return code;
 }
 
@@ -72,46 +74,37 @@ int TInterpreter::Answer(const TCommandLine& line) {
 }
 
 void TInterpreter::Record(std::string_view line, int code) {
-  transcript_ << line << std::endl;
-  if (code < 0) transcript_ << "Error: " << GetError() << std::endl;
-  if (code > 0) transcript_ << "#Result: " << GetResult() << std::endl;
+  transcript_.Write(line);
+  if (code < 0) transcript_.Write("Error: ", GetError());
+  if (code > 0) transcript_.Write("#Result: ", GetResult());
 }
 
 void TInterpreter::StartTranscript(const std::string& path) {
   const auto is_same = [&](const std::string& script) { return AreSameFile(script, path); };
   if (std::any_of(running_scripts_.begin(), running_scripts_.end(), is_same))
     Fail("file ", path, " is being run");
-  std::ofstream transcript(path);
-  if (!transcript) Fail("cannot open file ", path);
-  transcript_ = std::move(transcript);
-  transcript_path_ = path;
-}
-
-void TInterpreter::StopTranscript() {
-  if (!transcript_.is_open()) return;
-  transcript_.close();
-  if (!transcript_) Fail("cannot write all of file ", transcript_path_);
+  transcript_.Open(path);
 }
 
 TAnswer TInterpreter::RunScript(const std::string& path) {
   // Each of its commands would make it longer: it would never end.
-  if (transcript_.is_open() && AreSameFile(path, transcript_path_))
-    Fail("file ", path, " is the open transcript");
+  if (transcript_.Is(path)) Fail("file ", path, " is the open transcript");
   const TRunningScript running(running_scripts_, path);
-  std::ifstream script(path);
-  if (!script) Fail("cannot open file ", path);
-  TLineReader reader(script, kLongestScriptLine);
+  const TDescriptor script = TDescriptor::Open(path, O_RDONLY);
+  if (!script.IsOpen()) Fail("cannot open file ", path);
+  TLineReader reader(script.Number());
   const auto fail = [&](std::string_view why) {
     Fail("line ", std::to_string(reader.Number()), " of file ", path, " Error: ", why);
   };
   int code = kSucceeded;
   while (reader.Next()) {
+    if (Interruption::IsRequested()) fail(TInterrupted().what());
     if (!reader.Fault().empty()) fail(reader.Fault());
     if (reader.Line().empty() || reader.Line().starts_with('#')) continue;
     code = Execute(reader.Line());
     if (code < 0) fail(GetError());
   }
-  if (script.bad()) Fail("cannot read file ", path);
+  if (reader.HasFailed()) Fail("cannot read file ", path);
   return code == kAnswered ? TAnswer(GetResult()) : std::nullopt;
 }
 

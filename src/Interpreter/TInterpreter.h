@@ -1,6 +1,5 @@
 #pragma once
 
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,6 +7,8 @@
 #include "Interpreter/Answers.h"
 #include "Interpreter/TCommandLine.h"
 #include "Interpreter/TObjectRegistry.h"
+#include "Interpreter/TTranscript.h"
+#include "NeuralNets/Training/TEpochObserver.h"
 
 namespace kiln {
 
@@ -26,6 +27,15 @@ class TInterpreter : public TObjectRegistry {
   const std::string& GetError() const { return error_message_; }
   const std::string& GetResult() const { return result_message_; }
 
+  // What trainings call after each epoch or generation; they end when it says so. Nobody by
+  // default.
+  void SetObserver(TEpochObserver observer) { observer_ = std::move(observer); }
+  const TEpochObserver& Observer() const { return observer_; }
+
+  // Takes note of a line that is not run. An open transcript has one comment, which says why, in
+  // its place.
+  void Refuse(std::string_view why) { transcript_.Write("#Error: ", why); }
+
   // Executes the lines of a file and returns the answer of the last one. Empty lines and those that
   // begin with "#" are passed over. The first line that fails ends the script: its number and its
   // message are those of the TCommandFailure. The open transcript cannot be run.
@@ -36,9 +46,9 @@ class TInterpreter : public TObjectRegistry {
   // open.
   void StartTranscript(const std::string& path);
 
-  // Closes the transcript, if one is open. Throws TCommandFailure when the file does not hold all
-  // of it, as on a full disk.
-  void StopTranscript();
+  // Closes the transcript, if one is open. Throws TCommandFailure when not all of it is on the
+  // disk.
+  void StopTranscript() { transcript_.Close(); }
 
  private:
   int Answer(const TCommandLine& line);
@@ -46,8 +56,8 @@ class TInterpreter : public TObjectRegistry {
 
   std::string error_message_;
   std::string result_message_;
-  std::ofstream transcript_;
-  std::string transcript_path_;
+  TTranscript transcript_;
+  TEpochObserver observer_;
   std::vector<std::string> running_scripts_;  // their paths, each run by the one before
 };
 

@@ -25,6 +25,7 @@ struct TLesson {
   const TRegistryNode& trainer;
   std::string_view set_alias;
   const Data& set;
+  const TEpochObserver& observer;
 };
 
 // Reads the tags of one kind of trainer, trains and gives the answer.
@@ -71,7 +72,7 @@ TAnswer TrainByGradient(const TCommandLine& line, const TLesson& lesson) {
   const std::shared_ptr<TTrainModule> trainer = AsGradientTrainer(lesson.trainer);
   TKQstructure params = GradientParams(line, !lesson.trainer.As<TTarnBP>());
   CheckFits(lesson, std::as_const(*trainer).Network());
-  return AnswerFixed(trainer->Train(lesson.set, params, epochs));
+  return AnswerFixed(trainer->Train(lesson.set, params, epochs, lesson.observer));
 }
 
 // --- Genetic trainers ------------------------------------------------------------------------
@@ -98,7 +99,7 @@ TAnswer TrainGenetically(const TCommandLine& line, const TLesson& lesson) {
   StartRandom(line);
   trainer->Initialise();
   const std::array sets = {&lesson.set};
-  return AnswerGeneral(trainer->Train(settings, target_error, sets));
+  return AnswerGeneral(trainer->Train(settings, target_error, sets, lesson.observer));
 }
 
 // --- Kohonen trainers ------------------------------------------------------------------------
@@ -125,7 +126,7 @@ TAnswer TrainMap(const TCommandLine& line, const TLesson& lesson) {
                  map.Grid().NumDimensions());
   RequireColumns(lesson.set_alias, lesson.set.Inputs(), "inputs", owner, map.NumInputs());
   if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
-  trainer->Train(lesson.set, rate, radii, epochs, rate_factor, radius_factor);
+  trainer->Train(lesson.set, rate, radii, epochs, rate_factor, radius_factor, lesson.observer);
   return kDone;
 }
 
@@ -148,7 +149,7 @@ TAnswer Train(TInterpreter& interpreter, const TCommandLine& line) {
   if (!train) Fail(alias, " is not a training object");
   const std::string_view set_alias = RequiredAlias(line, "data");
   const auto set = RequiredObject<Data>(interpreter, set_alias, " is not of type data");
-  TAnswer answer = train(line, {alias, trainer, set_alias, *set});
+  TAnswer answer = train(line, {alias, trainer, set_alias, *set, interpreter.Observer()});
   set->ResetCursor();
   return answer;
 }

@@ -1,9 +1,10 @@
 #include "FileHandler/Syntax/ParseTools.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <system_error>
@@ -12,6 +13,7 @@
 #include "Shared/Narrowing.h"
 #include "Shared/NumberScan.h"
 #include "Shared/TAssertion.h"
+#include "Shared/TDescriptor.h"
 #include "Shared/Text.h"
 
 namespace kiln::FileTools {
@@ -42,26 +44,30 @@ bool IsWordCharacter(char c) {
   return ClassOf(c) == CharClass::kWord;
 }
 
-// The whole file. Files that do not tell their size, such as pipes, are read until they end, which
-// a device may never do.
-std::string ReadWholeFile(const std::string& path) {
+// How much the file holds; 0 where it does not tell, as pipes and devices do not.
+std::size_t SizeOf(const std::string& path) {
   std::error_code no_size;
-  const auto known_size = std::filesystem::file_size(path, no_size);
-  std::ifstream file(path, std::ios::binary);
-  if (!file) throw OpenError(path);
+  const auto size = std::filesystem::file_size(path, no_size);
+  return no_size ? 0 : size;
+}
 
+// The whole file. What does not tell its size is read until it ends, which a device may never do.
+std::string ReadWholeFile(const std::string& path) {
+  const TDescriptor file = TDescriptor::Open(path, O_RDONLY);
+  if (!file.IsOpen()) throw OpenError(path);
   // One more than the file holds: the first read meets the end, and nothing is moved.
-  std::string text(no_size ? 4096 : known_size + 1, '\0');
+  std::string text(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
   std::size_t size = 0;
-  while (file) {
+  for (;;) {
     if (size == text.size()) {
       if (size >= kMaxStream) throw std::length_error("a file without an end");
       text.resize(2 * size);
     }
-    file.read(text.data() + size, static_cast<std::streamsize>(text.size() - size));
-    size += static_cast<std::size_t>(file.gcount());
+    const ssize_t count = ReadSome(file.Number(), text.data() + size, text.size() - size);
+    if (count < 0) throw OpenError(path);
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
   }
-  if (file.bad()) throw OpenError(path);
   text.resize(size);
   return text;
 }

@@ -60,7 +60,7 @@ struct ParseItem {
 class Reader {
  public:
   // Reads the file at `path` into memory. Throws OpenError; std::length_error for a pipe or a
-  // device that gives 2^30 characters and has not ended.
+  // device that gives 2^30 characters and has not ended; TInterrupted.
   static Reader FromFile(const std::string& path);
 
   // Reads `text`; errors are reported under `file_name`.

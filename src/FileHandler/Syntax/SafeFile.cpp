@@ -1,18 +1,63 @@
 #include "FileHandler/Syntax/SafeFile.h"
 
-#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <memory>
+#include <optional>
+#include <streambuf>
 #include <system_error>
-#include <utility>
+
+#include "Shared/Interruption.h"
 
 namespace kiln::FileTools {
 
 namespace {
 
 namespace fs = std::filesystem;
+
+// The path of the temporary that a signal which ends the program has to remove.
+std::atomic<const char*> temporary_path = nullptr;
+
+// A failed call of the system; by itself, errno says why.
+[[noreturn]] void Fail(int reason = errno) {
+  throw std::system_error(reason, std::generic_category());
+}
+
+// The state of the file that `path` leads to; nothing where there is none yet.
+std::optional<struct stat> StateOf(const std::string& path) {
+  struct stat state = {};
+  if (stat(path.c_str(), &state) == 0) return state;
+  if (errno != ENOENT) Fail();
+  return std::nullopt;
+}
+
+// A descriptor open for writing to this file, or -1. Shells hand none down beyond 255.
+int FindOpen(const struct stat& file) {
+  constexpr int kHighest = 255;
+  for (int number = STDOUT_FILENO; number <= kHighest; ++number) {
+    struct stat state = {};
+    const bool is_same =
+        fstat(number, &state) == 0 && state.st_dev == file.st_dev && state.st_ino == file.st_ino;
+    if (is_same && (fcntl(number, F_GETFL) & O_ACCMODE) != O_RDONLY) return number;
+  }
+  return -1;
+}
+
+// Only what the program opened itself is closed on exec: what it was handed has come through one.
+bool WasHandedDown(int descriptor) {
+  return (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0;
+}
+
+TDescriptor Duplicate(int descriptor) {
+  std::cout.flush();  // of what has been said before nothing shall come later
+  return TDescriptor(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+}
 
 // Where `path` leads to. Links to files that do not exist yet are followed too; as many as the
 // system follows, should they become a circle meanwhile.
@@ -25,101 +70,185 @@ fs::path FollowLinks(fs::path path) {
   return path;
 }
 
-// A new file in the directory of a target. It is removed at the end unless it took its place.
+// Keeps signals from this thread as long as it stands.
+class TSignalsBlocked {
+ public:
+  TSignalsBlocked() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before_);
+  }
+  ~TSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+  TSignalsBlocked(const TSignalsBlocked&) = delete;
+  TSignalsBlocked& operator=(const TSignalsBlocked&) = delete;
+
+ private:
+  sigset_t before_ = {};
+};
+
+// A new file in the folder of a target. It is removed at the end unless it took its place.
 class TemporaryFile {
  public:
-  explicit TemporaryFile(const fs::path& target) {
-    constexpr int kMaxTries = 1000;  // files left behind by a crash, or other saves at work
-    for (int i = 0; i < kMaxTries && path_.empty(); ++i) {
-      const fs::path path = target.parent_path() / (".kiln-save-" + std::to_string(i));
-      // Mode "x" alone tells whether the file is new.
-      if (std::FILE* file = std::fopen(path.c_str(), "wx")) {
-        std::fclose(file);
-        path_ = path;
-      }
+  TemporaryFile(const fs::path& target, const std::optional<struct stat>& old) : target_(target) {
+    constexpr mode_t kPermissions = 0777;  // what a file is run as is not for its new text
+    const mode_t mode = old ? old->st_mode & kPermissions : 0666;
+    const std::string stem = target.parent_path() / (".kiln-save-" + std::to_string(getpid()));
+    // The number passes over what a program of the same process number has left behind.
+    for (unsigned number = 0; !file_.IsOpen(); ++number) {
+      path_ = stem + "-" + std::to_string(number);
+      const TSignalsBlocked blocked;
+      file_ = TDescriptor::Open(path_, O_WRONLY | O_CREAT | O_EXCL, mode);
+      if (file_.IsOpen())
+        temporary_path = path_.c_str();
+      else if (errno != EEXIST)
+        Fail();
     }
+    if (old) TakeOver(*old, mode);
   }
 
   ~TemporaryFile() {
-    std::error_code ignored;
-    if (!path_.empty()) fs::remove(path_, ignored);
+    const TSignalsBlocked blocked;
+    RemoveTemporary();
+    temporary_path = nullptr;
   }
 
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  bool WasMade() const { return !path_.empty(); }
-  const fs::path& Path() const { return path_; }
+  const TDescriptor& File() const { return file_; }
 
-  // Before anything is written: nobody shall read more than the old file showed.
-  bool TakePermissions(fs::file_status old) const {
-    std::error_code error;
-    if (fs::exists(old)) fs::permissions(path_, old.permissions(), error);
-    return !error;
-  }
-
-  // Puts the file in the place of `target`.
-  bool Replace(const fs::path& target) {
-    std::error_code error;
-    fs::rename(path_, target, error);
-    if (!error) path_.clear();
-    return !error;
+  // Puts the file in the place of the target.
+  void Replace() {
+    if (!Sync(file_) || !file_.Close()) Fail();
+    {
+      const TSignalsBlocked blocked;
+      if (rename(path_.c_str(), target_.c_str()) != 0) Fail();
+      temporary_path = nullptr;
+    }
+    SyncFolder();
   }
 
  private:
-  fs::path path_;
+  // Owner and mode of the old file, as far as the system lets us.
+  void TakeOver(const struct stat& old, mode_t mode) const {
+    struct stat state = {};
+    const bool is_known = fstat(file_.Number(), &state) == 0;
+    if (is_known && (state.st_uid != old.st_uid || state.st_gid != old.st_gid)) {
+      [[maybe_unused]] const int outcome = fchown(file_.Number(), old.st_uid, old.st_gid);
+    }
+    fchmod(file_.Number(), mode);
+  }
+
+  // A folder that we may write but not read cannot be opened, and is left to the system.
+  void SyncFolder() const {
+    const fs::path folder = target_.parent_path();
+    const TDescriptor opened =
+        TDescriptor::Open(folder.empty() ? "." : folder.string(), O_RDONLY | O_DIRECTORY);
+    if (opened.IsOpen() ? !Sync(opened) : errno != EACCES) Fail();
+  }
+
+  fs::path target_;
+  std::string path_;
+  TDescriptor file_;
 };
 
-// Both tell whether all of the text reached the system.
-bool WriteTo(std::ostream& out, const std::function<void(Writer&)>& write) {
+// Hands text on to a file, and keeps the reason of the first failure.
+class TFileBuffer : public std::streambuf {
+ public:
+  explicit TFileBuffer(const TDescriptor& file) : file_(file) {}
+
+  int Reason() const { return reason_; }
+
+ protected:
+  std::streamsize xsputn(const char* text, std::streamsize size) override {
+    if (WriteAll(file_, {text, static_cast<std::size_t>(size)})) return size;
+    reason_ = errno;
+    return 0;
+  }
+  int_type overflow(int_type c) override {
+    const char text = traits_type::to_char_type(c);
+    return xsputn(&text, 1) == 1 ? c : traits_type::eof();
+  }
+
+ private:
+  const TDescriptor& file_;
+  int reason_ = 0;
+};
+
+void WriteTo(const TDescriptor& file, const std::function<void(Writer&)>& write) {
+  TFileBuffer buffer(file);
+  std::ostream out(&buffer);
   {
     Writer writer(out);
     write(writer);
   }
-  return !out.flush().fail();
+  if (!out) Fail(buffer.Reason());
 }
 
-bool WriteThrough(const fs::path& path, const std::function<void(Writer&)>& write) {
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  if (!file || !WriteTo(file, write)) return false;
-  file.close();
-  return !file.fail();
-}
-
-bool IsWritable(const fs::path& path) {
-  return std::ofstream(path, std::ios::app).is_open();
-}
-
-// Puts the text in the place of `target`, a file or nothing yet, and tells whether that went well.
-bool Replace(const fs::path& target, fs::file_status old,
+// Puts the text in the place of the file at `path`, or of nothing yet.
+void Replace(const std::string& path, const std::optional<struct stat>& old,
              const std::function<void(Writer&)>& write) {
   // Renaming would get past the write protection of the old file.
-  if (fs::exists(old) && !IsWritable(target)) return false;
-  TemporaryFile temporary(target);
-  return temporary.WasMade() && temporary.TakePermissions(old) &&
-         WriteThrough(temporary.Path(), write) && temporary.Replace(target);
+  if (old && faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) Fail();
+  TemporaryFile temporary(FollowLinks(path), old);
+  WriteTo(temporary.File(), write);
+  temporary.Replace();
 }
 
 // Writes to the file that `path` leads to in the way that its kind asks for.
-bool Save(const std::string& path, const std::function<void(Writer&)>& write) {
-  // Where the output is sent to a file, this path leads there, and the file must not be replaced.
-  if (path == "/dev/stdout") return WriteTo(std::cout, write);
-  std::error_code error;
-  const fs::file_status old = fs::status(path, error);
-  // Links that lead in a circle, or a directory that may not be searched: there is no target.
-  if (!fs::status_known(old)) return false;
-  // By the path as it is: what "/dev/stderr" says it links to may be a pipe, which has no path.
-  if (fs::exists(old) && !fs::is_regular_file(old)) return WriteThrough(path, write);
-  return Replace(FollowLinks(path), old, write);
+void Save(const std::string& path, const std::function<void(Writer&)>& write) {
+  const std::optional<struct stat> old = StateOf(path);
+  const int open_already = old ? FindOpen(*old) : -1;
+  if (open_already >= 0 && !WasHandedDown(open_already)) {
+    throw SaveError(path, "this session is writing it");
+  }
+  if (open_already < 0 && (!old || S_ISREG(old->st_mode))) return Replace(path, old, write);
+  TDescriptor file = OpenToWrite(path);
+  if (!file.IsOpen()) Fail();
+  WriteTo(file, write);
+  if (!file.Close()) Fail();
 }
 
 }  // namespace
 
-SaveError::SaveError(const std::string& path)
-    : TException("cannot save to file " + path, "File Error", "FileTools::SaveFile") {}
+SaveError::SaveError(const std::string& path, const std::string& reason)
+    : TException("cannot save to file " + path + ": " + reason, "File Error",
+                 "FileTools::SaveFile") {}
 
 void SaveFile(const std::string& path, const std::function<void(Writer&)>& write) {
-  if (!Save(path, write)) throw SaveError(path);
+  try {
+    Save(path, write);
+  } catch (const std::system_error& failure) {
+    throw SaveError(path, failure.code().message());
+  }
+}
+
+TDescriptor OpenToWrite(const std::string& path) {
+  struct stat state = {};
+  const int open_already = stat(path.c_str(), &state) == 0 ? FindOpen(state) : -1;
+  if (open_already >= 0 && WasHandedDown(open_already)) return Duplicate(open_already);
+  return TDescriptor::Open(path, O_WRONLY | O_CREAT | O_TRUNC, 0666);
+}
+
+bool WriteAll(const TDescriptor& file, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t count = write(file.Number(), text.data(), text.size());
+    if (count >= 0)
+      text.remove_prefix(static_cast<std::size_t>(count));
+    else if (errno != EINTR || Interruption::IsRequested())
+      return false;
+  }
+  return true;
+}
+
+bool Sync(const TDescriptor& file) {
+  // Pipes and devices answer EINVAL, some file systems ENOTSUP.
+  return fsync(file.Number()) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EROFS;
+}
+
+void RemoveTemporary() noexcept {
+  if (const char* path = temporary_path) unlink(path);
 }
 
 }  // namespace kiln::FileTools

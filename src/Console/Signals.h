@@ -1,0 +1,26 @@
+#pragma once
+
+// How the program meets the signals of the operating system.
+namespace kiln::Signals {
+
+// To be called once, when the program starts. From then on writing to a pipe that nobody reads, or
+// beyond a quota, is a failed write; and a signal that ends the program has it remove the file that
+// it was about to save first.
+void Install();
+
+// From now on SIGINT does not end the program at once. While a command runs the first one requests
+// an interruption and the second one ends the program; otherwise it requests an interruption, which
+// ends the reading of a line.
+void CatchInterrupts();
+
+// Stands for a command that runs. Earlier requests of an interruption are forgotten.
+class TCommandScope {
+ public:
+  TCommandScope();
+  ~TCommandScope();
+
+  TCommandScope(const TCommandScope&) = delete;
+  TCommandScope& operator=(const TCommandScope&) = delete;
+};
+
+}  // namespace kiln::Signals

@@ -1,0 +1,110 @@
+#!/usr/bin/python3
+"""Talks to kiln through a terminal, as a person does: interruptions, and what a terminal is shown.
+
+    terminal.py PROGRAM SCRATCH_FOLDER
+"""
+import os
+import pty
+import re
+import select
+import shutil
+import signal
+import sys
+import time
+
+PROMPT = b"Kiln>>"
+PATIENCE = 20  # seconds
+
+
+class Session:
+    def __init__(self, program):
+        self.pid, self.terminal = pty.fork()
+        if self.pid == 0:
+            os.execv(program, [program])
+        self.read()
+
+    def read(self, until=PROMPT):
+        """What is shown until this text stands at the end; the end of the program ends it too."""
+        shown, deadline = b"", time.monotonic() + PATIENCE
+        while not shown.endswith(until):
+            ready, _, _ = select.select([self.terminal], [], [], max(0, deadline - time.monotonic()))
+            if not ready:
+                sys.exit(f"no {until} behind: {shown}")
+            try:
+                shown += os.read(self.terminal, 4096)
+            except OSError:
+                break
+        return shown.replace(b"\r\n", b"\n").decode("latin-1")
+
+    def type(self, line):
+        os.write(self.terminal, line.encode() + b"\n")
+
+    def say(self, line):
+        """Types a line and returns the answer, without the echo of the line."""
+        self.type(line)
+        return self.read()[len(line) + 1:-len(PROMPT)]
+
+    def interrupt(self, after=0.3):
+        time.sleep(after)
+        os.write(self.terminal, b"\x03")
+
+
+def expect(got, pattern):
+    if not re.fullmatch(pattern, got, re.DOTALL):
+        sys.exit(f"expected {pattern}\ngot      {got!r}")
+
+
+def interrupted(session, line, pattern):
+    session.type(line)
+    session.interrupt()
+    # The terminal drops what is not shown yet.
+    expect(session.read(), ".*" + pattern + PROMPT.decode())
+
+
+def main(program, folder):
+    shutil.rmtree(folder, ignore_errors=True)
+    os.makedirs(folder)
+    os.chdir(folder)
+    for n in range(40):  # 2^40 lines
+        with open(f"{n}", "w") as script:
+            script.write(f"run filename ({n + 1})\n" * 2)
+    with open("40", "w") as script:
+        script.write("query aliasexists d\n")
+    os.mkfifo("fifo")
+
+    session = Session(program)
+    for line in ("create Data alias d inputs 1 outputs 1 rows 1 labels false",
+                 "append alias d inputs {1} outputs {0.25}",
+                 "create MLP alias net inputs 1 layers 3 hidden {1} outputs 1 bias true seed 1",
+                 "create BPTrainer alias t network net",
+                 "create GATrainer alias g network net minweight -1 maxweight 1 population 50",
+                 "create Kohonen alias k inputs 1 dimensions 1 mapdim {3} seed 1",
+                 "create KohonenTrainer alias kt network k"):
+        expect(session.say(line), "OK\n")
+
+    # A training ends after its epoch or generation, with its answer and what it has reached.
+    interrupted(session, "train alias t data d epochs 2000000000", r"Result: 0\.000.*\n")
+    interrupted(session, "train alias g data d generations 2000000000 terminating -1 seed 1",
+                r"Result: .*\n")
+    interrupted(session, "train alias kt data d epochs 2000000000 LearningRate 0.1 neighbourhood {1}",
+                r"OK\n")
+    # A script ends before its next line; nobody else opens the fifo; at the prompt the line goes.
+    interrupted(session, "run filename (0)", r"Error: line 1 of file 0 .*interrupted\n")
+    for command in "run", "load Data alias x", "save Data alias d", "log start":
+        interrupted(session, command + " filename (fifo)", r"Error: interrupted\n")
+    os.write(session.terminal, b"destroy d")
+    session.interrupt()
+    expect(session.read(), r"destroy d\^C\nKiln>>")
+    expect(session.say("query aliasexists d"), "Result: true\n")
+
+    # The second interruption ends the program.
+    session.say("create GATrainer alias slow network net minweight -1 maxweight 1 population 1000000")
+    session.type("train alias slow data d generations 1")
+    session.interrupt()
+    session.interrupt(0.05)
+    session.read()
+    _, status = os.waitpid(session.pid, 0)
+    expect(str(os.WTERMSIG(status)), str(int(signal.SIGINT)))
+
+
+main(os.path.abspath(sys.argv[1]), sys.argv[2])
