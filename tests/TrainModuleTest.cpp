@@ -7,7 +7,11 @@
 #include "KQmessage/TKQstructure.h"
 #include "Networks.h"
 #include "NeuralNets/Kernels/Kernels.h"
+#include "NeuralNets/Training/TBackpropBlock.h"
 #include "NeuralNets/Training/TBackpropModule.h"
+#include "NeuralNets/Training/TBackpropPattern.h"
+#include "NeuralNets/Training/TBackpropSmall.h"
+#include "NeuralNets/Training/TLayerwisePass.h"
 #include "Shared/NumberFormat.h"
 
 namespace kiln {
@@ -244,7 +248,9 @@ INSTANTIATE_TEST_SUITE_P(All, TTrainingTest, testing::ValuesIn(kCases),
 class TLayerwiseTrainer : public TBackpropModule {
  public:
   using TBackpropModule::TBackpropModule;
-  std::unique_ptr<TTrainPass> MakePass(const TTrainRun&) override { return nullptr; }
+  std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override {
+    return std::make_unique<TLayerwisePass>(State(), run);
+  }
 };
 
 TEST(TBackpropModuleTest, EveryPassTrainsAsTheLayersDoOneByOne) {
@@ -283,6 +289,69 @@ TEST(TBackpropModuleTest, EveryPassTrainsAsTheLayersDoOneByOne) {
     }
   }
   EXPECT_EQ(best, &Kernels());
+}
+
+// --- Which pass a network gets ----------------------------------------------------------------
+
+class TPassAsker : public TBackpropModule {
+ public:
+  using TBackpropModule::TBackpropModule;
+
+  // The class of the pass for a set of so many patterns, and how many patches it delays.
+  std::string Ask(const char* settings, int patterns) {
+    TKQstructure params = TKQstructure::Parse(settings);
+    const TTrainRun run(params, *MakePatterns(patterns, static_cast<int>(Network().NumInputs()),
+                                              static_cast<int>(Network().NumOutputs()), 0, 1));
+    const std::unique_ptr<TTrainPass> pass = MakePass(run);
+    if (dynamic_cast<TBackpropBlock*>(pass.get())) return "block";
+    if (dynamic_cast<TBackpropSmall*>(pass.get())) return "small";
+    const auto* listed = dynamic_cast<TBackpropPattern*>(pass.get());
+    if (listed) return "pattern " + std::to_string(listed->NumDelayed());
+    return dynamic_cast<TLayerwisePass*>(pass.get()) ? "layerwise" : "unknown";
+  }
+};
+
+// Limits, each from both sides.
+TEST(TBackpropModuleTest, TakesTheFastestPassThatFits) {
+  const auto ask = [](const std::shared_ptr<TMLPNetwork>& network, const char* settings,
+                      int patterns) { return TPassAsker(network).Ask(settings, patterns); };
+  const auto small = [] { return MakePerceptron({3, 4, 2}, true); };
+  EXPECT_EQ("small", ask(small(), kMomentum, 1));
+  EXPECT_EQ("small", ask(small(), kForgetting, 9));
+  EXPECT_EQ("small", ask(MakePerceptron({31, 64}, true), kPlain, 9));            // 2048 weights
+  EXPECT_EQ("pattern 0", ask(MakePerceptron({31, 62, 1, 1}, true), kPlain, 9));  // 2049
+  EXPECT_EQ("block", ask(small(), kBatch, 4));
+  EXPECT_EQ("layerwise", ask(small(), kBatch, 3));
+  EXPECT_EQ("layerwise", ask(small(), kQuadratic, 9));
+
+  const auto altered = [&](const auto& alter, const char* settings) {
+    const auto network = small();
+    alter(*network);
+    return ask(network, settings, 9);
+  };
+  const auto bend = [](TBasicNetwork& n) { n.Layer(2).SetActivation(ActTanh); };
+  EXPECT_EQ("pattern 0", altered(bend, kPlain));
+  EXPECT_EQ("block", altered(bend, kBatch));
+  const auto freeze = [](TBasicNetwork& n) { n.Connections(2, 1).SetTrainable(0, 0, false); };
+  EXPECT_EQ("pattern 0", altered(freeze, kPlain));
+  EXPECT_EQ("block", altered(freeze, kBatch));
+  const auto prune = [](TBasicNetwork& n) { n.Connections(2, 1).SetExists(0, 0, false); };
+  EXPECT_EQ("pattern 0", altered(prune, kPlain));
+  EXPECT_EQ("layerwise", altered(prune, kBatch));
+  const auto lead_back = [](TMLPNetwork& n) { n.Connect(3, 2); };
+  EXPECT_EQ("layerwise", altered(lead_back, kPlain));
+  EXPECT_EQ("layerwise", altered(lead_back, kBatch));
+
+  const auto wide = [](int inputs, int hidden) {
+    return MakePerceptron({inputs, hidden, 90}, true);
+  };
+  constexpr char kHuge[] = "(P :LearningRate 0.1 :Momentum 1.1)";
+  EXPECT_EQ("pattern 1", ask(wide(48, 16), kMomentum, 8));
+  EXPECT_EQ("pattern 0", ask(wide(48, 16), kMomentum, 7));
+  EXPECT_EQ("pattern 0", ask(wide(47, 17), kMomentum, 8));
+  EXPECT_EQ("pattern 0", ask(wide(64, 15), kMomentum, 8));
+  EXPECT_EQ("pattern 0", ask(wide(48, 16), kHuge, 8));
+  EXPECT_EQ("pattern 0", ask(wide(48, 16), kForgetting, 8));
 }
 
 // --- The loop over epochs --------------------------------------------------------------------
@@ -340,6 +409,9 @@ TEST(TTrainModuleTest, RefusesBeforeAnyWeightChanges) {
     TKQstructure params = TKQstructure::Parse("(Params :LEARNINGRATE 1 " + settings + ")");
     return Failure([&] { TBackpropModule(network).Epoch(set, params); });
   };
+  TKQstructure none;
+  EXPECT_EQ(AssertionText("false", kModule, 79),
+            Failure([&] { TTrainModule(network).Epoch(*data, none); }));
   EXPECT_EQ(AssertionText("false", kModule, 108), train(":ERRORFUNCTION ABS", *data));
   EXPECT_EQ(AssertionText("false", kModule, 355), train(":WEIGHTPENALTY DECAY", *data));
   EXPECT_EQ(0u, train(":MOMENTUM much", *data).find("much is not a double"));

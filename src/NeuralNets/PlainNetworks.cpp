@@ -22,10 +22,17 @@ bool IsPlainLayer(const TBasicNetwork& network, std::size_t index) {
 
 }  // namespace
 
-bool IsPlain(const TBasicNetwork& network) {
+bool IsFeedForward(const TBasicNetwork& network) {
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
     const auto sources = network.Sources(layer);
     if (!sources.empty() && sources.back() >= layer) return false;
+  }
+  return true;
+}
+
+bool IsPlain(const TBasicNetwork& network) {
+  if (!IsFeedForward(network)) return false;
+  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
     if (!IsPlainLayer(network, layer)) return false;
   }
   return true;

@@ -99,21 +99,32 @@ void TBasicConnections::Read(TIterateObjRead& operation) const {
   ForEachPlace([&](std::size_t, const TConnection& connection) { operation.Read(connection); });
 }
 
-void TBasicConnections::Iterate2(TBasicConnections& conn2, TIterateObj2& operation) {
-  CheckTwin(conn2, "conn1 -> GetConnectionsNType() == conn2 -> GetConnectionsNType()");
+void TBasicConnections::Iterate2(std::span<double> second, TIterateObj2& operation) {
+  CheckSize(second);
   for (const TPatchShape& patch : patches_) {
-    operation.Patch(PatchOf(patch), conn2.weights_.data() + patch.offset);
+    operation.Patch(PatchOf(patch), second.data() + patch.offset);
   }
+}
+
+void TBasicConnections::Iterate3(std::span<double> second, std::span<double> third,
+                                 TIterateObj3& operation) {
+  CheckSize(second);
+  CheckSize(third);
+  for (const TPatchShape& patch : patches_) {
+    operation.Patch(PatchOf(patch), second.data() + patch.offset, third.data() + patch.offset);
+  }
+}
+
+void TBasicConnections::Iterate2(TBasicConnections& conn2, TIterateObj2& operation) {
+  CheckKind(conn2, "conn1 -> GetConnectionsNType() == conn2 -> GetConnectionsNType()");
+  Iterate2(conn2.Weights(), operation);
 }
 
 void TBasicConnections::Iterate3(TBasicConnections& conn2, TBasicConnections& conn3,
                                  TIterateObj3& operation) {
-  CheckTwin(conn2, "conn1 -> GetConnectionsNType() == conn2 -> GetConnectionsNType()");
-  CheckTwin(conn3, "conn1 -> GetConnectionsNType() == conn3 -> GetConnectionsNType()");
-  for (const TPatchShape& patch : patches_) {
-    operation.Patch(PatchOf(patch), conn2.weights_.data() + patch.offset,
-                    conn3.weights_.data() + patch.offset);
-  }
+  CheckKind(conn2, "conn1 -> GetConnectionsNType() == conn2 -> GetConnectionsNType()");
+  CheckKind(conn3, "conn1 -> GetConnectionsNType() == conn3 -> GetConnectionsNType()");
+  Iterate3(conn2.Weights(), conn3.Weights(), operation);
 }
 
 void TBasicConnections::AddRow(std::size_t) {
@@ -199,10 +210,14 @@ TWeightPatch TBasicConnections::PatchOf(const TPatchShape& shape) {
           exceptions_ != 0 ? masks_.data() + shape.offset : nullptr};
 }
 
-void TBasicConnections::CheckTwin(const TBasicConnections& twin, const char* expression) const {
+void TBasicConnections::CheckKind(const TBasicConnections& twin, const char* expression) const {
   CheckAttached();
   if (typeid(*this) != typeid(twin)) Assert(false, expression, Module());
-  if (weights_.size() != twin.weights_.size()) {
+}
+
+void TBasicConnections::CheckSize(std::span<const double> values) const {
+  CheckAttached();
+  if (values.size() != weights_.size()) {
     Assert(false, "conn1 -> Size() == conn2 -> Size()", Module());
   }
 }

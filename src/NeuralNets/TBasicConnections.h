@@ -35,6 +35,10 @@ class TBasicConnections {
   // and is trainable for good; taking a flag away is a TAssertion.
   virtual bool HasFlags() const { return true; }
 
+  // Whether weight penalties act on the block. They pull weights to 0, which only makes sense where
+  // a weight of 0 is one without influence.
+  virtual bool IsPenalised() const { return true; }
+
   // Whether rows and columns can be added and removed.
   virtual bool IsResizable() const { return true; }
 
@@ -83,6 +87,11 @@ class TBasicConnections {
 
   void Iterate(TIterateObj& operation);
   void Read(TIterateObjRead& operation) const;
+
+  // Walk the weights of this block in step with numbers that stand as they do, patch by patch.
+  // Throw TAssertion unless there is a number for each weight.
+  void Iterate2(std::span<double> second, TIterateObj2& operation);
+  void Iterate3(std::span<double> second, std::span<double> third, TIterateObj3& operation);
 
   // Walk this block and others of the same kind and shape in step.
   // Throw TAssertion when kind or shape differ.
@@ -141,7 +150,8 @@ class TBasicConnections {
   void SetFlag(std::size_t to, std::size_t from, TMask flag, bool set);
   void Store(std::size_t place, double weight, TMask flags);
   void StoreFlags(std::size_t place, TMask flags);
-  void CheckTwin(const TBasicConnections& twin, const char* expression) const;
+  void CheckKind(const TBasicConnections& twin, const char* expression) const;
+  void CheckSize(std::span<const double> values) const;
 
   template <typename TVisit>
   void ForEachPlace(const TVisit& visit) const;

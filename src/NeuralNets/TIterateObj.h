@@ -41,10 +41,10 @@ class TIterateObjAggregate : public TIterateObj {
   std::vector<TIterateObj*> operations_;
 };
 
-// An operation on two blocks of the same shape in step: training pairs weights with their gradients
-// or their last changes. It is handed a patch of the first block and the weights of the second at
-// the same place, a whole patch in one call, so that it can run a kernel over it. Flags never
-// change.
+// An operation on the weights of a block and a second number for each, in step: training pairs
+// weights with their gradients or their last changes. It is handed a patch of the block and the
+// second numbers of its weights, a whole patch in one call, so that it can run a kernel over it.
+// Flags never change.
 class TIterateObj2 {
  public:
   virtual ~TIterateObj2() = default;
@@ -52,7 +52,7 @@ class TIterateObj2 {
   virtual void Patch(const TWeightPatch& patch, double* second) = 0;
 };
 
-// The same with three blocks.
+// The same with two numbers for each weight.
 class TIterateObj3 {
  public:
   virtual ~TIterateObj3() = default;

@@ -33,8 +33,8 @@ std::size_t TPatternBlock::Width() const {
   return PaddedSize(count_);
 }
 
-void TPatternBlock::Recall(const Data& data, int first) {
-  count_ = std::min(kPatterns, static_cast<std::size_t>(data.DataRows() - first));
+void TPatternBlock::Recall(const Data& data, int first, int last) {
+  count_ = std::min(kPatterns, static_cast<std::size_t>(last - first));
   SetInputs(data, first);
   for (std::size_t layer = 0; layer < network_.NumLayers(); ++layer) {
     if (layer != network_.InputLayer()) Compute(layer);

@@ -27,10 +27,10 @@ class TPatternBlock {
   // REQUIRES: the network fits, and outlives the block.
   explicit TPatternBlock(TBasicNetwork& network);
 
-  // Recalls the rows from `first` on, counted from the oldest of the set, as many as there are and
-  // the block takes. The layers of the network keep the outputs for the last of them.
-  // REQUIRES: first < data.DataRows(); the set's inputs fit the network.
-  void Recall(const Data& data, int first);
+  // Recalls the rows first..last-1, counted from the oldest of the set, or the first kPatterns of
+  // them. The layers of the network keep the outputs for the last row that was recalled.
+  // REQUIRES: first < last <= data.DataRows(); the set's inputs fit the network.
+  void Recall(const Data& data, int first, int last);
 
   // How many patterns the last call recalled, and their places rounded up to whole registers.
   std::size_t Count() const { return count_; }

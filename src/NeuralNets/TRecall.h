@@ -47,7 +47,7 @@ class TRecall {
   template <typename TVisit>
   void VisitBlocks(const Data& set, const TVisit& visit) {
     for (int n = 0; n < set.DataRows();) {
-      block_->Recall(set, n);
+      block_->Recall(set, n, set.DataRows());
       for (std::size_t pattern = 0; pattern < block_->Count(); ++pattern, ++n) {
         block_->GetPattern(network_.OutputLayer(), pattern, output_);
         visit(set.Row(n), std::span<const double>(output_));

@@ -6,9 +6,11 @@
 namespace kiln {
 
 // A block whose weights are the centres of membership functions: one connection a function, and one
-// patch for all functions of a variable. Its layers never change.
+// patch for all functions of a variable. Its layers never change, and weight penalties pass it
+// over: they would pull the centres to 0.
 class TCentreConnections : public TBasicConnections {
  public:
+  bool IsPenalised() const override { return false; }
   bool IsResizable() const override { return false; }
 
   // Apply to the centres of each variable what PlaceCentresEvenly, heedless of flags,

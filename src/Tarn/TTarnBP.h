@@ -1,22 +1,19 @@
 #pragma once
 
 #include <memory>
-#include <vector>
 
 #include "NeuralNets/Training/TBackpropModule.h"
+#include "Tarn/TCentreSteps.h"
 #include "Tarn/TTarn.h"
 
 namespace kiln {
 
 // Back-propagation for a Tarn: gradient descent on all of its weights, the centres of the terms
-// included. Rule and action layers train as those of any network. With e the error term of an
-// output o, and a, w and S as in TTarnOutputLayer,
-//   dE/dw = e a / S    dE/da = e (w - o) / S, both 0 where S is 0;
-// how a membership moves the centres around it, AddCentreGradients says.
+// included (see TTarnPass).
 //
-// After each update the steps of input centres are shortened (see LimitCentreSteps) and all centres
-// put back in order; the change that momentum remembers is that before it. A weight penalty acts on
-// the weights into rules and actions alone: forgetting would pull the centres to 0.
+// After each update the steps of input centres are shortened and all centres put back in order (see
+// TCentreSteps); the change that momentum remembers is that before it. A weight penalty acts on the
+// weights into rules and actions alone (see TCentreConnections).
 class TTarnBP : public TBackpropModule {
  public:
   // REQUIRES: network->IsComplete().
@@ -30,18 +27,11 @@ class TTarnBP : public TBackpropModule {
 
  protected:
   void CheckLayers(const TTrainRun& run) const override;
-  void TrainLayer(const TTrainRun& run, std::size_t layer) override;
-  void WeightsChanged() override;
-  bool IsPenalised(std::size_t to, std::size_t from) const override;
+  std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override;
+  void Update(const TTrainRun& run, double share) override;
 
  private:
-  void TrainOutputLayer(const TTrainRun& run);
-  void TrainConditionLayer(const TTrainRun& run);
-
-  TTarn& tarn_;
-  std::vector<double> ones_;              // one an input
-  std::vector<double> centre_gradients_;  // of the condition layer, for the pattern at hand
-  std::vector<double> centres_before_;    // of the inputs, before the next update
+  TCentreSteps steps_;
 };
 
 }  // namespace kiln

@@ -6,42 +6,47 @@
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/Kernels/Transpose.h"
 #include "NeuralNets/Training/ActDerivatives.h"
+#include "NeuralNets/Training/TPatternEnds.h"
 
 namespace kiln {
 
 namespace {
 
 constexpr std::size_t kPatterns = TPatternBlock::kPatterns;
-constexpr int kMinPatterns = 4;  // fewer leave most of the registers empty
 
 }  // namespace
 
-bool TBackpropBlock::Fits(const TBasicNetwork& network, int patterns) {
-  return patterns >= kMinPatterns && TPatternBlock::Fits(network);
+bool TBackpropBlock::Fits(const TBasicNetwork& network, const TTrainRun& run) {
+  return run.batch >= kMinPatterns && TPatternBlock::Fits(network);
 }
 
-TBackpropBlock::TBackpropBlock(TBasicNetwork& network, TBasicNetwork& gradients)
-    : network_(network), gradients_(gradients), outputs_(network) {
+TBackpropBlock::TBackpropBlock(TTrainState& state, const TTrainRun& run)
+    : TTrainPass(TKind::kAddsGradients),
+      state_(state),
+      run_(run),
+      network_(*state.network),
+      outputs_(network_),
+      output_(network_.NumOutputs()) {
   std::size_t largest = 0;
-  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
-    const std::size_t neurons = network.Layer(layer).NumNeurons();
-    errors_.emplace_back(network.HasLowerSources(layer) ? neurons * kPatterns : 0);
+  for (std::size_t layer = 0; layer < network_.NumLayers(); ++layer) {
+    const std::size_t neurons = network_.Layer(layer).NumNeurons();
+    errors_.emplace_back(network_.HasLowerSources(layer) ? neurons * kPatterns : 0);
     largest = std::max(largest, PaddedSize(neurons));
   }
   rows_.resize(largest * kPatterns);
 }
 
-void TBackpropBlock::Run(const Data& data, TTrainRun& run) {
-  for (int n = 0; n < data.DataRows(); n += kPatterns) RunBlock(data, n, run);
+void TBackpropBlock::Run(const Data& data, int first, int last, TErrorObj& error) {
+  for (int n = first; n < last; n += kPatterns) RunBlock(data, n, last, error);
 }
 
-void TBackpropBlock::RunBlock(const Data& data, int first, TTrainRun& run) {
-  outputs_.Recall(data, first);
+void TBackpropBlock::RunBlock(const Data& data, int first, int last, TErrorObj& error) {
+  outputs_.Recall(data, first, last);
   for (std::vector<double>& errors : errors_) std::ranges::fill(errors, 0.0);
-  SetOutputErrors(data, first, run);
+  StartErrors(data, first, error);
   for (std::size_t layer = network_.NumLayers(); layer-- > 0;) {
     if (errors_[layer].empty()) continue;
-    if (!run.ErrorsAreDeltas(network_, layer)) {
+    if (!run_.ErrorsAreDeltas(network_, layer)) {
       ErrorsToDeltas(network_.Layer(layer), outputs_.Outputs(layer), errors_[layer]);
     }
     for (const std::size_t from : network_.Sources(layer)) {
@@ -51,17 +56,14 @@ void TBackpropBlock::RunBlock(const Data& data, int first, TTrainRun& run) {
   }
 }
 
-void TBackpropBlock::SetOutputErrors(const Data& data, int first, TTrainRun& run) {
+void TBackpropBlock::StartErrors(const Data& data, int first, TErrorObj& error) {
   const std::size_t layer = network_.OutputLayer();
   std::vector<double>& errors = errors_[layer];
   for (std::size_t p = 0; p < outputs_.Count(); ++p) {
     const std::span<const double> desired = data.Row(first + static_cast<int>(p)).Outputs;
-    outputs_.GetPattern(layer, p, run.output);
-    run.error->Accumulate(desired, run.output);
-    if (errors.empty()) continue;
-    for (std::size_t i = 0; i < desired.size(); ++i) {
-      errors[i * kPatterns + p] = run.output[i] - desired[i];
-    }
+    outputs_.GetPattern(layer, p, output_);
+    error.Accumulate(desired, output_);
+    if (!errors.empty()) SetOutputErrors(desired, output_, errors.data() + p, kPatterns);
   }
 }
 
@@ -75,8 +77,7 @@ void TBackpropBlock::AddGradients(std::size_t to, std::size_t from) {
       rows_.data(), stride);
   const TMatrixView deltas = {errors_[to].data(), kPatterns, 1};
   Kernels().multiply(network_.Layer(to).NumNeurons(), outputs_.Count(), neurons, deltas,
-                     rows_.data(), stride, gradients_.Connections(to, from).Weights().data(),
-                     neurons);
+                     rows_.data(), stride, state_.gradients.Block(to, from).data(), neurons);
 }
 
 // The error of a neuron is the sum over its targets of weight times delta.

@@ -6,34 +6,38 @@
 #include "NeuralNets/TPatternBlock.h"
 #include "NeuralNets/Training/TTrainPass.h"
 #include "NeuralNets/Training/TTrainRun.h"
+#include "NeuralNets/Training/TTrainState.h"
 
 namespace kiln {
 
-// Back-propagation of several patterns at a time: what TBackpropModule does for each pattern of a
+// Back-propagation of several patterns at a time: what TLayerwisePass does for each pattern of a
 // batch, as products of matrices (see TPatternBlock).
 class TBackpropBlock : public TTrainPass {
  public:
-  // Whether a network can be trained in this way (see TPatternBlock), and gains by it on a set of
-  // so many patterns.
-  static bool Fits(const TBasicNetwork& network, int patterns);
+  // Whether a network can be trained in this way (see TPatternBlock), and gains by it: batches have
+  // at least kMinPatterns.
+  static constexpr int kMinPatterns = 4;  // fewer leave most of the registers empty
+  static bool Fits(const TBasicNetwork& network, const TTrainRun& run);
 
-  // REQUIRES: the network fits; `gradients` is a network of its shape; both outlive the block.
-  TBackpropBlock(TBasicNetwork& network, TBasicNetwork& gradients);
+  // Adds gradients. REQUIRES: the network fits; state and run outlive the pass.
+  TBackpropBlock(TTrainState& state, const TTrainRun& run);
 
-  void Run(const Data& data, TTrainRun& run) override;
+  void Run(const Data& data, int first, int last, TErrorObj& error) override;
 
  private:
-  // Takes the rows from `first` on, as many as a block takes.
-  void RunBlock(const Data& data, int first, TTrainRun& run);
-  void SetOutputErrors(const Data& data, int first, TTrainRun& run);
+  // Takes rows first..last-1, or as many of them as a block takes.
+  void RunBlock(const Data& data, int first, int last, TErrorObj& error);
+  void StartErrors(const Data& data, int first, TErrorObj& error);
   void AddGradients(std::size_t to, std::size_t from);
   void Propagate(std::size_t to, std::size_t from);
 
+  TTrainState& state_;
+  const TTrainRun& run_;
   TBasicNetwork& network_;
-  TBasicNetwork& gradients_;
   TPatternBlock outputs_;
   std::vector<std::vector<double>> errors_;  // neurons x kPatterns of each layer that is trained
   std::vector<double> rows_;                 // outputs of a layer, patterns x neurons
+  std::vector<double> output_;               // of the pattern at hand
 };
 
 }  // namespace kiln

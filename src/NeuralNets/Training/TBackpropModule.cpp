@@ -1,10 +1,10 @@
 #include "NeuralNets/Training/TBackpropModule.h"
 
-#include "NeuralNets/PlainNetworks.h"
 #include "NeuralNets/Training/ActDerivatives.h"
 #include "NeuralNets/Training/TBackpropBlock.h"
 #include "NeuralNets/Training/TBackpropPattern.h"
 #include "NeuralNets/Training/TBackpropSmall.h"
+#include "NeuralNets/Training/TLayerwisePass.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln {
@@ -30,32 +30,27 @@ void TBackpropModule::CheckLayer(const TTrainRun& run, std::size_t layer) const 
   }
 }
 
-void TBackpropModule::TrainLayer(const TTrainRun& run, std::size_t layer) {
-  if (!Network().HasLowerSources(layer)) return;
-  const TBasicLayer& neurons = Network().Layer(layer);
-  if (!run.ErrorsAreDeltas(Network(), layer)) {
-    ErrorsToDeltas(neurons, neurons.Outputs(), Errors(layer));
-  }
-  const auto sources = Network().Sources(layer);
-  for (std::size_t i = sources.size(); i-- > 0;) {
-    const std::size_t from = sources[i];
-    if (from >= layer) continue;
-    TrainBlock(run, layer, from,
-               {Errors(layer), Network().Layer(from).Outputs(), ErrorsBelow(from)});
-  }
-}
-
+// Which way a run goes through the patterns: the first row whose conditions hold.
+//
+//   update        network                                                  pass
+//   one a batch   plain, no connection absent, at most 131072 neurons;     TBackpropBlock
+//                 batches of at least 4 patterns
+//   at once       plain, layers linear or sigmoid, all connections there   TBackpropSmall
+//                 and trainable, at most 2048 weights
+//   at once       plain                                                    TBackpropPattern
+//   any           any                                                      TLayerwisePass
+//
+// "At once" is TTrainRun::at_once, "plain" is IsPlain. Within TBackpropPattern those patches over
+// the inputs that are at least 16 rows high and 48 to 65536 columns wide, with no connection absent
+// or frozen, go through TDelayedBlock, on sets of at least 8 patterns, with a momentum of at most 1
+// and nothing that pulls at the weights.
 std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
-  if (run.batch && TBackpropBlock::Fits(Network(), run.patterns)) {
-    return std::make_unique<TBackpropBlock>(Network(), Gradients());
+  if (TBackpropBlock::Fits(Network(), run)) return std::make_unique<TBackpropBlock>(State(), run);
+  if (TBackpropSmall::Fits(Network(), run)) return std::make_unique<TBackpropSmall>(State(), run);
+  if (TBackpropPattern::Fits(Network(), run)) {
+    return std::make_unique<TBackpropPattern>(State(), run);
   }
-  if (run.at_once && TBackpropSmall::Fits(Network())) {
-    return std::make_unique<TBackpropSmall>(Network(), Gradients(), Changes(), run);
-  }
-  if (run.at_once && IsPlain(Network())) {
-    return std::make_unique<TBackpropPattern>(Network(), Gradients(), Changes(), run);
-  }
-  return nullptr;
+  return std::make_unique<TLayerwisePass>(State(), run);
 }
 
 }  // namespace kiln

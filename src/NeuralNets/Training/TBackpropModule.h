@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <memory>
+
 #include "NeuralNets/Training/TTrainModule.h"
 
 namespace kiln {
@@ -16,7 +19,9 @@ class TBackpropModule : public TTrainModule {
 
  protected:
   void CheckLayers(const TTrainRun& run) const override;
-  void TrainLayer(const TTrainRun& run, std::size_t layer) override;
+
+  // The fastest way that the network and the run can go; which that is, the table above the
+  // definition says.
   std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override;
 
   // Checks one layer: TAssertion unless its function can be trained, where it has to be.

@@ -23,26 +23,29 @@ class TVisitPatches : public TIterateObj2 {
 
 }  // namespace
 
-TBackpropPattern::TBackpropPattern(TBasicNetwork& network, TBasicNetwork& errors,
-                                   TBasicNetwork& changes, const TTrainRun& run)
-    : network_(network), ends_(network, errors), rates_(run.ForgettingRates()) {
-  ComputeConstantLayers(network);
-  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
-    if (network.HasLowerSources(layer)) AddStage(errors, changes, run, layer);
+bool TBackpropPattern::Fits(const TBasicNetwork& network, const TTrainRun& run) {
+  return run.at_once && IsPlain(network);
+}
+
+TBackpropPattern::TBackpropPattern(TTrainState& state, const TTrainRun& run)
+    : TTrainPass(TKind::kMovesWeights), ends_(state), rates_(run.ForgettingRates()) {
+  ComputeConstantLayers(*state.network);
+  for (std::size_t layer = 0; layer < state.network->NumLayers(); ++layer) {
+    if (state.network->HasLowerSources(layer)) AddStage(state, run, layer);
   }
 }
 
-void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
-                                std::size_t to) {
-  TBasicLayer& layer = network_.Layer(to);
-  const bool errors_are_deltas = run.ErrorsAreDeltas(network_, to);
-  stages_.push_back({layer, errors.Layer(to).NetInputs(), errors_are_deltas, {}, {}});
+void TBackpropPattern::AddStage(TTrainState& state, const TTrainRun& run, std::size_t to) {
+  TBasicNetwork& network = *state.network;
+  TBasicLayer& layer = network.Layer(to);
+  const bool errors_are_deltas = run.ErrorsAreDeltas(network, to);
+  stages_.push_back({layer, state.Errors(to), errors_are_deltas, {}, {}});
   TStage& stage = stages_.back();
-  for (const std::size_t from : network_.Sources(to)) {
-    const double* x = network_.Layer(from).Outputs().data();
-    double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
+  for (const std::size_t from : network.Sources(to)) {
+    const double* x = network.Layer(from).Outputs().data();
+    double* e = state.ErrorsBelow(from).data();
     const auto add = [&](const TWeightPatch& patch, double* last_changes) {
-      if (from == network_.InputLayer() && TDelayedBlock::Fits(patch, rates_, run.patterns)) {
+      if (from == network.InputLayer() && TDelayedBlock::Fits(patch, rates_, run.patterns)) {
         stage.delayed.emplace_back(patch, last_changes, rates_);
         return;
       }
@@ -51,16 +54,22 @@ void TBackpropPattern::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, c
                             e != nullptr ? e + patch.from : nullptr});
     };
     TVisitPatches visit(add);
-    network_.Connections(to, from).Iterate2(changes.Connections(to, from), visit);
+    network.Connections(to, from).Iterate2(state.changes.Block(to, from), visit);
   }
 }
 
-void TBackpropPattern::Run(const Data& data, TTrainRun& run) {
+std::size_t TBackpropPattern::NumDelayed() const {
+  std::size_t sum = 0;
+  for (const TStage& stage : stages_) sum += stage.delayed.size();
+  return sum;
+}
+
+void TBackpropPattern::Run(const Data& data, int first, int last, TErrorObj& error) {
   constexpr int kPatterns = TDelayedBlock::kPatterns;
-  for (int first = 0; first < data.DataRows(); first += kPatterns) {
-    ForEachDelayed([&](TDelayedBlock& block) { block.Begin(data, first); });
-    const int last = std::min(first + kPatterns, data.DataRows());
-    for (int n = first; n < last; ++n) RunPattern(data.Row(n), run);
+  for (int begin = first; begin < last; begin += kPatterns) {
+    const int end = std::min(begin + kPatterns, last);
+    ForEachDelayed([&](TDelayedBlock& block) { block.Begin(data, begin, end); });
+    for (int n = begin; n < end; ++n) RunPattern(data.Row(n), error);
     ForEachDelayed([](TDelayedBlock& block) { block.End(); });
   }
 }
@@ -70,12 +79,12 @@ void TBackpropPattern::ForEachDelayed(const TVisit& visit) {
   for (TStage& stage : stages_) std::ranges::for_each(stage.delayed, visit);
 }
 
-void TBackpropPattern::RunPattern(const DataRow& row, TTrainRun& run) {
+void TBackpropPattern::RunPattern(const DataRow& row, TErrorObj& error) {
   ends_.SetInputs(row);
   for (const TStage& stage : stages_) Recall(stage);
   ends_.SetErrors(row);
   for (std::size_t i = stages_.size(); i-- > 0;) Step(stages_[i]);
-  ends_.AddError(row, run);
+  ends_.AddError(row, error);
 }
 
 void TBackpropPattern::Recall(const TStage& stage) {

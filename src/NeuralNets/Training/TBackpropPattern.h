@@ -11,18 +11,22 @@
 
 namespace kiln {
 
-// Back-propagation pattern by pattern, each weight changing as errors pass it: what TBackpropModule
+// Back-propagation pattern by pattern, each weight changing as errors pass it: what TLayerwisePass
 // does layer by layer, as a list of sums that is made in advance. In a network of a few neurons it
 // takes longer to find out which layers and blocks meet than to calculate.
 class TBackpropPattern : public TTrainPass {
  public:
-  // `errors` and `changes` are networks of the same shape: the net inputs of the one hold the error
-  // terms, the weights of the other the last changes. REQUIRES: the network is plain and can be
-  // trained; the structure of all three, flags included, stays as it is while the pass lives.
-  TBackpropPattern(TBasicNetwork& network, TBasicNetwork& errors, TBasicNetwork& changes,
-                   const TTrainRun& run);
+  // Whether the network is plain and the run changes weights at once.
+  static bool Fits(const TBasicNetwork& network, const TTrainRun& run);
 
-  void Run(const Data& data, TTrainRun& run) override;
+  // Moves weights. REQUIRES: the network fits and can be trained; its flags stay as they are, and
+  // the state lives, while the pass does.
+  TBackpropPattern(TTrainState& state, const TTrainRun& run);
+
+  void Run(const Data& data, int first, int last, TErrorObj& error) override;
+
+  // How many patches of weights go through a TDelayedBlock.
+  std::size_t NumDelayed() const;
 
  private:
   // A rectangle of weights between two layers, with the outputs x below and the net inputs y above
@@ -45,16 +49,14 @@ class TBackpropPattern : public TTrainPass {
     std::vector<TDelayedBlock> delayed;
   };
 
-  void AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
-                std::size_t to);
-  void RunPattern(const DataRow& row, TTrainRun& run);
+  void AddStage(TTrainState& state, const TTrainRun& run, std::size_t to);
+  void RunPattern(const DataRow& row, TErrorObj& error);
   static void Recall(const TStage& stage);
   void Step(TStage& stage);
 
   template <typename TVisit>
   void ForEachDelayed(const TVisit& visit);
 
-  TBasicNetwork& network_;
   TPatternEnds ends_;
   TRates rates_;
   std::vector<TStage> stages_;  // lowest layer first

@@ -8,8 +8,6 @@ namespace kiln {
 
 namespace {
 
-constexpr std::size_t kMaxWeights = 2048;  // with as many last changes 32 KiB
-
 bool LayerFits(const TBasicNetwork& network, std::size_t to) {
   for (const std::size_t from : network.Sources(to)) {
     const TBasicConnections& block = network.Connections(to, from);
@@ -21,8 +19,8 @@ bool LayerFits(const TBasicNetwork& network, std::size_t to) {
 
 }  // namespace
 
-bool TBackpropSmall::Fits(const TBasicNetwork& network) {
-  if (!IsPlain(network)) return false;
+bool TBackpropSmall::Fits(const TBasicNetwork& network, const TTrainRun& run) {
+  if (!run.at_once || !IsPlain(network)) return false;
   std::size_t weights = 0;
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
     if (!LayerFits(network, layer)) return false;
@@ -33,39 +31,36 @@ bool TBackpropSmall::Fits(const TBasicNetwork& network) {
   return weights <= kMaxWeights;
 }
 
-TBackpropSmall::TBackpropSmall(TBasicNetwork& network, TBasicNetwork& errors,
-                               TBasicNetwork& changes, const TTrainRun& run)
-    : network_(network), ends_(network, errors), rates_(run.ForgettingRates()) {
-  ComputeConstantLayers(network);
-  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
-    if (network.HasLowerSources(layer)) AddStage(errors, changes, run, layer);
+TBackpropSmall::TBackpropSmall(TTrainState& state, const TTrainRun& run)
+    : TTrainPass(TKind::kMovesWeights), ends_(state), rates_(run.ForgettingRates()) {
+  ComputeConstantLayers(*state.network);
+  for (std::size_t layer = 0; layer < state.network->NumLayers(); ++layer) {
+    if (state.network->HasLowerSources(layer)) AddStage(state, run, layer);
   }
   ForEachCopy([](double& copy, const double& original) { copy = original; });
 }
 
-void TBackpropSmall::AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
-                              std::size_t to) {
+void TBackpropSmall::AddStage(TTrainState& state, const TTrainRun& run, std::size_t to) {
   const TKernels& kernels = Kernels();
-  TBasicLayer& layer = network_.Layer(to);
+  TBasicNetwork& network = *state.network;
+  TBasicLayer& layer = network.Layer(to);
   const std::size_t width = TSmallLayer::WidthOf(layer.NumNeurons());
-  double* d = errors.Layer(to).NetInputs().data();
+  double* d = state.Errors(to).data();
   const bool is_sigmoid = layer.GetActivation() == ActSigmoid;
-  const bool errors_are_deltas = run.ErrorsAreDeltas(network_, to);
+  const bool errors_are_deltas = run.ErrorsAreDeltas(network, to);
   TStage& stage = stages_.emplace_back();
-  for (const std::size_t from : network_.Sources(to)) {
-    const std::size_t columns = network_.Layer(from).NumNeurons();
+  for (const std::size_t from : network.Sources(to)) {
+    const std::size_t columns = network.Layer(from).NumNeurons();
     if (columns * width == 0) continue;  // no weights, no memory for them
-    const std::size_t lines = PaddedSize(columns * width) / 8;
-    stage.blocks.push_back({network_.Connections(to, from).Weights(),
-                            changes.Connections(to, from).Weights(),
+    const std::size_t lines = TCacheLine::LinesOf(columns * width);
+    stage.blocks.push_back({network.Connections(to, from).Weights(), state.changes.Block(to, from),
                             std::vector<TCacheLine>(2 * lines)});
     TCopy& block = stage.blocks.back();
-    double* e = network_.HasLowerSources(from) ? errors.Layer(from).NetInputs().data() : nullptr;
     stage.sums.push_back({.columns = columns,
                           .w = block.copy[0].values,
                           .p = block.copy[lines].values,
-                          .x = network_.Layer(from).Outputs().data(),
-                          .e = e});
+                          .x = network.Layer(from).Outputs().data(),
+                          .e = state.ErrorsBelow(from).data()});
   }
   stage.layer = {.sums = stage.sums.data(),
                  .count = stage.sums.size(),
@@ -99,12 +94,12 @@ void TBackpropSmall::VisitBlock(const TCopy& block, const TSmallSums& sums, std:
   }
 }
 
-void TBackpropSmall::Run(const Data& data, TTrainRun& run) {
-  for (int n = 0; n < data.DataRows(); ++n) RunPattern(data.Row(n), run);
+void TBackpropSmall::Run(const Data& data, int first, int last, TErrorObj& error) {
+  for (int n = first; n < last; ++n) RunPattern(data.Row(n), error);
   ForEachCopy([](const double& copy, double& original) { original = copy; });
 }
 
-void TBackpropSmall::RunPattern(const DataRow& row, TTrainRun& run) {
+void TBackpropSmall::RunPattern(const DataRow& row, TErrorObj& error) {
   ends_.SetInputs(row);
   for (const TStage& stage : stages_) {
     stage.recall(stage.layer);
@@ -112,7 +107,7 @@ void TBackpropSmall::RunPattern(const DataRow& row, TTrainRun& run) {
   }
   ends_.SetErrors(row);
   for (std::size_t i = stages_.size(); i-- > 0;) stages_[i].step(stages_[i].layer, rates_);
-  ends_.AddError(row, run);  // last, since nothing waits for it
+  ends_.AddError(row, error);  // last, since nothing waits for it
 }
 
 }  // namespace kiln

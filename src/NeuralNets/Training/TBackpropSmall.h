@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "NeuralNets/Kernels/Kernels.h"
+#include "NeuralNets/Kernels/TCacheLine.h"
 #include "NeuralNets/Training/TPatternEnds.h"
 #include "NeuralNets/Training/TTrainPass.h"
 #include "NeuralNets/Training/TTrainRun.h"
@@ -16,24 +17,18 @@ namespace kiln {
 // are trained in a copy in which the neurons of a layer stand side by side, in whole registers.
 class TBackpropSmall : public TTrainPass {
  public:
-  // Whether a network is plain, its layers linear or sigmoid, and its weights few and all
-  // trainable.
-  static bool Fits(const TBasicNetwork& network);
+  // Whether the network is plain, its layers linear or sigmoid, its weights at most kMaxWeights and
+  // all trainable, and the run changes weights at once.
+  static constexpr std::size_t kMaxWeights = 2048;  // with as many last changes 32 KiB
+  static bool Fits(const TBasicNetwork& network, const TTrainRun& run);
 
-  // `errors` and `changes` are networks of the same shape: the net inputs of the one hold the error
-  // terms, the weights of the other the last changes. REQUIRES: the network fits; while the pass
-  // lives, nothing else changes its weights or the last changes.
-  TBackpropSmall(TBasicNetwork& network, TBasicNetwork& errors, TBasicNetwork& changes,
-                 const TTrainRun& run);
+  // Moves weights. REQUIRES: the network fits; while the pass lives the state does, and nothing
+  // else changes weights or last changes.
+  TBackpropSmall(TTrainState& state, const TTrainRun& run);
 
-  void Run(const Data& data, TTrainRun& run) override;
+  void Run(const Data& data, int first, int last, TErrorObj& error) override;
 
  private:
-  // What a cache takes in one go.
-  struct alignas(64) TCacheLine {
-    double values[8];
-  };
-
   // A block of the network and its copy, first the weights, then their last changes.
   struct TCopy {
     std::span<double> weights;
@@ -51,9 +46,8 @@ class TBackpropSmall : public TTrainPass {
     std::vector<TCopy> blocks;     // that of each sum
   };
 
-  void AddStage(TBasicNetwork& errors, TBasicNetwork& changes, const TTrainRun& run,
-                std::size_t to);
-  void RunPattern(const DataRow& row, TTrainRun& run);
+  void AddStage(TTrainState& state, const TTrainRun& run, std::size_t to);
+  void RunPattern(const DataRow& row, TErrorObj& error);
 
   // Visits all weights and last changes, visit(copy, original) with references to both.
   template <typename TVisit>
@@ -62,7 +56,6 @@ class TBackpropSmall : public TTrainPass {
   static void VisitBlock(const TCopy& block, const TSmallSums& sums, std::size_t width,
                          const TVisit& visit);
 
-  TBasicNetwork& network_;
   TPatternEnds ends_;
   TRates rates_;
   std::vector<TStage> stages_;  // lowest layer first

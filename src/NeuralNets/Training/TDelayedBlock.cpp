@@ -43,8 +43,8 @@ TDelayedBlock::TDelayedBlock(const TWeightPatch& patch, double* changes, const T
   }
 }
 
-void TDelayedBlock::Begin(const Data& data, int first) {
-  const auto count = std::min(kPatterns, static_cast<std::size_t>(data.DataRows() - first));
+void TDelayedBlock::Begin(const Data& data, int first, int last) {
+  const auto count = static_cast<std::size_t>(last - first);
   for (std::size_t p = 0; p < count; ++p) {
     const auto pattern = data.Row(first + static_cast<int>(p)).Inputs;
     std::ranges::copy(pattern.subspan(patch_.from, patch_.columns), Pattern(p));

@@ -35,11 +35,11 @@ class TDelayedBlock {
   // The weights and their last changes outlive the block. REQUIRES: they fit.
   TDelayedBlock(const TWeightPatch& patch, double* changes, const TRates& rates);
 
-  // Begins with the rows of a set from `first` on, at most kPatterns.
-  void Begin(const Data& data, int first);
+  // Begins with the rows first..last-1 of a set. REQUIRES: at most kPatterns of them.
+  void Begin(const Data& data, int first, int last);
 
-  // For one of them after the other: adds its sums to the net inputs of the layer, then takes the
-  // deltas of the layer.
+  // For one of these rows after the other: adds its sums to the net inputs of the layer, then takes
+  // the deltas of the layer.
   void Accumulate(std::span<double> net) const;
   void Step(std::span<const double> deltas);
 

@@ -1,34 +1,39 @@
 #pragma once
 
 #include <algorithm>
-#include <functional>
+#include <cstddef>
 #include <span>
 
 #include "DataObject/Data.h"
-#include "NeuralNets/TBasicNetwork.h"
-#include "NeuralNets/Training/TTrainRun.h"
+#include "NeuralNets/TErrorObj.h"
+#include "NeuralNets/Training/TTrainState.h"
 
 namespace kiln {
 
-// Where patterns enter a network, and where their errors start on their way back.
+// Where errors start on their way back: with y an output and t the desired one, its error term is
+// y - t. Writes one for each output, `stride` places apart.
+inline void SetOutputErrors(std::span<const double> desired, std::span<const double> actual,
+                            double* errors, std::size_t stride = 1) {
+  for (std::size_t i = 0; i < desired.size(); ++i) errors[i * stride] = actual[i] - desired[i];
+}
+
+// Where single patterns enter a network, and where their errors start.
 class TPatternEnds {
  public:
-  // The net inputs of `errors`, a network of the same shape, hold the error terms.
-  TPatternEnds(TBasicNetwork& network, TBasicNetwork& errors)
-      : inputs_(network.Layer(network.InputLayer()).Outputs()),
-        outputs_(network.Layer(network.OutputLayer()).Outputs()),
-        errors_(errors.Layer(network.OutputLayer()).NetInputs()) {}
+  // REQUIRES: the state outlives the ends, and its network keeps its layers.
+  explicit TPatternEnds(TTrainState& state)
+      : inputs_(state.network->Layer(state.network->InputLayer()).Outputs()),
+        outputs_(state.network->Layer(state.network->OutputLayer()).Outputs()),
+        errors_(state.Errors(state.network->OutputLayer())) {}
 
   void SetInputs(const DataRow& row) { std::ranges::copy(row.Inputs, inputs_.begin()); }
 
-  // Sets the error terms of the outputs.
-  void SetErrors(const DataRow& row) {
-    std::ranges::transform(outputs_, row.Outputs, errors_.begin(), std::minus<>());
-  }
+  // Sets the error terms of the output layer, whose outputs are those for the row.
+  void SetErrors(const DataRow& row) { SetOutputErrors(row.Outputs, outputs_, errors_.data()); }
 
-  // Adds the error of the outputs to that of a run.
-  void AddError(const DataRow& row, TTrainRun& run) const {
-    run.error->Accumulate(row.Outputs, outputs_);
+  // Adds the error of these outputs to `error`.
+  void AddError(const DataRow& row, TErrorObj& error) const {
+    error.Accumulate(row.Outputs, outputs_);
   }
 
  private:

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "DataObject/Data.h"
+#include "NeuralNets/Training/TTrainIterators.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
@@ -13,100 +14,55 @@ namespace {
 
 constexpr char kModule[] = "NeuralNets/TTrainModule";
 
-std::unique_ptr<TBasicNetwork> ClearedCopy(const TBasicNetwork& network) {
-  std::unique_ptr<TBasicNetwork> copy = network.Clone();
-  copy->ClearWeights();
-  return copy;
+void CheckData(const Data& data, const TBasicNetwork& network) {
+  network.CheckFits(data, "TTrainModule::Train");
+  if (data.DataRows() == 0) {
+    throw TException("the data set has no rows", "Invalid Parameter", "TTrainModule::Train");
+  }
 }
 
 }  // namespace
 
-TTrainModule::TTrainModule(std::shared_ptr<TBasicNetwork> network)
-    : network_(std::move(network)),
-      changes_(ClearedCopy(*network_)),
-      deltas_(ClearedCopy(*network_)) {}
+TTrainModule::TTrainModule(std::shared_ptr<TBasicNetwork> network) : state_(std::move(network)) {}
 
 double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
                            const TEpochObserver& observer) {
-  TTrainRun run = StartRun(data, params);
-  double error = 0.0;
+  CheckData(data, Network());
+  const TTrainRun run(params, data);
+  CheckLayers(run);
+  const std::unique_ptr<TTrainPass> pass = MakePass(run);
+  const std::unique_ptr<TErrorObj> error = run.MakeError(Network().NumOutputs());
+  double last = 0.0;
   for (int epoch = 0; epoch < epochs; ++epoch) {
-    error = RunEpoch(data, run);
-    const bool goes_on = !observer || observer(epoch, error);
-    if (error < run.threshold || !goes_on) {
+    error->Reset();
+    RunEpoch(data, run, *pass, *error);
+    AddPenaltyToError(run.penalty, *error);
+    last = error->Value();
+    const bool goes_on = !observer || observer(epoch, last);
+    if (last < run.threshold || !goes_on) {
       epochs = epoch;
-      return error;
+      break;
     }
   }
-  return error;
+  return last;
 }
 
 double TTrainModule::Epoch(const Data& data, TKQstructure& params) {
-  TTrainRun run = StartRun(data, params);
-  return RunEpoch(data, run);
+  int epochs = 1;
+  return Train(data, params, epochs);
 }
 
-TTrainRun TTrainModule::StartRun(const Data& data, TKQstructure& params) {
-  network_->CheckFits(data, "TTrainModule::Train");
-  if (data.DataRows() == 0) {
-    throw TException("the data set has no rows", "Invalid Parameter", "TTrainModule::Train");
+void TTrainModule::RunEpoch(const Data& data, const TTrainRun& run, TTrainPass& pass,
+                            TErrorObj& error) {
+  if (pass.Kind() == TTrainPass::TKind::kMovesWeights) {
+    return pass.Run(data, 0, run.patterns, error);
   }
-  TTrainRun run(params, data);
-  // Blocks that lead back are not trained, but momentum and penalties act on them: that is for
-  // the pass over all blocks.
-  run.at_once =
-      !run.batch && run.penalty.kind != TPenaltyTerm::TKind::kQuadratic && IsFeedForward();
-  CheckLayers(run);
-  run.pass = MakePass(run);
-  return run;
-}
-
-double TTrainModule::RunEpoch(const Data& data, TTrainRun& run) {
-  run.error->Reset();
-  if (run.batch) {
-    RunBatch(data, run);
-  } else if (run.pass) {
-    run.pass->Run(data, run);
-  } else {
-    RunPatterns(data, run);
+  for (int first = 0; first < run.patterns; first += run.batch) {
+    const int last = std::min(first + run.batch, run.patterns);
+    state_.gradients.Clear();
+    pass.Run(data, first, last, error);
+    Update(run, static_cast<double>(last - first) / run.patterns);
   }
-  AddPenaltyToError(run);
-  return run.error->Value();
-}
-
-void TTrainModule::RunBatch(const Data& data, TTrainRun& run) {
-  deltas_->ClearWeights();
-  if (run.pass) {
-    run.pass->Run(data, run);
-  } else {
-    for (int n = 0; n < data.DataRows(); ++n) TrainPattern(run, data.Row(n));
-  }
-  AddPenaltyGradient(run, 1.0);
-  UpdateWeights(run);
-  WeightsChanged();
-}
-
-void TTrainModule::RunPatterns(const Data& data, TTrainRun& run) {
-  for (int n = 0; n < data.DataRows(); ++n) {
-    if (!run.at_once) deltas_->ClearWeights();
-    TrainPattern(run, data.Row(n));
-    if (!run.at_once) {
-      AddPenaltyGradient(run, 1.0 / data.DataRows());
-      UpdateWeights(run);
-    }
-    WeightsChanged();
-  }
-}
-
-void TTrainModule::TrainPattern(TTrainRun& run, const DataRow& row) {
-  network_->RecallPattern(row.Inputs, run.output);
-  run.error->Accumulate(row.Outputs, run.output);
-  for (std::size_t layer = 0; layer < network_->NumLayers(); ++layer) {
-    std::ranges::fill(ErrorsBelow(layer), 0.0);
-  }
-  std::ranges::transform(run.output, row.Outputs, Errors(network_->OutputLayer()).begin(),
-                         std::minus<>());
-  for (std::size_t layer = network_->NumLayers(); layer-- > 0;) TrainLayer(run, layer);
 }
 
 void TTrainModule::CheckLayers(const TTrainRun&) const {
@@ -114,88 +70,46 @@ void TTrainModule::CheckLayers(const TTrainRun&) const {
 }
 
 std::unique_ptr<TTrainPass> TTrainModule::MakePass(const TTrainRun&) {
-  return nullptr;
-}
-
-void TTrainModule::TrainLayer(const TTrainRun&, std::size_t) {
   AssertFalse(kModule, 79);
 }
 
-bool TTrainModule::IsPenalised(std::size_t, std::size_t) const {
-  return true;
+// The one place where gradients become an update.
+void TTrainModule::Update(const TTrainRun& run, double share) {
+  AddPenaltyGradients(run.penalty, share);
+  MoveWeights(run.rates);
 }
 
-bool TTrainModule::IsFeedForward() const {
-  for (std::size_t layer = 0; layer < network_->NumLayers(); ++layer) {
-    const auto sources = network_->Sources(layer);
-    if (!sources.empty() && sources.back() >= layer) return false;
-  }
-  return true;
-}
-
-std::span<double> TTrainModule::ErrorsBelow(std::size_t layer) {
-  return network_->HasLowerSources(layer) ? Errors(layer) : std::span<double>();
-}
-
-void TTrainModule::TrainBlock(const TTrainRun& run, std::size_t to, std::size_t from,
-                              const TBlockTerms& terms) {
-  TBasicConnections& block = network_->Connections(to, from);
-  if (run.at_once) {
-    const TRates rates = IsPenalised(to, from) ? run.ForgettingRates() : run.rates;
-    TIterateObj2Step step(terms, rates);
-    block.Iterate2(changes_->Connections(to, from), step);
-  } else {
-    TIterateObj2ErrorsAndDeltas gradient(terms);
-    block.Iterate2(deltas_->Connections(to, from), gradient);
-  }
-}
-
-template <typename TVisit>
-void TTrainModule::ForEachBlock(const TVisit& visit) {
-  for (std::size_t from = 0; from < network_->NumLayers(); ++from) {
-    for (std::size_t to = 0; to < network_->NumLayers(); ++to) {
-      if (network_->Connections(to, from).IsConnected()) visit(to, from);
-    }
-  }
-}
-
-template <typename TVisit>
-void TTrainModule::ForEachPenalised(const TTrainRun& run, const TVisit& visit) {
-  if (run.penalty.kind == TPenaltyTerm::TKind::kNone) return;
-  ForEachBlock([&](std::size_t to, std::size_t from) {
-    if (IsPenalised(to, from)) visit(to, from);
-  });
-}
-
-// `share` is the part of the data set that the gradient stands for.
-void TTrainModule::AddPenaltyGradient(const TTrainRun& run, double share) {
-  const TPenaltyTerm& penalty = run.penalty;
+void TTrainModule::AddPenaltyGradients(const TPenaltyTerm& penalty, double share) {
+  if (penalty.kind == TPenaltyTerm::TKind::kNone) return;
   TIterateObj2CalcPenaltyTerm quadratic(share * penalty.epsilon1, share * penalty.epsilon2,
                                         penalty.beta);
   TIterateObjLWFCalcPenaltyTerm forgetting(penalty.forgetting);
   const bool is_quadratic = penalty.kind == TPenaltyTerm::TKind::kQuadratic;
   TIterateObj2& term = is_quadratic ? static_cast<TIterateObj2&>(quadratic) : forgetting;
-  ForEachPenalised(run, [&](std::size_t to, std::size_t from) {
-    network_->Connections(to, from).Iterate2(deltas_->Connections(to, from), term);
+  state_.ForEachBlock([&](std::size_t to, std::size_t from) {
+    TBasicConnections& block = Network().Connections(to, from);
+    if (block.IsPenalised()) block.Iterate2(state_.gradients.Block(to, from), term);
   });
 }
 
-void TTrainModule::AddPenaltyToError(TTrainRun& run) {
-  ForEachPenalised(run, [&](std::size_t to, std::size_t from) {
-    run.error->AddPenalty(network_->Connections(to, from).Weights(), run.penalty.description);
+void TTrainModule::AddPenaltyToError(const TPenaltyTerm& penalty, TErrorObj& error) const {
+  if (penalty.kind == TPenaltyTerm::TKind::kNone) return;
+  state_.ForEachBlock([&](std::size_t to, std::size_t from) {
+    const TBasicConnections& block = Network().Connections(to, from);
+    if (block.IsPenalised()) error.AddPenalty(block.Weights(), penalty.description);
   });
 }
 
-void TTrainModule::UpdateWeights(const TTrainRun& run) {
-  TIterateObj2Update plain(run.rates);
-  TIterateObj3UpdateMomentum with_momentum(run.rates);
-  ForEachBlock([&](std::size_t to, std::size_t from) {
-    TBasicConnections& block = network_->Connections(to, from);
-    TBasicConnections& gradients = deltas_->Connections(to, from);
-    if (run.rates.momentum == 0.0) {
+void TTrainModule::MoveWeights(const TRates& rates) {
+  TIterateObj2Update plain(rates);
+  TIterateObj3UpdateMomentum with_momentum(rates);
+  state_.ForEachBlock([&](std::size_t to, std::size_t from) {
+    TBasicConnections& block = Network().Connections(to, from);
+    const std::span<double> gradients = state_.gradients.Block(to, from);
+    if (rates.momentum == 0.0) {
       block.Iterate2(gradients, plain);
     } else {
-      block.Iterate3(gradients, changes_->Connections(to, from), with_momentum);
+      block.Iterate3(gradients, state_.changes.Block(to, from), with_momentum);
     }
   });
 }

@@ -1,24 +1,21 @@
 #pragma once
 
-#include <cstddef>
 #include <memory>
-#include <span>
 
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/Training/TEpochObserver.h"
-#include "NeuralNets/Training/TTrainIterators.h"
 #include "NeuralNets/Training/TTrainPass.h"
 #include "NeuralNets/Training/TTrainRun.h"
+#include "NeuralNets/Training/TTrainState.h"
 
 namespace kiln {
 
 class Data;
-struct DataRow;
 class TKQstructure;
 
-// Gradient descent on the error of a network over a data set: the loop over epochs and patterns,
-// the weight penalties and the updates. How one layer turns its error terms into gradients is what
-// the derived trainers know.
+// Gradient descent on the error of a network over a data set: the loop over epochs and updates,
+// with the weight penalties. How the patterns of an epoch give gradients is for the pass to know
+// that a derived trainer makes.
 //
 // Parameters, by keyword, with their defaults:
 //   LEARNINGRATE   size of a step: 0 in updates, 1 in the gradient of a penalty
@@ -29,9 +26,8 @@ class TKQstructure;
 //   WEIGHTPENALTY  message headed NONE, QUADPENALTY or LWF (see TErrorObj::Penalty): the first
 // The words are read in any case.
 //
-// The trainer shares its network, whose structure must not change meanwhile, and keeps two copies
-// of its shape: the last change of every weight, which lives on from one call to the next, and the
-// gradient of every weight.
+// The trainer shares its network, whose structure must not change meanwhile, and keeps two numbers
+// for each of its weights (see TTrainState).
 class TTrainModule {
  public:
   explicit TTrainModule(std::shared_ptr<TBasicNetwork> network);
@@ -39,7 +35,7 @@ class TTrainModule {
   TTrainModule(const TTrainModule&) = delete;
   TTrainModule& operator=(const TTrainModule&) = delete;
 
-  const TBasicNetwork& Network() const { return *network_; }
+  const TBasicNetwork& Network() const { return *state_.network; }
 
   // Trains for `epochs` epochs and returns the error of the last one, 0 when there was none. When
   // THRESHOLD or the observer ends training early, `epochs` becomes the number, counted from 0, of
@@ -51,66 +47,32 @@ class TTrainModule {
   virtual double Train(const Data& data, TKQstructure& params, int& epochs,
                        const TEpochObserver& observer = {});
 
-  // One pass over the set; returns its error. As Train otherwise.
+  // Trains for one epoch and returns its error. As Train otherwise.
   double Epoch(const Data& data, TKQstructure& params);
 
  protected:
   // Checks, before the first pattern, that every layer can be trained.
   virtual void CheckLayers(const TTrainRun& run) const;
 
-  // Turns the error terms of a layer into the gradients of its connections from lower layers, by
-  // TrainBlock, and adds what it passes back to the error terms of these layers. The outputs of the
-  // network's layers are those of the pattern at hand.
-  virtual void TrainLayer(const TTrainRun& run, std::size_t layer);
-
-  // A way through the patterns for a run whose layers have been checked, or null: pattern by
-  // pattern then, by TrainLayer. A pass does not call WeightsChanged.
+  // A way through the patterns for a run whose layers have been checked; never null. Run and state
+  // outlive it.
   virtual std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run);
 
-  // Called after each update of the weights.
-  virtual void WeightsChanged() {}
+  // Changes the weights by the gradients of the state, which stand for the part `share` of the data
+  // set, and those of the penalty. A trainer whose weights have to obey a rule overrides this, and
+  // sees to the rule before and after.
+  virtual void Update(const TTrainRun& run, double share);
 
-  // Whether the weight penalty acts on the block of a pair.
-  virtual bool IsPenalised(std::size_t to, std::size_t from) const;
-
-  // Passes error terms back through the weights of a block, and handles its gradient as the run
-  // asks for: adds it up, or changes the weights at once.
-  void TrainBlock(const TTrainRun& run, std::size_t to, std::size_t from, const TBlockTerms& terms);
-
-  // The error term of each neuron of a layer for the pattern at hand.
-  std::span<double> Errors(std::size_t layer) { return deltas_->Layer(layer).NetInputs(); }
-
-  // The same for a layer to pass errors back to; empty where nothing below is trained.
-  std::span<double> ErrorsBelow(std::size_t layer);
-
-  TBasicNetwork& Network() { return *network_; }
-
-  // A network of the same shape whose weights are the gradients.
-  TBasicNetwork& Gradients() { return *deltas_; }
-
-  // The last change of every weight, as the weights of a network of the same shape.
-  TBasicNetwork& Changes() { return *changes_; }
+  TBasicNetwork& Network() { return *state_.network; }
+  TTrainState& State() { return state_; }
 
  private:
-  TTrainRun StartRun(const Data& data, TKQstructure& params);
-  double RunEpoch(const Data& data, TTrainRun& run);
-  void RunBatch(const Data& data, TTrainRun& run);
-  void RunPatterns(const Data& data, TTrainRun& run);
-  void TrainPattern(TTrainRun& run, const DataRow& row);
-  void AddPenaltyGradient(const TTrainRun& run, double share);
-  void AddPenaltyToError(TTrainRun& run);
-  void UpdateWeights(const TTrainRun& run);
-  bool IsFeedForward() const;
+  void RunEpoch(const Data& data, const TTrainRun& run, TTrainPass& pass, TErrorObj& error);
+  void AddPenaltyGradients(const TPenaltyTerm& penalty, double share);
+  void AddPenaltyToError(const TPenaltyTerm& penalty, TErrorObj& error) const;
+  void MoveWeights(const TRates& rates);
 
-  // Visit every block, or those that the penalty of the run acts on, in the one order.
-  template <typename TVisit>
-  void ForEachBlock(const TVisit& visit);
-  template <typename TVisit>
-  void ForEachPenalised(const TTrainRun& run, const TVisit& visit);
-
-  std::shared_ptr<TBasicNetwork> network_;
-  std::unique_ptr<TBasicNetwork> changes_;  // the last change of every weight
-  std::unique_ptr<TBasicNetwork> deltas_;   // gradients; the net inputs hold the error terms
+  TTrainState state_;
 };
 
 }  // namespace kiln

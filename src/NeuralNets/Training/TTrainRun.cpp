@@ -38,11 +38,6 @@ bool IsCrossEntropy(const TKQstructure& params) {
   return true;
 }
 
-std::unique_ptr<TErrorObj> MakeError(bool cross_entropy, std::size_t outputs) {
-  if (cross_entropy) return std::make_unique<TErrorCrossEntropyObj>(outputs);
-  return std::make_unique<TErrorRMSObj>(outputs);
-}
-
 }  // namespace
 
 TPenaltyTerm::TPenaltyTerm(const TKQstructure& message, double learning_rate)
@@ -62,12 +57,11 @@ TTrainRun::TTrainRun(TKQstructure& params, const Data& data)
     : rates{.rate = NumberOr(params, "LEARNINGRATE", 0.0),
             .momentum = NumberOr(params, "MOMENTUM", 0.0)},
       threshold(NumberOr(params, "THRESHOLD", 0.0)),
-      batch(IsBatch(params)),
       cross_entropy(IsCrossEntropy(params)),
       patterns(data.DataRows()),
+      batch(IsBatch(params) ? patterns : 1),
       penalty(PenaltyOf(params), NumberOr(params, "LEARNINGRATE", 1.0)),
-      output(static_cast<std::size_t>(data.Outputs())),
-      error(MakeError(cross_entropy, output.size())) {}
+      at_once(!IsBatch(params) && penalty.kind != TPenaltyTerm::TKind::kQuadratic) {}
 
 TRates TTrainRun::ForgettingRates() const {
   TRates with_pull = rates;
@@ -77,6 +71,11 @@ TRates TTrainRun::ForgettingRates() const {
 
 bool TTrainRun::ErrorsAreDeltas(const TBasicNetwork& network, std::size_t layer) const {
   return cross_entropy && layer == network.OutputLayer();
+}
+
+std::unique_ptr<TErrorObj> TTrainRun::MakeError(std::size_t outputs) const {
+  if (cross_entropy) return std::make_unique<TErrorCrossEntropyObj>(outputs);
+  return std::make_unique<TErrorRMSObj>(outputs);
 }
 
 }  // namespace kiln

@@ -2,11 +2,9 @@
 
 #include <cstddef>
 #include <memory>
-#include <vector>
 
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/Training/TTrainPass.h"
 
 namespace kiln {
 
@@ -32,30 +30,30 @@ struct TPenaltyTerm {
   double forgetting;  // f (f / r)
 };
 
-// What one call of a trainer works with: the settings, read once, and the buffers. How a network is
-// trained leaves no trace in the network or its trainer but the weights.
+// The settings of one call of a trainer, read once.
 struct TTrainRun {
-  // Reads `params`, which outlive the run, as TTrainModule documents them.
+  // Reads `params`, which outlive the run, as TTrainModule documents them. Throws as Train does.
   TTrainRun(TKQstructure& params, const Data& data);
 
-  // Those of an update at once: `rates` with a pull, which is the forgetting term of the gradient
-  // times the learning rate.
+  // The rates with which a pass changes weights at once where a penalty acts: those of the run, and
+  // the pull of forgetting, which is its gradient times the learning rate.
   TRates ForgettingRates() const;
 
   // Whether the error terms of a layer are its deltas as they are: those of sigmoid outputs under
   // cross entropy.
   bool ErrorsAreDeltas(const TBasicNetwork& network, std::size_t layer) const;
 
+  // A new measure of the error of so many outputs.
+  std::unique_ptr<TErrorObj> MakeError(std::size_t outputs) const;
+
   TRates rates;  // of the update by a gradient
   double threshold;
-  bool batch;
   bool cross_entropy;
-  bool at_once = false;  // weights change in the pass that finds the gradient of a pattern
-  int patterns;          // rows of the data set
+  int patterns;  // rows of the data set
+  int batch;     // rows whose gradients make one update: all of them, or 1
   TPenaltyTerm penalty;
-  std::vector<double> output;  // of the pattern at hand
-  std::unique_ptr<TErrorObj> error;
-  std::unique_ptr<TTrainPass> pass;  // null where the trainer has none for the network
+  bool at_once;  // a pass may change weights by the gradient of one pattern: there is no batch, and
+                 // no penalty whose gradient has to be added first
 };
 
 }  // namespace kiln

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/Training/TWeightBuffer.h"
+
+namespace kiln {
+
+// What a trainer works on: the network, and a few numbers for each of its weights and neurons. It
+// lives as long as the trainer, so that momentum goes on from one call to the next.
+struct TTrainState {
+  // The shape of the network must not change while the state lives.
+  explicit TTrainState(std::shared_ptr<TBasicNetwork> trained);
+
+  // The error terms of a layer for the pattern at hand, one a neuron: the derivative of the error
+  // by the neuron's output, and after the layer's turn on the way back that by its net input. They
+  // stand in a buffer with room for PaddedSize of them.
+  std::span<double> Errors(std::size_t layer) {
+    return {error_terms[layer].data(), network->Layer(layer).NumNeurons()};
+  }
+
+  // The same for a layer to pass errors back to; empty where no connection below it is trained.
+  std::span<double> ErrorsBelow(std::size_t layer) {
+    return network->HasLowerSources(layer) ? Errors(layer) : std::span<double>();
+  }
+
+  // Calls visit(to, from) for each connected pair of layers, in the one order of weights.
+  template <typename TVisit>
+  void ForEachBlock(const TVisit& visit) const {
+    for (std::size_t from = 0; from < network->NumLayers(); ++from) {
+      for (std::size_t to = 0; to < network->NumLayers(); ++to) {
+        if (network->Connections(to, from).IsConnected()) visit(to, from);
+      }
+    }
+  }
+
+  std::shared_ptr<TBasicNetwork> network;
+  TWeightBuffer gradients;                       // of the error by each weight
+  TWeightBuffer changes;                         // the last change of each weight
+  std::vector<std::vector<double>> error_terms;  // of each layer
+};
+
+// The weights and last changes at one moment, for a training that fails on its way.
+class TTrainCheckpoint {
+ public:
+  explicit TTrainCheckpoint(const TTrainState& state);
+
+  // Puts both back. REQUIRES: the state of the constructor.
+  void Restore(TTrainState& state) const;
+
+ private:
+  TWeightBuffer weights_;
+  TWeightBuffer changes_;
+};
+
+}  // namespace kiln
