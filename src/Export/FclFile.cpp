@@ -50,11 +50,11 @@ std::vector<TVariableNames> NamesOf(const TMFSetList& list, TFclNames& variables
     const TBasicMFSet* set = list.GetMFSet(v);
     if (!set) Refuse("Variable without terms");
     TVariableNames& own = names.emplace_back();
-    own.name = variables.Take(set->Name().value_or("variable"));
+    own.name = variables.Take(set->Name().value_or("unnamed"));
     TFclNames terms;
     for (int k = 0; k < set->NumberOfMF(); ++k) {
       const TBasicMF* mf = set->GetMF(k);
-      own.terms.push_back(mf ? terms.Take(mf->Name().value_or("term")) : "");
+      own.terms.push_back(mf ? terms.Take(mf->Name().value_or("unnamed")) : "");
     }
   }
   return names;
@@ -69,7 +69,8 @@ struct TPoint {
 std::string Points(std::initializer_list<TPoint> points) {
   std::string text;
   for (const TPoint& point : points) {
-    text += " (" + Number(point.x) + ", " + Number(point.membership) + ")";
+    if (!text.empty()) text += ' ';
+    text.append("(").append(Number(point.x)).append(", ").append(Number(point.membership)) += ')';
   }
   return text;
 }
@@ -97,12 +98,12 @@ std::string Shape(const TBasicMF& mf) {
 // The value that an output term stands for.
 std::string Centre(const TBasicMF& mf) {
   if (const auto* triangle = dynamic_cast<const TTriangularMF*>(&mf)) {
-    return " " + Number(triangle->Centre());
+    return Number(triangle->Centre());
   }
   if (const auto* box = dynamic_cast<const TRectangularMF*>(&mf)) {
-    return " " + Number((box->LeftBound() + box->RightBound()) / 2);
+    return Number((box->LeftBound() + box->RightBound()) / 2);
   }
-  return " " + Number(dynamic_cast<const TCentredMF&>(mf).Centre());
+  return Number(dynamic_cast<const TCentredMF&>(mf).Centre());
 }
 
 void WriteVariables(Writer& out, const char* side, const std::vector<TVariableNames>& variables) {
@@ -117,8 +118,8 @@ void WriteTerms(Writer& out, const TBasicMFSet& set, const TVariableNames& names
                 std::string (*definition)(const TBasicMF&)) {
   for (int k = 0; k < set.NumberOfMF(); ++k) {
     if (const TBasicMF* mf = set.GetMF(k)) {
-      out.WriteText("  TERM " + names.terms[static_cast<std::size_t>(k)] + " :=" + definition(*mf) +
-                    ";\n");
+      out.WriteText("  TERM " + names.terms[static_cast<std::size_t>(k)] +
+                    " := " + definition(*mf) + ";\n");
     }
   }
 }
@@ -165,12 +166,15 @@ class TRules {
     const bool is_not = EqualNoCase(expression.OperatorName(), "not");
     if (expression.Count() == 1) return Condition(expression.Get(0), negated != is_not, depth);
     const bool is_and = EqualNoCase(expression.OperatorName(), "and");
-    std::string text;
+    std::string text = depth > 0 ? "(" : "";
+    const char* gap = "";
     for (const TRuleElement& operand : expression) {
-      if (!text.empty()) text += is_and != negated ? " and " : " or ";
+      text += gap;
       text += Condition(operand, negated, depth + 1);
+      gap = is_and != negated ? " and " : " or ";
     }
-    return depth > 0 ? "(" + text + ")" : text;
+    if (depth > 0) text += ')';
+    return text;
   }
 
   // The consequences by the degree that they bear in the file.
@@ -212,9 +216,9 @@ TLeftOut WriteBlock(Writer& out, std::string_view name, const TFuzzyRuleSet& set
   for (std::size_t v = 0; v < outputs.size(); ++v) {
     out.WriteText("DEFUZZIFY " + outputs[v].name + "\n");
     WriteTerms(out, *set.Outputs().GetMFSet(static_cast<int>(v)), outputs[v], Centre);
-    out.WriteText("  METHOD : COGS;\n  DEFAULT := 0;\nEND_DEFUZZIFY\n\n");
+    out.WriteText("  ACCU : MAX;\n  METHOD : COGS;\n  DEFAULT := 0;\nEND_DEFUZZIFY\n\n");
   }
-  out.WriteText("RULEBLOCK rules\n  AND : MIN;\n  OR : MAX;\n  ACT : MIN;\n  ACCU : MAX;\n");
+  out.WriteText("RULEBLOCK rules\n  AND : MIN;\n  OR : MAX;\n  ACT : MIN;\n");
   TRules rules(inputs, outputs);
   for (const TRule& rule : set.Rules()) rules.Write(out, rule);
   out.WriteText("END_RULEBLOCK\n\nEND_FUNCTION_BLOCK\n");

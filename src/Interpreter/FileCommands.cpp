@@ -1,4 +1,6 @@
 #include "DataObject/Data.h"
+#include "Export/CFile.h"
+#include "Export/FclFile.h"
 #include "FileHandler/Filer.h"
 #include "FileHandler/NetworkFile.h"
 #include "FileHandler/Syntax/SafeFile.h"
@@ -82,6 +84,26 @@ TAnswer SaveFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
+TAnswer SaveC(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::string_view alias = RequiredAlias(line, "alias");
+  const auto network = AsNetwork(SavedEntry(interpreter, line));
+  if (!network) Fail("object not an ANN type");
+  SaveTo(SavedPath(line), [&](const std::string& path) { CFile::Save(path, alias, *network, {}); });
+  return kDone;
+}
+
+TAnswer SaveFcl(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::string_view alias = RequiredAlias(line, "alias");
+  const auto rules = SavedEntry(interpreter, line).As<TFuzzyRuleSet>();
+  if (!rules) Fail("object not type FuzzyRules");
+  FclFile::TLeftOut left_out;
+  SaveTo(SavedPath(line),
+         [&](const std::string& path) { left_out = FclFile::Save(path, alias, *rules); });
+  if (left_out.degrees == 0 && left_out.consequences == 0) return kDone;
+  return "left out degrees " + std::to_string(left_out.degrees) + " negated consequences " +
+         std::to_string(left_out.consequences);
+}
+
 TAnswer LoadNetwork(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = LoadedAlias(interpreter, line, "cannot find alias tag");
   const std::string path = RequiredPath(line, "unable to find filename tag");
@@ -117,8 +139,14 @@ TAnswer LoadFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
 
 // The word for a network does not matter: what it is decides what is written and read.
 constexpr TCommand kSavers[] = {
-    {"MLP", SaveNetwork}, {"Tarn", SaveNetwork},          {"Kohonen", SaveNetwork},
-    {"Data", SaveData},   {"TarnLabels", SaveTarnLabels}, {"FuzzyRules", SaveFuzzyRules},
+    {"MLP", SaveNetwork},
+    {"Tarn", SaveNetwork},
+    {"Kohonen", SaveNetwork},
+    {"Data", SaveData},
+    {"TarnLabels", SaveTarnLabels},
+    {"FuzzyRules", SaveFuzzyRules},
+    {"C", SaveC},
+    {"FCL", SaveFcl},
 };
 
 constexpr TCommand kLoaders[] = {
