@@ -6,6 +6,7 @@
 
 #include "FileTestTools.h"
 #include "Networks.h"
+#include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/TSimpleLayer.h"
 #include "RuleObject/TRuleFile.h"
 #include "Tarn/RuleExtraction/NetworkLabels.h"
@@ -80,15 +81,47 @@ TEST(NetRule, ReadsRuleNodes) {
       {":threshold 1 :thresholdin 0", first + "0.1*3 0.2*0.25 > 1.1*2 "},
       {":thresholdout -0.6",
        first_of_all + "0.0*1 1.0*0.5 > 0.1*0 1.0*0 0.2*0.25 > 0.0*0.25 0.1*-0.5 1.1*2 "},
-      {":method nodelocation", first + "0.1*3 1.0*0.5 0.2*0.25 > 0.0*0.25 1.1*2 "},
-      {":method NodeLocation :thresholdout 0.5", first + "0.1*3 0.2*0.25 > 1.1*2 "},
-      {":method Vireo2 :thresholdout 0.5", all},
+      {":method nodelocation",
+       "0.1*0.5 1.1*0.65 > 0.1*1 0.0*1 1.0*0.05 > 0.1*0.5 1.0*1 0.2*0.166667 > 0.0*0.375 "},
+      {":method NodeLocation :thresholdin .1 :thresholdout 0.5",
+       "0.1*0.5 1.1*0.65 > 0.1*1 0.0*1 > 1.0*1 "},
   };
   for (const auto& [options, rules] : kCases) {
     EXPECT_EQ(Short(Extracted(network, options).Rules()), rules) << options;
   }
+  TTarn three({{2}}, 1, {{3}});
+  three.SetWeightLayer(2, TValues{1, 0});
+  three.SetWeightLayer(3, TValues{3, 2.5, 0.5});
+  EXPECT_EQ(Short(Extracted(three, ":method NODELOCATION").Rules()), "0.0*0.5 > 0.0*1 ");
+  EXPECT_EQ(Short(Extracted(three, ":method vireo2 :thresholdout 0.9").Rules()),
+            "0.0*0.5 > 0.0*1 0.1*0.5 ");
   EXPECT_EQ(Failure([&] { TNetRule::RETarn(*MakePerceptron({2}, true), TKQstructure(), nullptr); }),
             "RETarn only works on Tarn Invalid Network Type TNetRule::RETarn");
+}
+
+// A shift between the variables of a node changes no answer, and no rule of two methods.
+TEST(NetRule, ReadsWhatTheNetworkAnswers) {
+  Random::Seed(5);
+  TTarn network(kInputMF, 4, kOutputMF);
+  network.InitWeights(-2.0, 2.0);
+  TTarn shifted = network;
+  for (int node = 0; node < 4; ++node) {
+    for (int k = 0; k < 5; ++k) {
+      shifted.SetWeightValue(2, k, node, network.GetWeightValue(2, k, node) + (k < 3 ? 1 : -1));
+    }
+  }
+  const auto data = MakePatterns(5, 2, 2, 0.0, 1.0);
+  TErrorRMSObj one(2);
+  TErrorRMSObj other(2);
+  EXPECT_NEAR(network.RecallError(data.get(), &one), shifted.RecallError(data.get(), &other),
+              1e-12);
+  const auto rules = [](const TTarn& from, const std::string& method) {
+    return Short(Extracted(from, ":thresholdin 0.01 :method " + method).Rules());
+  };
+  for (const char* const method : {"NodeLocation", "Vireo2"}) {
+    EXPECT_EQ(rules(network, method), rules(shifted, method));
+  }
+  EXPECT_NE(rules(network, "RETarn"), rules(shifted, "RETarn"));
 }
 
 // The functions say of every value what the condition layer says, and ranges hold all centres.
@@ -129,7 +162,8 @@ TEST(NetRule, TakesCentresFromMemberships) {
     const TFuzzyRuleSet rules = Read(file);
     return Failure([&] { TNetRule::SetNetMF(other, rules.Inputs(), rules.Outputs()); });
   };
-  EXPECT_EQ(failure(text), "none");
+  EXPECT_EQ(failure(With(text, "Centre=0.2500000", "Centre=0.75")), "none");
+  network.SetWeightValue(1, 0, 1, 0.75);  // above its right neighbour
   const auto weights = Weights(network);
   EXPECT_EQ(Weights(other), weights);
 
@@ -141,7 +175,6 @@ TEST(NetRule, TakesCentresFromMemberships) {
       {"RightShoulderedTriangular ]\n[LeftBound=-1", "Bell ][x=1", kType + "RightShouldered"},
       {"Type=Triangular ]\n[LeftBound=0.75", "Type=Bell ][x=0.1",
        "Inappropriate Output MF type: Should be Centred"},
-      {"Centre=0.2500000", "Centre=0.75", "Input MF centres must ascend"},
       {"Centre=7.0000000", "Centre=inf", "Input MF centre is not a finite number"},
       {"Bound=0.8750000 Centre=1", "Bound=0 Centre=2",
        "Output MF centres must lie between 0 and 1"},
@@ -161,10 +194,30 @@ TEST(NetRule, TurnsClausesIntoRuleNodes) {
       if <InputA is A 2> and not <InputB is B 0.5> or
          (<InputA is not C 0.25> or not <InputB is not A 3>)
       then <OutputB is B 4> and <OutputA is not A 1.5>)")));
-  const TValues conditions = {2, 0, 0, 0, -.5, 0, 0, -.25, 0, 0, 0, 0, 0, 3, 0, 0, 0, 0, 0, 0};
-  const TValues actions = {-1.5, -1.5, -1.5, 0, 0, 0, 0, 0, 0, 0, 0, 0, 4, 4, 4, 0};
+  const TValues conditions = {2, -2, -2, 0, -.5, 0, 0, -.25, 0, 0, 0, 0, 0, 3, -3, 0, 0, 0, 0, 0};
+  const TValues actions = {-1.5, -1.5, -1.5, 0, 0, 0, 0, 0, -4, -4, -4, 0, 4, 4, 4, 0};
   EXPECT_EQ(network.GetWeightLayer(2), conditions);
   EXPECT_EQ(network.GetWeightLayer(3), actions);
+
+  // Of several terms the heaviest speaks for the others, which a pruned connection does not reach.
+  TNetRule::InsertRENet(network, Read(FileWith(network, R"(
+      if <InputA is A 1> and <InputA is B 2> or <InputB is A> or <InputB is A> or <InputB is A>
+      then <OutputB is B>)")));
+  EXPECT_EQ(network.GetWeightValue(2, 2, 0), -2);
+  EXPECT_EQ(network.GetWeightValue(3, 3, 2), 0);
+  EXPECT_EQ(network.GetWeightValue(3, 2, 2), -1);
+}
+
+// Whatever the degree, a rule that is met answers its term, and one that is not the opposite.
+TEST(NetRule, MakesNetworksThatAnswer) {
+  TTarn network({{2}}, 2, {{2}});
+  const auto made = TNetRule::RITarn(Read(FileWith(network, R"(
+      if <InputA is A 100> then <OutputA is A 100> if <InputA is B 100> then <OutputA is B 100>)")));
+  TValues answer(1);
+  for (const auto& [x, y] : {std::pair(0.0, 0.0), {0.5, 0.5}, {1.0, 1.0}}) {
+    made->RecallPattern(TValues{x}, answer);
+    EXPECT_NEAR(answer[0], y, 1e-9);
+  }
 }
 
 TEST(NetRule, RefusesRulesThatItCannotHold) {

@@ -6,6 +6,7 @@
 #include "Membership/TMFSetList.h"
 #include "RuleObject/TFuzzyRuleSet.h"
 #include "RuleObject/TNetLabel.h"
+#include "Tarn/RuleExtraction/RuleSimplification.h"
 #include "Tarn/TTarn.h"
 
 // From Tarn networks to fuzzy rules and back. A rule node reads as a rule: the weights that lead to
@@ -29,11 +30,17 @@ namespace kiln::TNetRule {
 //                  Vireo2        every action that weighs more than 0
 //                  in any case; RETarn without it
 //
-// Without labels the network's default labels name the terms. Throws TException "RETarn only works
-// on Tarn" for another network and what GetNetMF does, and TAssertion, after printing its name, for
-// a method that there is not.
+// The memberships of a variable add up to 1, so that a number can be added to the weights of one
+// variable into a node and taken from those of another without changing any answer of the network.
+// RETarn reads weights as they stand; to the other two methods, which such shifts leave alone, a
+// weight is what is left of it without the mean of the variable's weights at the node.
+//
+// Without labels the network's default labels name the terms; with a simplification the rules are
+// those that it leaves. Throws TException "RETarn only works on Tarn" for another network and what
+// GetNetMF and Simplified do, and TAssertion, after printing its name, for a method that there is
+// not.
 TFuzzyRuleSet RETarn(const TBasicNetwork& network, const TKQstructure& options,
-                     const TNetLabel* labels);
+                     const TNetLabel* labels, const TSimplification* simplification = nullptr);
 
 // --- Membership functions: TNetRuleMF.cpp ----------------------------------------------------
 
@@ -48,17 +55,17 @@ struct TNetMF {
 // unsuitable for this network" unless every variable has as many terms in the labels.
 TNetMF GetNetMF(const TTarn& network, const TNetLabel& labels);
 
-// Gives the terms of a Tarn the centres of membership functions; feet and ranges do not count.
-// Throws TException, and leaves the network as it is, unless both lists have the network's numbers
-// of variables and terms, the kinds of functions are those that GetNetMF makes, and the centres of
-// each variable ascend, those of outputs within [0, 1].
+// Gives the terms of a Tarn the centres of membership functions, in whatever order they stand; feet
+// and ranges do not count. Throws TException, and leaves the network as it is, unless both lists
+// have the network's numbers of variables and terms, the kinds of functions are those that GetNetMF
+// makes, and the centres of outputs are within [0, 1].
 void SetNetMF(TTarn& network, const TMFSetList& inputs, const TMFSetList& outputs);
 
 // --- Insertion: TNetRuleInsertion.cpp --------------------------------------------------------
 
-// Makes the rules those of a Tarn, with the weights that RETarn would read them from; weights of
-// which the rules say nothing become 0. Every clause of an antecedent, see TRuleNodes, takes a rule
-// node. Membership functions stay.
+// Makes the rules those of a Tarn, with the weights that RETarn would read them from; what the
+// rules say nothing of weighs 0. Every clause of an antecedent, see TRuleNodes, takes a rule node.
+// Membership functions stay.
 //
 // Throws TException, and leaves the network as it is, for rules that a Tarn cannot hold, variables
 // that are not those of the network, more clauses than rule nodes, and a pruned connection that a

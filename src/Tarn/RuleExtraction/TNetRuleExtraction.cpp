@@ -12,6 +12,7 @@
 #include "Shared/TException.h"
 #include "Shared/Text.h"
 #include "Tarn/RuleExtraction/NetworkLabels.h"
+#include "Tarn/RuleExtraction/TFlatRule.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
 #include "Tarn/TMFGroups.h"
 
@@ -20,6 +21,32 @@ namespace kiln::TNetRule {
 namespace {
 
 using TAtoms = std::vector<TRuleAtom>;
+
+// Below every threshold.
+constexpr double kPruned = -std::numeric_limits<double>::infinity();
+
+// --- Preparing weights -----------------------------------------------------------------------
+
+void LeaveAsIs(const TMFGroups&, std::span<double>) {}
+
+// Takes from the weights of each variable their mean, in which pruned connections do not count.
+// Memberships of a variable add up to 1, so that a number added to the weights of one variable and
+// taken from those of another changes no answer of a network: what is left here does not depend on
+// it.
+void TakeMeansAway(const TMFGroups& terms, std::span<double> weights) {
+  for (std::size_t v = 0; v < terms.NumVariables(); ++v) {
+    const std::span<double> own = weights.subspan(terms.First(v), terms.Count(v));
+    double sum = 0.0;
+    std::size_t count = 0;
+    for (const double weight : own) {
+      if (weight == kPruned) continue;
+      sum += weight;
+      ++count;
+    }
+    if (count == 0) continue;
+    for (double& weight : own) weight -= sum / static_cast<double>(count);
+  }
+}
 
 // --- Choosing terms --------------------------------------------------------------------------
 
@@ -58,17 +85,19 @@ TAtoms HeaviestAbove(const TMFGroups& terms, std::span<const double> weights, do
 
 // --- Options ---------------------------------------------------------------------------------
 
-// A method differs from others in what it makes the consequences of a rule node.
+// A method differs from others in the weights that it compares and in what it makes the
+// consequences of a rule node.
 struct TMethod {
   std::string_view name;
+  void (*prepare)(const TMFGroups& terms, std::span<double> weights);
   TAtoms (*consequences)(const TMFGroups& actions, std::span<const double> weights,
                          double threshold);
 };
 
 constexpr TMethod kMethods[] = {
-    {"RETarn", EveryAbove},
-    {"NodeLocation", HeaviestAbove},
-    {"Vireo2", EveryPositive},
+    {"RETarn", LeaveAsIs, EveryAbove},
+    {"NodeLocation", TakeMeansAway, HeaviestAbove},
+    {"Vireo2", TakeMeansAway, EveryPositive},
 };
 
 const TMethod& MethodOf(const TKQstructure& options) {
@@ -91,9 +120,6 @@ TThresholds ThresholdsOf(const TKQstructure& options) {
 
 // --- Rule nodes ------------------------------------------------------------------------------
 
-// Below every threshold.
-constexpr double kPruned = -std::numeric_limits<double>::infinity();
-
 double WeightOf(const TBasicConnections& block, std::size_t to, std::size_t from) {
   return block.Exists(to, from) ? block.GetWeight(to, from) : kPruned;
 }
@@ -112,33 +138,43 @@ std::vector<double> ActionWeights(const TTarn& network, std::size_t rule) {
   return weights;
 }
 
-TRule MakeRule(const TAtoms& conditions, const TAtoms& consequences) {
+TFlatRules ReadRules(const TTarn& network, const TMethod& method, const TThresholds& thresholds) {
+  const TMFGroups conditions(network.InputMF());
+  const TMFGroups actions(network.OutputMF());
+  TFlatRules rules;
+  for (std::size_t node = 0; node < network.NumRules(); ++node) {
+    std::vector<double> from_conditions = ConditionWeights(network, node);
+    std::vector<double> to_actions = ActionWeights(network, node);
+    method.prepare(conditions, from_conditions);
+    method.prepare(actions, to_actions);
+    TFlatRule rule = {HeaviestAbove(conditions, from_conditions, std::max(0.0, thresholds.in)),
+                      method.consequences(actions, to_actions, thresholds.out)};
+    if (rule.conditions.empty() || rule.consequences.empty()) continue;
+    rules.push_back(std::move(rule));
+  }
+  return rules;
+}
+
+// --- Rule sets -------------------------------------------------------------------------------
+
+TRule MakeRule(const TFlatRule& flat) {
   auto antecedent = std::make_unique<TRuleExpression>("and");
-  for (const TRuleAtom& atom : conditions) antecedent->Append(atom);
+  for (const TRuleAtom& atom : flat.conditions) antecedent->Append(atom);
   TRule rule{std::move(antecedent), {}};
-  for (const TRuleAtom& atom : consequences) rule.consequences.Append(atom);
+  for (const TRuleAtom& atom : flat.consequences) rule.consequences.Append(atom);
   return rule;
 }
 
-TRuleList ReadRules(const TTarn& network, const TMethod& method, const TThresholds& thresholds) {
-  const TMFGroups conditions(network.InputMF());
-  const TMFGroups actions(network.OutputMF());
+TRuleList MakeRules(const TFlatRules& flat) {
   TRuleList rules("RENet");
-  for (std::size_t rule = 0; rule < network.NumRules(); ++rule) {
-    const TAtoms antecedent =
-        HeaviestAbove(conditions, ConditionWeights(network, rule), std::max(0.0, thresholds.in));
-    const TAtoms consequences =
-        method.consequences(actions, ActionWeights(network, rule), thresholds.out);
-    if (antecedent.empty() || consequences.empty()) continue;
-    rules.Append(MakeRule(antecedent, consequences));
-  }
+  for (const TFlatRule& rule : flat) rules.Append(MakeRule(rule));
   return rules;
 }
 
 }  // namespace
 
 TFuzzyRuleSet RETarn(const TBasicNetwork& network, const TKQstructure& options,
-                     const TNetLabel* labels) {
+                     const TNetLabel* labels, const TSimplification* simplification) {
   const auto* tarn = dynamic_cast<const TTarn*>(&network);
   if (!tarn) {
     throw TException("RETarn only works on Tarn", "Invalid Network Type", "TNetRule::RETarn");
@@ -147,8 +183,9 @@ TFuzzyRuleSet RETarn(const TBasicNetwork& network, const TKQstructure& options,
   std::optional<TNetLabel> default_labels;
   if (!labels) labels = &default_labels.emplace(MakeDefaultLabels(network));
   TNetMF terms = GetNetMF(*tarn, *labels);
-  TRuleList rules = ReadRules(*tarn, MethodOf(options), thresholds);
-  return {std::move(terms.inputs), std::move(rules), std::move(terms.outputs)};
+  TFlatRules rules = ReadRules(*tarn, MethodOf(options), thresholds);
+  if (simplification) rules = Simplified(std::move(rules), *tarn, *simplification);
+  return {std::move(terms.inputs), MakeRules(rules), std::move(terms.outputs)};
 }
 
 }  // namespace kiln::TNetRule

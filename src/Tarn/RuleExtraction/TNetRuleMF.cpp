@@ -117,14 +117,10 @@ class TCentreReader {
 
  private:
   void ReadSet(const TBasicMFSet& set) {
-    const std::size_t first = centres_.size();
     const int last = set.NumberOfMF() - 1;
     Append<TLShoulderTriangularMF>(set.GetMF(0), "LeftShouldered");
     for (int k = 1; k < last; ++k) Append<TTriangularMF>(set.GetMF(k), "Centred");
     Append<TRShoulderTriangularMF>(set.GetMF(last), "RightShouldered");
-    if (!std::is_sorted(centres_.begin() + static_cast<std::ptrdiff_t>(first), centres_.end())) {
-      Fail(side_ + " MF centres must ascend");
-    }
   }
 
   template <typename TMF>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -61,22 +62,40 @@ void AddClauses(const TRuleElement& element, std::vector<TAtoms>& clauses) {
 
 // --- Atoms -----------------------------------------------------------------------------------
 
-// A term, counted across all variables of its side, and the weight that an atom gives it.
+// A term, counted across all variables of its side, and the weight that atoms give it.
 struct TWeightedTerm {
   int term;
   double weight;
+  bool is_named;  // whether an atom names the term
 };
+
+using TWeightedTerms = std::vector<TWeightedTerm>;
 
 // What the atoms say of the terms of one side.
 class TTermReader {
  public:
   explicit TTermReader(const TMFSetList& list) : list_(list), groups_(list.MFCounts()) {}
 
-  std::vector<TWeightedTerm> Read(const TAtoms& atoms) const {
-    std::vector<TWeightedTerm> terms;
+  TWeightedTerms Read(const TAtoms& atoms) const {
+    const TWeightedTerms named = ReadNamed(atoms);
+    TWeightedTerms terms;
+    for (auto first = named.begin(); first != named.end();) {
+      const std::size_t v = groups_.VariableOf(static_cast<std::size_t>(first->term));
+      const int end = static_cast<int>(groups_.First(v) + groups_.Count(v));
+      const auto last =
+          std::find_if(first, named.end(), [&](const auto& term) { return term.term >= end; });
+      AddVariable(v, {first, last}, terms);
+      first = last;
+    }
+    return terms;
+  }
+
+ private:
+  TWeightedTerms ReadNamed(const TAtoms& atoms) const {
+    TWeightedTerms terms;
     for (const TRuleAtom& atom : atoms) {
       if (!std::isfinite(atom.degree)) Fail("Degree is not a finite number");
-      terms.push_back({TermOf(atom), atom.negated ? -atom.degree : atom.degree});
+      terms.push_back({TermOf(atom), atom.negated ? -atom.degree : atom.degree, true});
     }
     std::ranges::sort(terms, {}, &TWeightedTerm::term);
     if (std::ranges::adjacent_find(terms, {}, &TWeightedTerm::term) != terms.end()) {
@@ -85,7 +104,22 @@ class TTermReader {
     return terms;
   }
 
- private:
+  // Adds the terms of variable v that atoms name and, with what these are worth at most negated,
+  // those that the variable must not be then.
+  void AddVariable(std::size_t v, std::span<const TWeightedTerm> named,
+                   TWeightedTerms& terms) const {
+    const double largest = std::ranges::max(named, {}, &TWeightedTerm::weight).weight;
+    auto next = named.begin();
+    for (std::size_t k = 0; k < groups_.Count(v); ++k) {
+      const int term = static_cast<int>(groups_.First(v) + k);
+      if (next != named.end() && next->term == term) {
+        terms.push_back(*next++);
+      } else if (largest > 0.0) {
+        terms.push_back({term, -largest, false});
+      }
+    }
+  }
+
   int TermOf(const TRuleAtom& atom) const {
     const TBasicMFSet* set = list_.GetMFSet(atom.variable);
     if (!set || atom.mf == TRuleAtom::kNoMF || atom.mf == set->NumberOfMF() ||
@@ -111,11 +145,11 @@ TRuleNodes::TRuleNodes(const TFuzzyRuleSet& rule_set) {
     AddClauses(rule.antecedent, clauses);
     for (const TAtoms& clause : clauses) {
       if (clause.empty()) Fail("Rule without conditions");
-      for (const auto& [term, weight] : inputs.Read(clause)) {
-        conditions_.push_back({.from = term, .to = count_, .value = weight});
+      for (const auto& [term, weight, is_named] : inputs.Read(clause)) {
+        conditions_.push_back({term, count_, weight, is_named});
       }
-      for (const auto& [term, weight] : actions) {
-        actions_.push_back({.from = count_, .to = term, .value = weight});
+      for (const auto& [term, weight, is_named] : actions) {
+        actions_.push_back({count_, term, weight, is_named});
       }
       ++count_;
     }
@@ -135,7 +169,7 @@ void TRuleNodes::WriteTo(TTarn& network) const {
 
 void TRuleNodes::CheckExist(const TTarn& network, int weight_layer, const TWeights& weights) {
   for (const TWeight& weight : weights) {
-    if (!network.WeightExists(weight_layer, weight.from, weight.to)) {
+    if (weight.is_needed && !network.WeightExists(weight_layer, weight.from, weight.to)) {
       Fail("Rule needs a pruned connection");
     }
   }
@@ -145,6 +179,7 @@ void TRuleNodes::Replace(TTarn& network, int weight_layer, const TWeights& weigh
   const auto from = static_cast<std::size_t>(weight_layer);
   std::ranges::fill(network.Connections(from + 1, from).Weights(), 0.0);
   for (const TWeight& weight : weights) {
+    if (!network.WeightExists(weight_layer, weight.from, weight.to)) continue;
     network.SetWeightValue(weight_layer, weight.from, weight.to, weight.value);
   }
 }

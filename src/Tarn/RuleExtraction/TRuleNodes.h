@@ -13,6 +13,11 @@ namespace kiln {
 // consequences of its rule. A clause is an atom, or several joined by "and", and each of them may
 // stand behind a "not". An atom becomes the weight that joins its term with the node: its degree,
 // negative where the atom is negated, behind a "not" or by itself; both cancel out.
+//
+// To be one term is not to be another: where a clause, or the consequences of a rule, name terms of
+// a variable with positive weights, its other terms weigh the largest of these negated. That takes
+// the place of a bias, which a Tarn does not have: with positive weights alone a node would answer
+// 1/2 or more to everything.
 class TRuleNodes {
  public:
   // Throws TException for an antecedent of any other form ("Antecedent too deep"), a set without
@@ -23,7 +28,8 @@ class TRuleNodes {
   int Count() const { return count_; }
 
   // Gives the rule layers these weights and sets all others to 0. Throws TException, and leaves the
-  // network as it is, when it has fewer rule nodes or lacks a connection.
+  // network as it is, when it has fewer rule nodes or lacks the connection of an atom; what a rule
+  // is not goes only where there are connections.
   // REQUIRES: the network has the variables and terms of the rule set.
   void WriteTo(TTarn& network) const;
 
@@ -32,6 +38,7 @@ class TRuleNodes {
     int from;
     int to;
     double value;
+    bool is_needed;  // whether an atom asks for it
   };
   using TWeights = std::vector<TWeight>;
 
