@@ -82,6 +82,7 @@ TAnswer Label(TInterpreter& interpreter, const TCommandLine& line);
 TAnswer LabelTarn(TInterpreter& interpreter, const TCommandLine& line);
 TAnswer RETarn(TInterpreter& interpreter, const TCommandLine& line);
 TAnswer RITarn(TInterpreter& interpreter, const TCommandLine& line);
+TAnswer Fired(TInterpreter& interpreter, const TCommandLine& line);  // a form of "query"
 
 }  // namespace commands
 }  // namespace kiln

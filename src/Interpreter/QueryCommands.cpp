@@ -7,6 +7,8 @@
 #include "Interpreter/Commands.h"
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "RuleObject/TFuzzyRuleSet.h"
+#include "RuleObject/TNetLabel.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
 #include "Tarn/TTarn.h"
@@ -82,12 +84,27 @@ std::string Structure(const TKohonenNetwork& map) {
   return text.str();
 }
 
+std::string Structure(const TNetLabel& labels) {
+  std::ostringstream text;
+  text << "inputs " << labels.NumInputs() << " outputs " << labels.NumOutputs();
+  return text.str();
+}
+
+std::string Structure(const TFuzzyRuleSet& rules) {
+  std::ostringstream text;
+  text << "rules " << rules.Rules().Count() << " atoms " << rules.NumAtoms() << " inputs "
+       << rules.Inputs().Count() << " outputs " << rules.Outputs().Count();
+  return text.str();
+}
+
 TAnswer StructureOf(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& node = Subject(interpreter, line, "structureof").node;
   if (const auto set = node.As<Data>()) return Structure(*set);
   if (const auto tarn = node.As<TTarn>()) return Structure(*tarn);
   if (const auto perceptron = node.As<TMLPNetwork>()) return Structure(*perceptron);
   if (const auto map = node.As<TKohonenNetwork>()) return Structure(*map);
+  if (const auto labels = node.As<TNetLabel>()) return Structure(*labels);
+  if (const auto rules = node.As<TFuzzyRuleSet>()) return Structure(*rules);
   Fail("no structure for this type of object");
 }
 
@@ -157,7 +174,7 @@ TAnswer GetStats(TInterpreter& interpreter, const TCommandLine& line) {
 
 constexpr TCommand kQueries[] = {
     {"aliasexists", AliasExists}, {"classof", ClassOf},   {"structureof", StructureOf},
-    {"getnextrow", GetNextRow},   {"getstats", GetStats},
+    {"getnextrow", GetNextRow},   {"getstats", GetStats}, {"fired", Fired},
 };
 
 }  // namespace

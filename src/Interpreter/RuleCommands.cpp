@@ -1,6 +1,11 @@
+#include <cmath>
+#include <optional>
+
+#include "DataObject/Data.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "KQmessage/TKQstructure.h"
+#include "Shared/NumberScan.h"
 #include "Tarn/RuleExtraction/NetworkLabels.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
 
@@ -11,9 +16,8 @@ namespace {
 // How rules are to be read from a network.
 TKQstructure ExtractionParams(const TCommandLine& line) {
   TKQstructure params("Params");
-  for (const char* const threshold : {"ThresholdIn", "ThresholdOut"}) {
-    const TReading<double> reading = line.Double(threshold);
-    if (reading.code == TReadCode::kRead) params.SetDouble(threshold, reading.value);
+  for (const char* const threshold : {"threshold", "ThresholdIn", "ThresholdOut"}) {
+    if (const auto number = line.NumberNoCase(threshold)) params.SetDouble(threshold, *number);
   }
   const TReading<std::string_view> method = line.Word("method");
   if (method.code == TReadCode::kRead) params.SetString("method", std::string(method.value));
@@ -26,6 +30,50 @@ std::shared_ptr<const TNetLabel> NamedLabels(const TInterpreter& interpreter,
   const TReading<std::string_view> alias = line.Word("labels");
   if (alias.code != TReadCode::kRead) return nullptr;
   return RequiredObject<TNetLabel>(interpreter, alias.value, " is not of type TarnLabel");
+}
+
+// The data set on which the rules of `network` are to be simplified; null where the line names
+// none.
+std::shared_ptr<const Data> NamedSet(const TInterpreter& interpreter, const TCommandLine& line,
+                                     std::string_view network_alias, const TTarn& network) {
+  if (line.Word("data").code != TReadCode::kRead) return nullptr;
+  const std::string_view alias = RequiredAlias(line, "data");
+  const auto set = RequiredObject<Data>(interpreter, alias, " is not of type Data");
+  RequireColumns(alias, set->Inputs(), "inputs", network_alias, network.NumInputs());
+  RequireColumns(alias, set->Outputs(), "outputs", network_alias, network.NumOutputs());
+  if (set->DataRows() == 0) Fail(alias, " has no rows");
+  return set;
+}
+
+// What a missing tag leaves as it is.
+void ReadTolerance(const TCommandLine& line, double& tolerance) {
+  const TReading<std::string_view> word = line.Word("tolerance");
+  if (word.code != TReadCode::kRead) return;
+  const bool is_number = word.value.find_first_not_of("+-.0123456789eE") == word.value.npos;
+  const double number = is_number ? ScanNumber(word.value).value_or(-1.0) : -1.0;
+  if (!(number >= 0.0) || std::isinf(number)) Fail("tolerance must be a number of at least 0");
+  tolerance = number;
+}
+
+TSimplification SimplificationOf(const TCommandLine& line, const Data& set) {
+  TSimplification simplification = {.data = set};
+  ReadTolerance(line, simplification.tolerance);
+  if (line.Word("fit").code == TReadCode::kRead) simplification.fit = RequiredBoolean(line, "fit");
+  simplification.rounds = AtLeast(1, Optional(line.Long("rounds"), std::int64_t{1}), "rounds");
+  return simplification;
+}
+
+// The network whose rule nodes a query asks for: that which "ritarn" would make of the rules that
+// the line names, or else a copy of the one that it names.
+std::unique_ptr<TTarn> NetworkOfRules(const TInterpreter& interpreter, const TCommandLine& line) {
+  if (line.Word("rules").code == TReadCode::kRead) {
+    const std::string_view alias = RequiredAlias(line, "rules");
+    return TNetRule::RITarn(
+        *RequiredObject<TFuzzyRuleSet>(interpreter, alias, " is not of type FuzzyRules"));
+  }
+  const std::string_view alias = RequiredAlias(line, "network");
+  return std::make_unique<TTarn>(
+      *RequiredObject<TTarn>(interpreter, alias, " is not of type Tarn"));
 }
 
 }  // namespace
@@ -43,8 +91,12 @@ TAnswer RETarn(TInterpreter& interpreter, const TCommandLine& line) {
   const auto network = RequiredObject<TTarn>(interpreter, name, " is not type Tarn");
   const std::string_view rules = RequiredNewAlias(interpreter, line, "rules");
   const std::shared_ptr<const TNetLabel> labels = NamedLabels(interpreter, line);
-  interpreter.Insert({rules, std::make_unique<TFuzzyRuleSet>(TNetRule::RETarn(
-                                 *network, ExtractionParams(line), labels.get()))});
+  const std::shared_ptr<const Data> set = NamedSet(interpreter, line, name, *network);
+  std::optional<TSimplification> simplification;
+  if (set) simplification.emplace(SimplificationOf(line, *set));
+  interpreter.Insert({rules, std::make_unique<TFuzzyRuleSet>(
+                                 TNetRule::RETarn(*network, ExtractionParams(line), labels.get(),
+                                                  simplification ? &*simplification : nullptr))});
   return kDone;
 }
 
@@ -54,6 +106,21 @@ TAnswer RITarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view network = RequiredNewAlias(interpreter, line, "network");
   interpreter.Insert({network, TNetRule::RITarn(*rules)});
   return kDone;
+}
+
+TAnswer Fired(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::unique_ptr<TTarn> network = NetworkOfRules(interpreter, line);
+  const std::vector<double> inputs = Required(line.Doubles("inputs"), "tag inputs not found");
+  if (inputs.size() != network->NumInputs()) {
+    Fail("there are ", std::to_string(inputs.size()), " inputs but the network has ",
+         std::to_string(network->NumInputs()));
+  }
+  for (const double input : inputs) {
+    if (!std::isfinite(input)) Fail("inputs must be finite numbers");
+  }
+  std::vector<double> outputs(network->NumOutputs());
+  network->RecallPattern(inputs, outputs);
+  return AnswerArray(network->Layer(TTarn::kRuleLayer).Outputs());
 }
 
 }  // namespace kiln::commands

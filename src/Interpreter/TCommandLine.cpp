@@ -150,4 +150,14 @@ std::optional<std::int64_t> TCommandLine::WholeNumber(std::string_view tag) cons
   return std::nullopt;
 }
 
+std::optional<double> TCommandLine::NumberNoCase(std::string_view tag) const {
+  for (std::string_view rest = text_; !rest.empty();) {
+    const std::string_view word = FirstWord(rest);
+    rest.remove_prefix(static_cast<std::size_t>(word.data() - rest.data()) + word.size());
+    if (!EqualNoCase(word, tag)) continue;
+    if (const auto number = ScanNumber(FirstWord(rest))) return number;
+  }
+  return std::nullopt;
+}
+
 }  // namespace kiln

@@ -66,6 +66,9 @@ class TCommandLine {
   // as an alias that is spelled like the tag, do not count.
   std::optional<std::int64_t> WholeNumber(std::string_view tag) const;
 
+  // The number behind the first occurrence of the tag, in any case of letters, that has one.
+  std::optional<double> NumberNoCase(std::string_view tag) const;
+
  private:
   // The rest of the line behind the tag.
   std::optional<std::string_view> Behind(std::string_view tag) const;

@@ -18,6 +18,9 @@ class TFuzzyRuleSet {
   const TRuleList& Rules() const { return rules_; }
   const TMFSetList& Outputs() const { return outputs_; }
 
+  // The atoms of all antecedents.
+  int NumAtoms() const;
+
  private:
   TMFSetList inputs_;
   TRuleList rules_;

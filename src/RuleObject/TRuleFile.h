@@ -18,8 +18,10 @@ namespace kiln::TRuleFile {
 inline constexpr int kMaxDepth = 500;
 
 // Writes a rule file. Throws TException for an atom whose variable or term does not exist or has
-// no name. The second form also throws FileTools::SaveError; whatever it throws, what stood at
-// `path` is left alone. REQUIRES: expressions are nested at most kMaxDepth deep.
+// no name, and for two inputs, two outputs or two terms of a variable that bear one name in any
+// case: the file could not tell them apart. The second form also throws FileTools::SaveError;
+// whatever it throws, what stood at `path` is left alone. REQUIRES: expressions are nested at most
+// kMaxDepth deep.
 void SaveRules(FileTools::Writer& out, const TFuzzyRuleSet& rule_set);
 void SaveRules(const std::string& path, const TFuzzyRuleSet& rule_set);
 

@@ -1,4 +1,8 @@
+#include <algorithm>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "FileHandler/Syntax/SafeFile.h"
 #include "FileHandler/TFuzzyMFFiler.h"
@@ -6,6 +10,7 @@
 #include "RuleObject/TRuleOperator.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/TException.h"
+#include "Shared/Text.h"
 
 namespace kiln::TRuleFile {
 
@@ -86,9 +91,39 @@ void SaveRule(Writer& out, const TRule& rule, const TFuzzyRuleSet& rule_set) {
   out.WriteText("\n\n");
 }
 
+using TNames = std::vector<std::string_view>;
+
+template <typename T>
+void AddName(const T* named, TNames& names) {
+  if (named && named->Name()) names.emplace_back(*named->Name());
+}
+
+// Atoms refer to variables and terms by name, in any case, which must tell them apart.
+void CheckDifferent(TNames names, const std::string& what) {
+  std::ranges::sort(names, LessNoCase);
+  const auto twice = std::ranges::adjacent_find(names, EqualNoCase);
+  if (twice == names.end()) return;
+  throw TException("Two " + what + " are called " + std::string(*twice), "Bad Rule Set",
+                   "TRuleFile::SaveRules");
+}
+
+void CheckNames(const TMFSetList& list, const std::string& side) {
+  TNames variables;
+  for (int v = 0; v < list.Count(); ++v) {
+    const TBasicMFSet* set = list.GetMFSet(v);
+    AddName(set, variables);
+    TNames terms;
+    for (int k = 0; set && k < set->NumberOfMF(); ++k) AddName(set->GetMF(k), terms);
+    CheckDifferent(std::move(terms), "terms of one " + side);
+  }
+  CheckDifferent(std::move(variables), side + "s");
+}
+
 }  // namespace
 
 void SaveRules(Writer& out, const TFuzzyRuleSet& rule_set) {
+  CheckNames(rule_set.Inputs(), "input");
+  CheckNames(rule_set.Outputs(), "output");
   out.WriteFormatVersion();
   out.WriteStartTag("FuzzyRules");
   out.WriteString("RuleType", rule_set.Rules().RuleType());
