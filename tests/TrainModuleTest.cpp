@@ -7,11 +7,11 @@
 #include "KQmessage/TKQstructure.h"
 #include "Networks.h"
 #include "NeuralNets/Kernels/Kernels.h"
-#include "NeuralNets/Training/TBackpropBlock.h"
 #include "NeuralNets/Training/TBackpropModule.h"
-#include "NeuralNets/Training/TBackpropPattern.h"
-#include "NeuralNets/Training/TBackpropSmall.h"
+#include "NeuralNets/Training/TBlockPass.h"
 #include "NeuralNets/Training/TLayerwisePass.h"
+#include "NeuralNets/Training/TPatternPass.h"
+#include "NeuralNets/Training/TSmallPass.h"
 #include "Shared/NumberFormat.h"
 
 namespace kiln {
@@ -303,9 +303,9 @@ class TPassAsker : public TBackpropModule {
     const TTrainRun run(params, *MakePatterns(patterns, static_cast<int>(Network().NumInputs()),
                                               static_cast<int>(Network().NumOutputs()), 0, 1));
     const std::unique_ptr<TTrainPass> pass = MakePass(run);
-    if (dynamic_cast<TBackpropBlock*>(pass.get())) return "block";
-    if (dynamic_cast<TBackpropSmall*>(pass.get())) return "small";
-    const auto* listed = dynamic_cast<TBackpropPattern*>(pass.get());
+    if (dynamic_cast<TBlockPass*>(pass.get())) return "block";
+    if (dynamic_cast<TSmallPass*>(pass.get())) return "small";
+    const auto* listed = dynamic_cast<TPatternPass*>(pass.get());
     if (listed) return "pattern " + std::to_string(listed->NumDelayed());
     return dynamic_cast<TLayerwisePass*>(pass.get()) ? "layerwise" : "unknown";
   }

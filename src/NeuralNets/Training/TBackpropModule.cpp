@@ -1,10 +1,10 @@
 #include "NeuralNets/Training/TBackpropModule.h"
 
 #include "NeuralNets/Training/ActDerivatives.h"
-#include "NeuralNets/Training/TBackpropBlock.h"
-#include "NeuralNets/Training/TBackpropPattern.h"
-#include "NeuralNets/Training/TBackpropSmall.h"
+#include "NeuralNets/Training/TBlockPass.h"
 #include "NeuralNets/Training/TLayerwisePass.h"
+#include "NeuralNets/Training/TPatternPass.h"
+#include "NeuralNets/Training/TSmallPass.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln {
@@ -33,22 +33,22 @@ void TBackpropModule::CheckLayer(const TTrainRun& run, std::size_t layer) const 
 // Which way a run goes through the patterns: the first row whose conditions hold.
 //
 //   update        network                                                  pass
-//   one a batch   plain, no connection absent, at most 131072 neurons;     TBackpropBlock
+//   one a batch   plain, no connection absent, at most 131072 neurons;     TBlockPass
 //                 batches of at least 4 patterns
-//   at once       plain, layers linear or sigmoid, all connections there   TBackpropSmall
+//   at once       plain, layers linear or sigmoid, all connections there   TSmallPass
 //                 and trainable, at most 2048 weights
-//   at once       plain                                                    TBackpropPattern
+//   at once       plain                                                    TPatternPass
 //   any           any                                                      TLayerwisePass
 //
-// "At once" is TTrainRun::at_once, "plain" is IsPlain. Within TBackpropPattern those patches over
+// "At once" is TTrainRun::at_once, "plain" is IsPlain. Within TPatternPass those patches over
 // the inputs that are at least 16 rows high and 48 to 65536 columns wide, with no connection absent
 // or frozen, go through TDelayedBlock, on sets of at least 8 patterns, with a momentum of at most 1
 // and nothing that pulls at the weights.
 std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
-  if (TBackpropBlock::Fits(Network(), run)) return std::make_unique<TBackpropBlock>(State(), run);
-  if (TBackpropSmall::Fits(Network(), run)) return std::make_unique<TBackpropSmall>(State(), run);
-  if (TBackpropPattern::Fits(Network(), run)) {
-    return std::make_unique<TBackpropPattern>(State(), run);
+  if (TBlockPass::Fits(Network(), run)) return std::make_unique<TBlockPass>(State(), run);
+  if (TSmallPass::Fits(Network(), run)) return std::make_unique<TSmallPass>(State(), run);
+  if (TPatternPass::Fits(Network(), run)) {
+    return std::make_unique<TPatternPass>(State(), run);
   }
   return std::make_unique<TLayerwisePass>(State(), run);
 }

@@ -1,4 +1,4 @@
-#include "NeuralNets/Training/TBackpropPattern.h"
+#include "NeuralNets/Training/TPatternPass.h"
 
 #include <algorithm>
 
@@ -23,11 +23,11 @@ class TVisitPatches : public TIterateObj2 {
 
 }  // namespace
 
-bool TBackpropPattern::Fits(const TBasicNetwork& network, const TTrainRun& run) {
+bool TPatternPass::Fits(const TBasicNetwork& network, const TTrainRun& run) {
   return run.at_once && IsPlain(network);
 }
 
-TBackpropPattern::TBackpropPattern(TTrainState& state, const TTrainRun& run)
+TPatternPass::TPatternPass(TTrainState& state, const TTrainRun& run)
     : TTrainPass(TKind::kMovesWeights), ends_(state), rates_(run.ForgettingRates()) {
   ComputeConstantLayers(*state.network);
   for (std::size_t layer = 0; layer < state.network->NumLayers(); ++layer) {
@@ -35,7 +35,7 @@ TBackpropPattern::TBackpropPattern(TTrainState& state, const TTrainRun& run)
   }
 }
 
-void TBackpropPattern::AddStage(TTrainState& state, const TTrainRun& run, std::size_t to) {
+void TPatternPass::AddStage(TTrainState& state, const TTrainRun& run, std::size_t to) {
   TBasicNetwork& network = *state.network;
   TBasicLayer& layer = network.Layer(to);
   const bool errors_are_deltas = run.ErrorsAreDeltas(network, to);
@@ -58,13 +58,13 @@ void TBackpropPattern::AddStage(TTrainState& state, const TTrainRun& run, std::s
   }
 }
 
-std::size_t TBackpropPattern::NumDelayed() const {
+std::size_t TPatternPass::NumDelayed() const {
   std::size_t sum = 0;
   for (const TStage& stage : stages_) sum += stage.delayed.size();
   return sum;
 }
 
-void TBackpropPattern::Run(const Data& data, int first, int last, TErrorObj& error) {
+void TPatternPass::Run(const Data& data, int first, int last, TErrorObj& error) {
   constexpr int kPatterns = TDelayedBlock::kPatterns;
   for (int begin = first; begin < last; begin += kPatterns) {
     const int end = std::min(begin + kPatterns, last);
@@ -75,11 +75,11 @@ void TBackpropPattern::Run(const Data& data, int first, int last, TErrorObj& err
 }
 
 template <typename TVisit>
-void TBackpropPattern::ForEachDelayed(const TVisit& visit) {
+void TPatternPass::ForEachDelayed(const TVisit& visit) {
   for (TStage& stage : stages_) std::ranges::for_each(stage.delayed, visit);
 }
 
-void TBackpropPattern::RunPattern(const DataRow& row, TErrorObj& error) {
+void TPatternPass::RunPattern(const DataRow& row, TErrorObj& error) {
   ends_.SetInputs(row);
   for (const TStage& stage : stages_) Recall(stage);
   ends_.SetErrors(row);
@@ -87,7 +87,7 @@ void TBackpropPattern::RunPattern(const DataRow& row, TErrorObj& error) {
   ends_.AddError(row, error);
 }
 
-void TBackpropPattern::Recall(const TStage& stage) {
+void TPatternPass::Recall(const TStage& stage) {
   std::ranges::fill(stage.errors, 0.0);
   const std::span<double> net_inputs = stage.layer.NetInputs();
   std::ranges::fill(net_inputs, 0.0);
@@ -99,7 +99,7 @@ void TBackpropPattern::Recall(const TStage& stage) {
   stage.layer.Activate();
 }
 
-void TBackpropPattern::Step(TStage& stage) {
+void TPatternPass::Step(TStage& stage) {
   if (!stage.errors_are_deltas) {
     ErrorsToDeltas(stage.layer, stage.layer.Outputs(), stage.errors);
   }

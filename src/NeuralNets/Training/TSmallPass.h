@@ -15,7 +15,7 @@ namespace kiln {
 // Back-propagation pattern by pattern for small networks, whose weights the nearest cache holds.
 // Their time goes into waiting for one sum after the other, not into the number of sums; so they
 // are trained in a copy in which the neurons of a layer stand side by side, in whole registers.
-class TBackpropSmall : public TTrainPass {
+class TSmallPass : public TTrainPass {
  public:
   // Whether the network is plain, its layers linear or sigmoid, its weights at most kMaxWeights and
   // all trainable, and the run changes weights at once.
@@ -24,7 +24,7 @@ class TBackpropSmall : public TTrainPass {
 
   // Moves weights. REQUIRES: the network fits; while the pass lives the state does, and nothing
   // else changes weights or last changes.
-  TBackpropSmall(TTrainState& state, const TTrainRun& run);
+  TSmallPass(TTrainState& state, const TTrainRun& run);
 
   void Run(const Data& data, int first, int last, TErrorObj& error) override;
 

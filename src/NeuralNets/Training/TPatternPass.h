@@ -14,14 +14,14 @@ namespace kiln {
 // Back-propagation pattern by pattern, each weight changing as errors pass it: what TLayerwisePass
 // does layer by layer, as a list of sums that is made in advance. In a network of a few neurons it
 // takes longer to find out which layers and blocks meet than to calculate.
-class TBackpropPattern : public TTrainPass {
+class TPatternPass : public TTrainPass {
  public:
   // Whether the network is plain and the run changes weights at once.
   static bool Fits(const TBasicNetwork& network, const TTrainRun& run);
 
   // Moves weights. REQUIRES: the network fits and can be trained; its flags stay as they are, and
   // the state lives, while the pass does.
-  TBackpropPattern(TTrainState& state, const TTrainRun& run);
+  TPatternPass(TTrainState& state, const TTrainRun& run);
 
   void Run(const Data& data, int first, int last, TErrorObj& error) override;
 

@@ -1,4 +1,4 @@
-#include "NeuralNets/Training/TBackpropBlock.h"
+#include "NeuralNets/Training/TBlockPass.h"
 
 #include <algorithm>
 
@@ -16,11 +16,11 @@ constexpr std::size_t kPatterns = TPatternBlock::kPatterns;
 
 }  // namespace
 
-bool TBackpropBlock::Fits(const TBasicNetwork& network, const TTrainRun& run) {
+bool TBlockPass::Fits(const TBasicNetwork& network, const TTrainRun& run) {
   return run.batch >= kMinPatterns && TPatternBlock::Fits(network);
 }
 
-TBackpropBlock::TBackpropBlock(TTrainState& state, const TTrainRun& run)
+TBlockPass::TBlockPass(TTrainState& state, const TTrainRun& run)
     : TTrainPass(TKind::kAddsGradients),
       state_(state),
       run_(run),
@@ -36,11 +36,11 @@ TBackpropBlock::TBackpropBlock(TTrainState& state, const TTrainRun& run)
   rows_.resize(largest * kPatterns);
 }
 
-void TBackpropBlock::Run(const Data& data, int first, int last, TErrorObj& error) {
+void TBlockPass::Run(const Data& data, int first, int last, TErrorObj& error) {
   for (int n = first; n < last; n += kPatterns) RunBlock(data, n, last, error);
 }
 
-void TBackpropBlock::RunBlock(const Data& data, int first, int last, TErrorObj& error) {
+void TBlockPass::RunBlock(const Data& data, int first, int last, TErrorObj& error) {
   outputs_.Recall(data, first, last);
   for (std::vector<double>& errors : errors_) std::ranges::fill(errors, 0.0);
   StartErrors(data, first, error);
@@ -56,7 +56,7 @@ void TBackpropBlock::RunBlock(const Data& data, int first, int last, TErrorObj& 
   }
 }
 
-void TBackpropBlock::StartErrors(const Data& data, int first, TErrorObj& error) {
+void TBlockPass::StartErrors(const Data& data, int first, TErrorObj& error) {
   const std::size_t layer = network_.OutputLayer();
   std::vector<double>& errors = errors_[layer];
   for (std::size_t p = 0; p < outputs_.Count(); ++p) {
@@ -68,7 +68,7 @@ void TBackpropBlock::StartErrors(const Data& data, int first, TErrorObj& error) 
 }
 
 // The gradient of a weight is the sum over the patterns of delta times output.
-void TBackpropBlock::AddGradients(std::size_t to, std::size_t from) {
+void TBlockPass::AddGradients(std::size_t to, std::size_t from) {
   const std::size_t neurons = network_.Layer(from).NumNeurons();
   const std::size_t stride = PaddedSize(neurons);
   const double* outputs = outputs_.Outputs(from).data();
@@ -81,7 +81,7 @@ void TBackpropBlock::AddGradients(std::size_t to, std::size_t from) {
 }
 
 // The error of a neuron is the sum over its targets of weight times delta.
-void TBackpropBlock::Propagate(std::size_t to, std::size_t from) {
+void TBlockPass::Propagate(std::size_t to, std::size_t from) {
   const TBasicConnections& block = network_.Connections(to, from);
   const TMatrixView weights = {block.Weights().data(), 1, block.Columns()};
   Kernels().multiply(block.Columns(), block.Rows(), outputs_.Width(), weights, errors_[to].data(),

@@ -12,7 +12,7 @@ namespace kiln {
 
 // Back-propagation of several patterns at a time: what TLayerwisePass does for each pattern of a
 // batch, as products of matrices (see TPatternBlock).
-class TBackpropBlock : public TTrainPass {
+class TBlockPass : public TTrainPass {
  public:
   // Whether a network can be trained in this way (see TPatternBlock), and gains by it: batches have
   // at least kMinPatterns.
@@ -20,7 +20,7 @@ class TBackpropBlock : public TTrainPass {
   static bool Fits(const TBasicNetwork& network, const TTrainRun& run);
 
   // Adds gradients. REQUIRES: the network fits; state and run outlive the pass.
-  TBackpropBlock(TTrainState& state, const TTrainRun& run);
+  TBlockPass(TTrainState& state, const TTrainRun& run);
 
   void Run(const Data& data, int first, int last, TErrorObj& error) override;
 

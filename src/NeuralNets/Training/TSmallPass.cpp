@@ -1,4 +1,4 @@
-#include "NeuralNets/Training/TBackpropSmall.h"
+#include "NeuralNets/Training/TSmallPass.h"
 
 #include <algorithm>
 
@@ -19,7 +19,7 @@ bool LayerFits(const TBasicNetwork& network, std::size_t to) {
 
 }  // namespace
 
-bool TBackpropSmall::Fits(const TBasicNetwork& network, const TTrainRun& run) {
+bool TSmallPass::Fits(const TBasicNetwork& network, const TTrainRun& run) {
   if (!run.at_once || !IsPlain(network)) return false;
   std::size_t weights = 0;
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
@@ -31,7 +31,7 @@ bool TBackpropSmall::Fits(const TBasicNetwork& network, const TTrainRun& run) {
   return weights <= kMaxWeights;
 }
 
-TBackpropSmall::TBackpropSmall(TTrainState& state, const TTrainRun& run)
+TSmallPass::TSmallPass(TTrainState& state, const TTrainRun& run)
     : TTrainPass(TKind::kMovesWeights), ends_(state), rates_(run.ForgettingRates()) {
   ComputeConstantLayers(*state.network);
   for (std::size_t layer = 0; layer < state.network->NumLayers(); ++layer) {
@@ -40,7 +40,7 @@ TBackpropSmall::TBackpropSmall(TTrainState& state, const TTrainRun& run)
   ForEachCopy([](double& copy, const double& original) { copy = original; });
 }
 
-void TBackpropSmall::AddStage(TTrainState& state, const TTrainRun& run, std::size_t to) {
+void TSmallPass::AddStage(TTrainState& state, const TTrainRun& run, std::size_t to) {
   const TKernels& kernels = Kernels();
   TBasicNetwork& network = *state.network;
   TBasicLayer& layer = network.Layer(to);
@@ -73,7 +73,7 @@ void TBackpropSmall::AddStage(TTrainState& state, const TTrainRun& run, std::siz
 }
 
 template <typename TVisit>
-void TBackpropSmall::ForEachCopy(const TVisit& visit) {
+void TSmallPass::ForEachCopy(const TVisit& visit) {
   for (TStage& stage : stages_) {
     for (std::size_t k = 0; k < stage.sums.size(); ++k) {
       VisitBlock(stage.blocks[k], stage.sums[k], stage.layer.width, visit);
@@ -82,8 +82,8 @@ void TBackpropSmall::ForEachCopy(const TVisit& visit) {
 }
 
 template <typename TVisit>
-void TBackpropSmall::VisitBlock(const TCopy& block, const TSmallSums& sums, std::size_t width,
-                                const TVisit& visit) {
+void TSmallPass::VisitBlock(const TCopy& block, const TSmallSums& sums, std::size_t width,
+                            const TVisit& visit) {
   std::size_t place = 0;
   for (std::size_t row = 0; place < block.weights.size(); ++row) {
     for (std::size_t column = 0; column < sums.columns; ++column, ++place) {
@@ -94,12 +94,12 @@ void TBackpropSmall::VisitBlock(const TCopy& block, const TSmallSums& sums, std:
   }
 }
 
-void TBackpropSmall::Run(const Data& data, int first, int last, TErrorObj& error) {
+void TSmallPass::Run(const Data& data, int first, int last, TErrorObj& error) {
   for (int n = first; n < last; ++n) RunPattern(data.Row(n), error);
   ForEachCopy([](const double& copy, double& original) { original = copy; });
 }
 
-void TBackpropSmall::RunPattern(const DataRow& row, TErrorObj& error) {
+void TSmallPass::RunPattern(const DataRow& row, TErrorObj& error) {
   ends_.SetInputs(row);
   for (const TStage& stage : stages_) {
     stage.recall(stage.layer);
