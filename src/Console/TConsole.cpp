@@ -68,7 +68,7 @@ void TConsole::Answer() {
     return;
   }
   if (code > 0) {
-    out_ << "Result: " << interpreter_.GetResult() << '\n';
+    out_ << "Result: " << OneLine(interpreter_.GetResult()) << '\n';
   } else {
     out_ << "OK\n";
   }

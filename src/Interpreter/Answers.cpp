@@ -19,6 +19,18 @@ std::string Braced(std::span<const T> values, TFormat format) {
 
 }  // namespace
 
+std::string OneLine(std::string_view text) {
+  std::string line(text.substr(0, text.find('\n')));
+  if (line.size() == text.size()) return line;
+  for (std::size_t at = line.size(); at < text.size(); ++at) {
+    if (text.substr(at).starts_with("\n    ")) continue;  // goes on, behind a blank
+    if (text[at] == '\n' && !line.ends_with("; ")) line += "; ";
+    if (text[at] == '\n' || (text[at] == ' ' && line.ends_with(' '))) continue;
+    line += text[at];
+  }
+  return line;
+}
+
 std::string AnswerFixed(double value) {
   return FormatFixed(value, 8);
 }

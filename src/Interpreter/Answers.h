@@ -17,6 +17,10 @@ std::string AnswerGeneral(double value);  // 8 significant digits
 std::string_view AnswerBoolean(bool value);  // "true" or "false"
 std::string_view AnswerSwitch(bool value);   // "on" or "off"
 
+// A text of several lines as one: "; " between them, nothing before those that begin with four
+// blanks or more, since they go on with the line before, and runs of blanks shortened to one.
+std::string OneLine(std::string_view text);
+
 // "{first, second}"; doubles with 12 significant digits.
 std::string AnswerArray(std::span<const double> values);
 std::string AnswerArray(std::span<const int> values);

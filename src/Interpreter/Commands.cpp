@@ -8,43 +8,33 @@ namespace kiln {
 
 namespace {
 
-constexpr TCommand kCommands[] = {
-    {"create", commands::Create},
-    {"save", commands::Save},
-    {"load", commands::Load},
-    {"recall", commands::Recall},
-    {"map", commands::Map},
-    {"label", commands::Label},
-    {"purge", commands::Purge},
-    {"train", commands::Train},
-    {"gettrained", commands::GetTrained},
-    {"destroy", commands::Destroy},
-    {"copy", commands::Copy},
-    {"log", commands::Log},
-    {"run", commands::Run},
-    {"query", commands::Query},
-    {"append", commands::Append},
-    {"resetdata", commands::ResetData},
-    {"purgedata", commands::PurgeData},
-    {"shuffle", commands::Shuffle},
-    {"normalise", commands::Normalise},
-    {"denormalise", commands::Denormalise},
-    {"labeltarn", commands::LabelTarn},
-    {"retarn", commands::RETarn},
-    {"ritarn", commands::RITarn},
+constexpr const TFamily* kFamilies[] = {
+    &commands::kSession,   &commands::kCreation, &commands::kFiles,
+    &commands::kQuestions, &commands::kRows,     &commands::kManipulation,
+    &commands::kTraining,  &commands::kRecalls,  &commands::kRules,
 };
 
 }  // namespace
 
-std::span<const TCommand> Commands() {
-  return kCommands;
+std::span<const TFamily* const> Families() {
+  return kFamilies;
 }
 
-TAnswer Dispatch(std::span<const TCommand> table, std::string_view word, std::string_view unknown,
-                 TInterpreter& interpreter, const TCommandLine& line) {
-  const TCommand* command = FindNoCase(table, word, &TCommand::word);
-  if (!command) Fail(unknown);
-  return command->handler(interpreter, line);
+const TCommand* FindCommand(std::string_view word) {
+  for (const TFamily* const family : kFamilies) {
+    if (const TCommand* command = FindNoCase(family->commands, word, &TCommand::word)) {
+      return command;
+    }
+  }
+  return nullptr;
+}
+
+const TForm& FormByWord(const TCommand& command, const TInterpreter& /*interpreter*/,
+                        const TCommandLine& line) {
+  if (command.forms.size() == 1) return command.forms.front();
+  const TForm* form = FindNoCase(command.forms, Selector(line, command.word), &TForm::word);
+  if (!form) Fail(command.unknown);
+  return *form;
 }
 
 std::string_view Selector(const TCommandLine& line, std::string_view command) {

@@ -19,6 +19,8 @@ namespace kiln::commands {
 
 namespace {
 
+using enum TValueKind;
+
 // --- Networks --------------------------------------------------------------------------------
 
 // Each number as the nearest int.
@@ -197,23 +199,93 @@ TAnswer CreateDataStats(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
-constexpr TCommand kKinds[] = {
-    {"MLP", CreateMLP},
-    {"Tarn", CreateTarn},
-    {"Kohonen", CreateKohonen},
-    {"BPTrainer", CreateBPTrainer},
-    {"LWFTrainer", CreateLWFTrainer},
-    {"GATrainer", CreateGATrainer},
-    {"KohonenTrainer", CreateKohonenTrainer},
-    {"Data", CreateData},
-    {"DataStats", CreateDataStats},
+constexpr TTag kAliasTag = {"alias", kNewAlias, "its name"};
+constexpr TTag kNetworkTag = {"network", kAlias, "the network that it trains"};
+
+constexpr TTag kMLPTags[] = {
+    kAliasTag,
+    {"inputs", kLong, "neurons of the first layer"},
+    {"layers", kLong, "number of layers, the first and the last included"},
+    {"hidden", kLongs, "neurons of each layer in between"},
+    {"outputs", kLong, "neurons of the last layer"},
+    {"bias", kBoolean, "whether every layer behind the first has a constant input"},
+    kSeedTag,
+};
+
+constexpr TTag kTarnTags[] = {
+    kAliasTag,
+    {"inputs", kLong, "number of inputs"},
+    {"condition", kLongs, "number of terms of each input, 2 or more"},
+    {"rules", kLong, "number of rules"},
+    {"outputs", kLong, "number of outputs"},
+    {"action", kLongs, "number of terms of each output, 2 or more"},
+    kSeedTag,
+};
+
+constexpr TTag kKohonenTags[] = {
+    kAliasTag,
+    {"inputs", kLong, "values of a pattern"},
+    {"dimensions", kLong, "dimensions of the grid of units"},
+    {"mapdim", kLongs, "units along each dimension"},
+    kSeedTag,
+};
+
+constexpr TTag kBPTrainerTags[] = {kAliasTag, kNetworkTag.Of("MLP Tarn")};
+constexpr TTag kLWFTrainerTags[] = {kAliasTag, kNetworkTag.Of("Tarn")};
+constexpr TTag kKohonenTrainerTags[] = {kAliasTag, kNetworkTag.Of("Kohonen")};
+
+constexpr TTag kGATrainerTags[] = {
+    kAliasTag,
+    kNetworkTag.Of("MLP Tarn"),
+    {"minweight", kDouble, "random weights are not less"},
+    {"maxweight", kDouble, "random weights are not more"},
+    {"population", kLong, "networks that are bred side by side"},
+};
+
+constexpr TTag kDataTags[] = {
+    kAliasTag,
+    {"inputs", kLong, "columns of inputs"},
+    {"outputs", kLong, "columns of outputs"},
+    {"rows", kLong, "rows that it has room for"},
+    {"labels", kBoolean, "whether each row carries a list of weighted labels"},
+};
+
+constexpr TTag kDataStatsTags[] = {
+    kAliasTag,
+    TTag{"source", kAlias, "the data set that they are of"}.Of("Data"),
+};
+
+constexpr TForm kKinds[] = {
+    {"Data", "makes an empty data set",
+     "create Data alias d inputs 3 outputs 1 rows 100 labels off", kDataTags, CreateData},
+    {"DataStats", "makes statistics of a data set, for query getstats",
+     "create DataStats alias s source d", kDataStatsTags, CreateDataStats},
+    {"MLP", "makes a multi-layer perceptron with random weights",
+     "create MLP alias net inputs 3 layers 4 hidden {5, 4} outputs 2 bias on seed 1", kMLPTags,
+     CreateMLP},
+    {"Kohonen", "makes a self-organising map with random prototypes",
+     "create Kohonen alias k inputs 4 dimensions 2 mapdim {8, 8} seed 1", kKohonenTags,
+     CreateKohonen},
+    {"Tarn", "makes a fuzzy network, which can be read as rules",
+     "create Tarn alias net inputs 2 condition {3, 2} rules 6 outputs 1 action {3} seed 1",
+     kTarnTags, CreateTarn},
+    {"BPTrainer", "makes a trainer that descends the gradient of the error",
+     "create BPTrainer alias teacher network net", kBPTrainerTags, CreateBPTrainer},
+    {"LWFTrainer", "makes a trainer of a fuzzy network that also forgets weights",
+     "create LWFTrainer alias teacher network net", kLWFTrainerTags, CreateLWFTrainer},
+    {"GATrainer", "makes a trainer that breeds weights",
+     "create GATrainer alias breeder network net minweight -10 maxweight 10 population 50",
+     kGATrainerTags, CreateGATrainer},
+    {"KohonenTrainer", "makes a trainer of a self-organising map",
+     "create KohonenTrainer alias teacher network k", kKohonenTrainerTags, CreateKohonenTrainer},
+};
+
+constexpr TCommand kCommands[] = {
+    {"create", "makes an object", kKinds, FormByWord, "unknown argument to create"},
 };
 
 }  // namespace
 
-TAnswer Create(TInterpreter& interpreter, const TCommandLine& line) {
-  return Dispatch(kKinds, Selector(line, "create"), "unknown argument to create", interpreter,
-                  line);
-}
+const TFamily kCreation = {"new objects", kCommands};
 
 }  // namespace kiln::commands

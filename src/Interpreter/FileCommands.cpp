@@ -14,6 +14,8 @@ namespace kiln::commands {
 
 namespace {
 
+using enum TValueKind;
+
 // The object that "save" names.
 const TRegistryNode& SavedEntry(const TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode* node = interpreter.Find(RequiredAlias(line, "alias"));
@@ -137,33 +139,61 @@ TAnswer LoadFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
+constexpr TTag kToTag = {"filename", kPath, "the file to write"};
+constexpr TTag kFromTag = {"filename", kPath, "the file to read"};
+constexpr TTag kNewTag = {"alias", kNewAlias, "the name for what is read"};
+
+constexpr TTag kSavedNetworkTags[] = {
+    TTag{"alias", kAlias, "a network of any kind"}.Of("MLP Tarn Kohonen"), kToTag};
+constexpr TTag kSavedDataTags[] = {TTag{"alias", kAlias, "a data set"}.Of("Data"), kToTag};
+constexpr TTag kSavedLabelsTags[] = {TTag{"alias", kAlias, "labels"}.Of("TarnLabels"), kToTag};
+constexpr TTag kSavedRulesTags[] = {TTag{"alias", kAlias, "rules"}.Of("FuzzyRules"), kToTag};
+constexpr TTag kLoadedTags[] = {kNewTag, kFromTag};
+
 // The word for a network does not matter: what it is decides what is written and read.
-constexpr TCommand kSavers[] = {
-    {"MLP", SaveNetwork},
-    {"Tarn", SaveNetwork},
-    {"Kohonen", SaveNetwork},
-    {"Data", SaveData},
-    {"TarnLabels", SaveTarnLabels},
-    {"FuzzyRules", SaveFuzzyRules},
-    {"C", SaveC},
-    {"FCL", SaveFcl},
+constexpr TForm kSavers[] = {
+    {"Data", "writes a data set to a file", "save Data alias d filename (d.dat)", kSavedDataTags,
+     SaveData},
+    {"MLP", "writes a network to a file", "save MLP alias net filename (net.net)",
+     kSavedNetworkTags, SaveNetwork},
+    {"Tarn", "writes a network to a file", "save Tarn alias fuzzy filename (fuzzy.net)",
+     kSavedNetworkTags, SaveNetwork},
+    {"Kohonen", "writes a network to a file", "save Kohonen alias k filename (k.net)",
+     kSavedNetworkTags, SaveNetwork},
+    {"TarnLabels", "writes labels to a file", "save TarnLabels alias words filename (wind.labels)",
+     kSavedLabelsTags, SaveTarnLabels},
+    {"FuzzyRules", "writes rules to a file", "save FuzzyRules alias found filename (wind.rules)",
+     kSavedRulesTags, SaveFuzzyRules},
+    {"C", "writes a network as a function in C", "save C alias net filename (net.c)",
+     kSavedNetworkTags, SaveC},
+    {"FCL", "writes rules in the fuzzy control language",
+     "save FCL alias found filename (wind.fcl)", kSavedRulesTags, SaveFcl},
 };
 
-constexpr TCommand kLoaders[] = {
-    {"MLP", LoadNetwork}, {"Tarn", LoadNetwork},          {"Kohonen", LoadNetwork},
-    {"Data", LoadData},   {"TarnLabels", LoadTarnLabels}, {"FuzzyRules", LoadFuzzyRules},
+constexpr TForm kLoaders[] = {
+    {"Data", "reads a data set from a file", "load Data alias d filename (d.dat)", kLoadedTags,
+     LoadData},
+    {"MLP", "reads a network from a file", "load MLP alias net filename (net.net)", kLoadedTags,
+     LoadNetwork},
+    {"Tarn", "reads a network from a file", "load Tarn alias fuzzy filename (fuzzy.net)",
+     kLoadedTags, LoadNetwork},
+    {"Kohonen", "reads a network from a file", "load Kohonen alias k filename (k.net)", kLoadedTags,
+     LoadNetwork},
+    {"TarnLabels", "reads labels from a file", "load TarnLabels alias words filename (wind.labels)",
+     kLoadedTags, LoadTarnLabels},
+    {"FuzzyRules", "reads rules from a file", "load FuzzyRules alias found filename (wind.rules)",
+     kLoadedTags, LoadFuzzyRules},
 };
 
 constexpr char kUnknown[] = "unknown object type";
 
+constexpr TCommand kCommands[] = {
+    {"save", "writes an object to a file", kSavers, FormByWord, kUnknown},
+    {"load", "reads an object from a file", kLoaders, FormByWord, kUnknown},
+};
+
 }  // namespace
 
-TAnswer Save(TInterpreter& interpreter, const TCommandLine& line) {
-  return Dispatch(kSavers, Selector(line, "save"), kUnknown, interpreter, line);
-}
-
-TAnswer Load(TInterpreter& interpreter, const TCommandLine& line) {
-  return Dispatch(kLoaders, Selector(line, "load"), kUnknown, interpreter, line);
-}
+const TFamily kFiles = {"files", kCommands};
 
 }  // namespace kiln::commands

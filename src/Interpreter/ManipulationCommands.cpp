@@ -9,6 +9,8 @@ namespace kiln::commands {
 
 namespace {
 
+using enum TValueKind;
+
 // The tags of the bounds of one side: a list with a value for each column, or one value for all.
 struct TBoundTags {
   std::string_view column_maxima;
@@ -21,6 +23,7 @@ constexpr TBoundTags kInputTags = {"inputcmaxs", "inputcmins", "inputgmax", "inp
 constexpr TBoundTags kOutputTags = {"outputcmaxs", "outputcmins", "outputgmax", "outputgmin"};
 
 constexpr char kNothing[] = "nothing to do";
+constexpr char kNoBounds[] = "none";
 
 // A list of bounds, which may be left out.
 TReading<std::vector<double>> ColumnValues(const TCommandLine& line, std::string_view tag,
@@ -74,8 +77,6 @@ TAnswer Rescale(TInterpreter& interpreter, const TCommandLine& line, TMapping ma
   return kDone;
 }
 
-}  // namespace
-
 TAnswer Shuffle(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view source = RequiredAlias(line, "source");
   const TRegistryNode& node = RequiredEntry(interpreter, source);
@@ -94,5 +95,49 @@ TAnswer Normalise(TInterpreter& interpreter, const TCommandLine& line) {
 TAnswer Denormalise(TInterpreter& interpreter, const TCommandLine& line) {
   return Rescale(interpreter, line, TDataManip::Denormalise);
 }
+
+constexpr TTag kSourceTag = TTag{"source", kAlias, "a data set"}.Of("Data");
+constexpr TTag kDestinationTag = {"destination", kNewAlias, "the name of the new set"};
+
+constexpr TTag kShuffleTags[] = {kSourceTag, kDestinationTag, kSeedTag};
+constexpr TForm kShuffle[] = {
+    {"", "makes a data set of the same rows in random order",
+     "shuffle source d destination mixed seed 3", kShuffleTags, Shuffle},
+};
+
+constexpr TTag kScaleTags[] = {
+    kSourceTag,
+    kDestinationTag,
+    TTag{"method", kChoice, "the mapping"}.Of("linear"),
+    TTag{"inputgmax", kDouble, "the largest value of all inputs"}.Or(kNoBounds),
+    TTag{"inputgmin", kDouble, "the least value of all inputs"}.Or(kNoBounds),
+    TTag{"outputgmax", kDouble, "the largest value of all outputs"}.Or(kNoBounds),
+    TTag{"outputgmin", kDouble, "the least value of all outputs"}.Or(kNoBounds),
+    TTag{"inputcmaxs", kDoubles, "the largest value of each input"}.Or(kNoBounds),
+    TTag{"inputcmins", kDoubles, "the least value of each input"}.Or(kNoBounds),
+    TTag{"outputcmaxs", kDoubles, "the largest value of each output"}.Or(kNoBounds),
+    TTag{"outputcmins", kDoubles, "the least value of each output"}.Or(kNoBounds),
+};
+constexpr TForm kNormalise[] = {
+    {"", "makes a data set whose values lie between 0 and 1",
+     "normalise source d destination n method linear inputgmax 10 inputgmin 0", kScaleTags,
+     Normalise},
+};
+constexpr TForm kDenormalise[] = {
+    {"", "undoes normalise",
+     "denormalise source d destination e method linear outputcmaxs {8} "
+     "outputcmins {2}",
+     kScaleTags, Denormalise},
+};
+
+constexpr TCommand kCommands[] = {
+    {"shuffle", "puts rows in random order", kShuffle, FormByWord},
+    {"normalise", "maps values onto 0 to 1", kNormalise, FormByWord},
+    {"denormalise", "undoes normalise", kDenormalise, FormByWord},
+};
+
+}  // namespace
+
+const TFamily kManipulation = {"data sets", kCommands};
 
 }  // namespace kiln::commands

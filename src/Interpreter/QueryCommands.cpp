@@ -17,12 +17,7 @@ namespace kiln::commands {
 
 namespace {
 
-// What "query classof" calls each kind, in the order of the type tags. A Kohonen trainer has no
-// name: the query repeats the latest value that a command has answered.
-constexpr std::string_view kClassNames[] = {
-    "Data", "Tarn",  "TarnBP",    "TarnLWF", "TarnGA",     "MLP",       "Kohonen",
-    "BP",   "MLPGA", "DataStats", "",        "TarnLabels", "FuzzyRules"};
-static_assert(std::size(kClassNames) == std::variant_size_v<TObject>);
+using enum TValueKind;
 
 // An object whose alias stands behind the word of the query.
 struct TSubject {
@@ -42,10 +37,10 @@ TAnswer AliasExists(TInterpreter& interpreter, const TCommandLine& line) {
   return std::string(AnswerBoolean(interpreter.Exists(alias)));
 }
 
+// A Kohonen trainer is not named: the latest value that a command has answered comes again.
 TAnswer ClassOf(TInterpreter& interpreter, const TCommandLine& line) {
-  const int tag = Subject(interpreter, line, "classof").node.Type();
-  const std::string_view name = kClassNames[static_cast<std::size_t>(tag) - 1];
-  return name.empty() ? interpreter.GetResult() : std::string(name);
+  const TRegistryNode& node = Subject(interpreter, line, "classof").node;
+  return node.As<TKohonenModule>() ? interpreter.GetResult() : std::string(node.Kind());
 }
 
 std::string Structure(const Data& set) {
@@ -172,15 +167,44 @@ TAnswer GetStats(TInterpreter& interpreter, const TCommandLine& line) {
   return answer;
 }
 
-constexpr TCommand kQueries[] = {
-    {"aliasexists", AliasExists}, {"classof", ClassOf},   {"structureof", StructureOf},
-    {"getnextrow", GetNextRow},   {"getstats", GetStats}, {"fired", Fired},
+constexpr TTag kAliasExistsTags[] = {{"aliasexists", kAlias, "the name"}};
+constexpr TTag kClassOfTags[] = {{"classof", kAlias, "the object"}};
+constexpr TTag kStructureOfTags[] = {
+    TTag{"structureof", kAlias, "a data set, a network, labels or rules"}.Of(
+        "Data MLP Tarn Kohonen TarnLabels FuzzyRules")};
+constexpr TTag kGetNextRowTags[] = {TTag{"getnextrow", kAlias, "a data set"}.Of("Data")};
+constexpr TTag kGetStatsTags[] = {
+    TTag{"getstats", kChoice, "which figure of each column"}.Of("max min average"),
+    TTag{"alias", kAlias, "statistics"}.Of("DataStats"),
+    {"inputs", kBoolean, "whether to show the inputs"},
+    {"outputs", kBoolean, "whether to show the outputs"},
+};
+
+constexpr TTag kFiredTags[] = {
+    TTag{"network", kAlias, "a fuzzy network"}.Of("Tarn").Or("that of the rules"),
+    TTag{"rules", kAlias, "rules"}.Of("FuzzyRules").Or("those of the network"),
+    {"inputs", kDoubles, "a number for each input"},
+};
+
+constexpr TForm kQueries[] = {
+    {"aliasexists", "whether there is an object of this name", "query aliasexists net",
+     kAliasExistsTags, AliasExists},
+    {"classof", "the kind of an object", "query classof net", kClassOfTags, ClassOf},
+    {"structureof", "the size of an object", "query structureof net", kStructureOfTags,
+     StructureOf},
+    {"getnextrow", "the next row of a data set", "query getnextrow d", kGetNextRowTags, GetNextRow},
+    {"getstats", "figures of the columns of a data set",
+     "query getstats max alias s inputs on outputs on", kGetStatsTags, GetStats},
+    {"fired", "how much each rule applies", "query fired rules found inputs {0.1, 0.5}", kFiredTags,
+     Fired},
+};
+
+constexpr TCommand kCommands[] = {
+    {"query", "tells something about an object", kQueries, FormByWord, "unknown query"},
 };
 
 }  // namespace
 
-TAnswer Query(TInterpreter& interpreter, const TCommandLine& line) {
-  return Dispatch(kQueries, Selector(line, "query"), "unknown query", interpreter, line);
-}
+const TFamily kQuestions = {"questions", kCommands};
 
 }  // namespace kiln::commands

@@ -11,6 +11,8 @@ namespace kiln::commands {
 
 namespace {
 
+using enum TValueKind;
+
 // A data set whose rows name units of a map by their coordinates.
 class TUnitRows {
  public:
@@ -59,8 +61,6 @@ class TUnitRows {
   const TMapGrid& grid_;
   TSide side_;
 };
-
-}  // namespace
 
 TAnswer Recall(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network", "cannot find tag network");
@@ -117,5 +117,49 @@ TAnswer Label(TInterpreter& interpreter, const TCommandLine& line) {
   asked->ResetCursor();
   return kDone;
 }
+
+constexpr TTag kOutputTag = {"output", kNewAlias, "the name of the new data set"};
+constexpr TTag kMapTag = TTag{"network", kAlias, "the map"}.Of("Kohonen");
+
+constexpr TTag kRecallTags[] = {
+    TTag{"network", kAlias, "a network of any kind"}.Of("MLP Tarn Kohonen"),
+    TTag{"input", kAlias, "the data set whose inputs it is shown"}.Of("Data"),
+    kOutputTag,
+};
+constexpr TForm kRecall[] = {
+    {"", "makes a data set of what a network answers", "recall network net input d output o",
+     kRecallTags, Recall},
+};
+
+constexpr TTag kMapTags[] = {
+    kMapTag,
+    TTag{"input", kAlias, "the data set whose rows are to be found on it"}.Of("Data"),
+    kOutputTag,
+};
+constexpr TForm kMap[] = {
+    {"", "makes a data set of where rows stand on a map", "map network k input d output m",
+     kMapTags, Map},
+};
+
+constexpr TTag kLabelTags[] = {
+    kMapTag,
+    TTag{"map", kAlias, "rows with labels and the coordinates of their units"}.Of("Data"),
+    TTag{"coord", kAlias, "rows with the coordinates to be labelled"}.Of("Data"),
+    kOutputTag,
+};
+constexpr TForm kLabel[] = {
+    {"", "makes a data set of places on a map with the labels of all rows that stand there",
+     "label network k map m coord m output named", kLabelTags, Label},
+};
+
+constexpr TCommand kCommands[] = {
+    {"recall", "runs a network on data", kRecall, FormByWord},
+    {"map", "finds rows on a map", kMap, FormByWord},
+    {"label", "names places on a map", kLabel, FormByWord},
+};
+
+}  // namespace
+
+const TFamily kRecalls = {"networks at work", kCommands};
 
 }  // namespace kiln::commands

@@ -8,6 +8,8 @@ namespace kiln::commands {
 
 namespace {
 
+using enum TValueKind;
+
 constexpr char kBadArray[] = "bad array format";
 
 // The values of a side of the new row, one a column; none when the side is left out.
@@ -46,8 +48,6 @@ std::shared_ptr<Data> NamedSet(const TInterpreter& interpreter, const TCommandLi
   return RequiredObject<Data>(interpreter, alias, " is not of type Data");
 }
 
-}  // namespace
-
 TAnswer Append(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const TRegistryNode* node = interpreter.Find(alias);
@@ -70,5 +70,39 @@ TAnswer PurgeData(TInterpreter& interpreter, const TCommandLine& line) {
   NamedSet(interpreter, line)->Clear();
   return kDone;
 }
+
+constexpr TTag kSetTag = TTag{"alias", kAlias, "the data set"}.Of("Data");
+
+constexpr TTag kAppendTags[] = {
+    kSetTag,
+    TTag{"inputs", kDoubles, "a number for each column of inputs"}.Or("zeros"),
+    TTag{"outputs", kDoubles, "a number for each column of outputs"}.Or("zeros"),
+    TTag{"labels", kWords, "labels of the row, where the set has labels"}.Or("none"),
+    TTag{"labelweights", kDoubles, "a weight for each label"}.Or("1 each"),
+};
+constexpr TForm kAppend[] = {
+    {"", "adds a row to a data set; a full one drops its oldest row",
+     "append alias d inputs {0.1, 0.5} labels {up, flat} labelweights {0.75, 1}", kAppendTags,
+     Append},
+};
+
+constexpr TTag kSetTags[] = {kSetTag};
+constexpr TForm kResetData[] = {
+    {"", "has query getnextrow start again at the oldest row", "resetdata alias d", kSetTags,
+     ResetData},
+};
+constexpr TForm kPurgeData[] = {
+    {"", "takes all rows out of a data set", "purgedata alias d", kSetTags, PurgeData},
+};
+
+constexpr TCommand kCommands[] = {
+    {"append", "adds a row to a data set", kAppend, FormByWord},
+    {"resetdata", "starts again at the oldest row", kResetData, FormByWord},
+    {"purgedata", "empties a data set", kPurgeData, FormByWord},
+};
+
+}  // namespace
+
+const TFamily kRows = {"rows", kCommands};
 
 }  // namespace kiln::commands

@@ -13,6 +13,8 @@ namespace kiln::commands {
 
 namespace {
 
+using enum TValueKind;
+
 // How rules are to be read from a network.
 TKQstructure ExtractionParams(const TCommandLine& line) {
   TKQstructure params("Params");
@@ -76,8 +78,6 @@ std::unique_ptr<TTarn> NetworkOfRules(const TInterpreter& interpreter, const TCo
       *RequiredObject<TTarn>(interpreter, alias, " is not of type Tarn"));
 }
 
-}  // namespace
-
 TAnswer LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network = RequiredObject<TTarn>(interpreter, name, " is not of type Tarn");
@@ -108,6 +108,50 @@ TAnswer RITarn(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
+constexpr TTag kTarnTag = TTag{"network", kAlias, "a fuzzy network"}.Of("Tarn");
+
+constexpr TTag kLabelTarnTags[] = {kTarnTag, {"labels", kNewAlias, "the name of the labels"}};
+constexpr TForm kLabelTarn[] = {
+    {"", "names the variables of a fuzzy network and their terms",
+     "labeltarn network fuzzy labels words", kLabelTarnTags, LabelTarn},
+};
+
+constexpr TTag kRETarnTags[] = {
+    kTarnTag,
+    {"rules", kNewAlias, "the name of the rules"},
+    TTag{"labels", kAlias, "names for variables and terms"}.Of("TarnLabels").Or("A, B, ..."),
+    TTag{"threshold", kAnyCaseDouble, "both thresholds at once"}.Or("0"),
+    TTag{"ThresholdIn", kAnyCaseDouble, "weights that conditions must exceed"}.Or("threshold"),
+    TTag{"ThresholdOut", kAnyCaseDouble, "weights that conclusions must exceed"}.Or("threshold"),
+    TTag{"method", kChoice, "how to choose conclusions"}
+        .Of("RETarn NodeLocation Vireo2")
+        .Or("RETarn"),
+    TTag{"data", kAlias, "the set on which rules are made simpler"}.Of("Data").Or("as they are"),
+    TTag{"tolerance", kDouble, "share of the error that simpler rules may add"}.Or("0.1"),
+    TTag{"fit", kBoolean, "whether the degrees that are left are fitted"}.Or("on"),
+    TTag{"rounds", kLong, "how often to simplify and fit"}.Or("1"),
+};
+constexpr TForm kRETarn[] = {
+    {"", "reads rules from a fuzzy network",
+     "retarn network fuzzy labels words rules found data d tolerance 0.05", kRETarnTags, RETarn},
+};
+
+constexpr TTag kRITarnTags[] = {
+    TTag{"rules", kAlias, "rules"}.Of("FuzzyRules"),
+    {"network", kNewAlias, "the name of the fuzzy network"},
+};
+constexpr TForm kRITarn[] = {
+    {"", "makes a fuzzy network of rules", "ritarn rules found network net2", kRITarnTags, RITarn},
+};
+
+constexpr TCommand kCommands[] = {
+    {"labeltarn", "names the terms of a fuzzy network", kLabelTarn, FormByWord},
+    {"retarn", "reads rules from a fuzzy network", kRETarn, FormByWord},
+    {"ritarn", "makes a fuzzy network of rules", kRITarn, FormByWord},
+};
+
+}  // namespace
+
 TAnswer Fired(TInterpreter& interpreter, const TCommandLine& line) {
   const std::unique_ptr<TTarn> network = NetworkOfRules(interpreter, line);
   const std::vector<double> inputs = Required(line.Doubles("inputs"), "tag inputs not found");
@@ -122,5 +166,7 @@ TAnswer Fired(TInterpreter& interpreter, const TCommandLine& line) {
   network->RecallPattern(inputs, outputs);
   return AnswerArray(network->Layer(TTarn::kRuleLayer).Outputs());
 }
+
+const TFamily kRules = {"rules", kCommands};
 
 }  // namespace kiln::commands

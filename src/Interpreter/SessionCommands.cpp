@@ -2,27 +2,41 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/NetworkObjects.h"
+#include "Interpreter/Usage.h"
 #include "NeuralNets/TBasicNetwork.h"
+#include "Shared/Text.h"
 
 namespace kiln::commands {
 
 namespace {
+
+using enum TValueKind;
 
 // The network of an entry; null for other objects and for Kohonen maps, which are not copied.
 std::shared_ptr<TBasicNetwork> CopyableNetwork(const TRegistryNode& node) {
   return node.As<TKohonenNetwork>() ? nullptr : AsNetwork(node);
 }
 
-}  // namespace
+TAnswer Help(TInterpreter& /*interpreter*/, const TCommandLine& line) {
+  const TCommandLine topic(line.Arguments());
+  const std::string_view word = topic.CommandWord();
+  if (word.empty()) return Overview();
+  const TCommand* const command = FindCommand(word);
+  if (!command) Fail("no help for ", word);
+  const std::string_view selector = Selector(topic, word);
+  if (selector.empty()) return Describe(*command);
+  const TForm* const form = FindNoCase(command->forms, selector, &TForm::word);
+  if (!form) Fail("no help for ", word, " ", selector);
+  return Describe(*command, *form);
+}
 
-TAnswer Log(TInterpreter& interpreter, const TCommandLine& line) {
-  if (line.Contains("start")) {
-    interpreter.StartTranscript(RequiredPath(line, "filename not spcified or bad format"));
-  } else if (line.Contains("stop")) {
-    interpreter.StopTranscript();
-  } else {
-    Fail("must specify start or stop");
-  }
+TAnswer StartLog(TInterpreter& interpreter, const TCommandLine& line) {
+  interpreter.StartTranscript(RequiredPath(line, "filename not spcified or bad format"));
+  return kDone;
+}
+
+TAnswer StopLog(TInterpreter& interpreter, const TCommandLine& /*line*/) {
+  interpreter.StopTranscript();
   return kDone;
 }
 
@@ -55,5 +69,63 @@ TAnswer Purge(TInterpreter& interpreter, const TCommandLine& /*line*/) {
   interpreter.Purge();
   return kDone;
 }
+
+// "start" and "stop" count wherever they stand.
+const TForm& StartOrStop(const TCommand& command, const TInterpreter& /*interpreter*/,
+                         const TCommandLine& line) {
+  for (const TForm& form : command.forms) {
+    if (line.Contains(form.word)) return form;
+  }
+  Fail(command.unknown);
+}
+
+constexpr TTag kHelpTags[] = {
+    TTag{"help", kPhrase, "a command, and one of its forms: help create MLP"}.Or("all commands"),
+};
+constexpr TForm kHelp[] = {
+    {"", "tells how commands are typed", "help create MLP", kHelpTags, Help},
+};
+
+constexpr TTag kLogTags[] = {{"filename", kPath, "the file, which is overwritten"}};
+constexpr TForm kLog[] = {
+    {"start", "goes on writing commands and answers to a file", "log start filename (day.log)",
+     kLogTags, StartLog},
+    {"stop", "closes that file", "log stop", {}, StopLog},
+};
+
+constexpr TTag kRunTags[] = {{"filename", kPath, "a file with a command in each line"}};
+constexpr TForm kRun[] = {
+    {"", "carries out the commands in a file, up to the first that fails",
+     "run filename (rain.kiln)", kRunTags, Run},
+};
+
+constexpr TTag kCopyTags[] = {
+    TTag{"source", kAlias, "what to copy"}.Of("Data MLP Tarn"),
+    {"destination", kNewAlias, "the name of the copy"},
+};
+constexpr TForm kCopy[] = {
+    {"", "copies a data set, a perceptron or a fuzzy network", "copy source net destination net2",
+     kCopyTags, Copy},
+};
+
+constexpr TTag kDestroyTags[] = {{"destroy", kAlias, "what is to go"}};
+constexpr TForm kDestroy[] = {
+    {"", "destroys an object", "destroy net", kDestroyTags, Destroy},
+};
+
+constexpr TForm kPurge[] = {{"", "destroys all objects", "purge", {}, Purge}};
+
+constexpr TCommand kCommands[] = {
+    {"help", "tells how commands are typed", kHelp, FormByWord},
+    {"log", "keeps a transcript of the session", kLog, StartOrStop, "must specify start or stop"},
+    {"run", "carries out the commands in a file", kRun, FormByWord},
+    {"copy", "copies an object", kCopy, FormByWord},
+    {"destroy", "destroys an object", kDestroy, FormByWord},
+    {"purge", "destroys all objects", kPurge, FormByWord},
+};
+
+}  // namespace
+
+const TFamily kSession = {"session", kCommands};
 
 }  // namespace kiln::commands

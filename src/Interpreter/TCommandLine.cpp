@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "Interpreter/TCommand.h"
 #include "Shared/NumberScan.h"
+#include "Shared/TAssertion.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -74,7 +76,24 @@ std::string_view TCommandLine::CommandWord() const {
   return FirstWord(text_);
 }
 
+std::string_view TCommandLine::Arguments() const {
+  const std::string_view word = CommandWord();
+  return text_.substr(static_cast<std::size_t>(word.data() + word.size() - text_.data()));
+}
+
+// What a command does not list, its users are not told of.
+void TCommandLine::CheckListed(std::string_view tag) const {
+  Assert(!form_ || FindTag(form_->tags, tag), "the row of the command lists the tag",
+         "Interpreter/TCommandLine");
+}
+
+bool TCommandLine::Contains(std::string_view tag) const {
+  CheckListed(tag);
+  return text_.find(tag) != text_.npos;
+}
+
 std::optional<std::string_view> TCommandLine::Behind(std::string_view tag) const {
+  CheckListed(tag);
   for (std::size_t at = text_.find(tag); at != text_.npos; at = text_.find(tag, at + 1)) {
     const std::size_t end = at + tag.size();
     const bool begins_word = at == 0 || text_[at - 1] == ' ';
@@ -151,6 +170,7 @@ std::optional<std::int64_t> TCommandLine::WholeNumber(std::string_view tag) cons
 }
 
 std::optional<double> TCommandLine::NumberNoCase(std::string_view tag) const {
+  CheckListed(tag);
   for (std::string_view rest = text_; !rest.empty();) {
     const std::string_view word = FirstWord(rest);
     rest.remove_prefix(static_cast<std::size_t>(word.data() - rest.data()) + word.size());

@@ -7,6 +7,8 @@
 
 namespace kiln {
 
+struct TForm;
+
 // How reading an argument ended.
 enum class TReadCode {
   kRead = 0,
@@ -35,13 +37,20 @@ class TCommandLine {
  public:
   explicit TCommandLine(std::string_view text) : text_(text) {}
 
+  // A line that means this form of a command, which must outlive it. To look for a tag that the
+  // form does not list is TAssertion.
+  TCommandLine(std::string_view text, const TForm& form) : text_(text), form_(&form) {}
+
   std::string_view Text() const { return text_; }
 
   // The first word, empty in an empty line.
   std::string_view CommandWord() const;
 
-  // Whether the line holds `text` anywhere, also as a part of a word.
-  bool Contains(std::string_view text) const { return text_.find(text) != text_.npos; }
+  // What stands behind it.
+  std::string_view Arguments() const;
+
+  // Whether the line holds the tag anywhere, also as a part of a word.
+  bool Contains(std::string_view tag) const;
 
   // The word behind the tag, cut to 80 characters.
   TReading<std::string_view> Word(std::string_view tag) const;
@@ -76,7 +85,10 @@ class TCommandLine {
   // What stands in the first braces behind the tag.
   std::optional<std::string_view> List(std::string_view tag) const;
 
+  void CheckListed(std::string_view tag) const;
+
   std::string_view text_;
+  const TForm* form_ = nullptr;
 };
 
 }  // namespace kiln

@@ -59,7 +59,10 @@ int TInterpreter::Execute(std::string_view text) {
 
 int TInterpreter::Answer(const TCommandLine& line) {
   try {
-    TAnswer answer = Dispatch(Commands(), line.CommandWord(), "Unknown command", *this, line);
+    const TCommand* const command = FindCommand(line.CommandWord());
+    if (!command) Fail("Unknown command");
+    const TForm& form = command->choose(*command, *this, line);
+    TAnswer answer = form.handler(*this, TCommandLine(line.Text(), form));
     if (!answer) return kSucceeded;
     result_message_ = std::move(*answer);
     return kAnswered;
@@ -76,7 +79,7 @@ int TInterpreter::Answer(const TCommandLine& line) {
 void TInterpreter::Record(std::string_view line, int code) {
   transcript_.Write(line);
   if (code < 0) transcript_.Write("Error: ", GetError());
-  if (code > 0) transcript_.Write("#Result: ", GetResult());
+  if (code > 0) transcript_.Write("#Result: ", OneLine(GetResult()));
 }
 
 void TInterpreter::StartTranscript(const std::string& path) {

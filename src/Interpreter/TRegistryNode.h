@@ -50,6 +50,9 @@ class TRegistryNode {
   // The type tag, 1..13.
   int Type() const { return static_cast<int>(object_.index()) + 1; }
 
+  // The name of the object's kind: "Data", "MLPGA".
+  std::string_view Kind() const;
+
   // The object if it is a `T`, otherwise null.
   template <typename T>
   std::shared_ptr<T> As() const {

@@ -19,6 +19,8 @@ namespace kiln::commands {
 
 namespace {
 
+using enum TValueKind;
+
 // A trainer and the set that it is to learn, with their aliases.
 struct TLesson {
   std::string_view trainer_alias;
@@ -132,21 +134,11 @@ TAnswer TrainMap(const TCommandLine& line, const TLesson& lesson) {
 
 // --- All trainers ----------------------------------------------------------------------------
 
-// How the object of an entry is trained; null when it is no trainer.
-TTraining TrainingOf(const TRegistryNode& node) {
-  if (AsGradientTrainer(node)) return TrainByGradient;
-  if (AsGeneticTrainer(node)) return TrainGenetically;
-  if (node.As<TKohonenModule>()) return TrainMap;
-  return nullptr;
-}
-
-}  // namespace
-
+// Trains the trainer that the line names in its own way.
+template <TTraining train>
 TAnswer Train(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const TRegistryNode& trainer = RequiredEntry(interpreter, alias);
-  const TTraining train = TrainingOf(trainer);
-  if (!train) Fail(alias, " is not a training object");
   const std::string_view set_alias = RequiredAlias(line, "data");
   const auto set = RequiredObject<Data>(interpreter, set_alias, " is not of type data");
   TAnswer answer = train(line, {alias, trainer, set_alias, *set, interpreter.Observer()});
@@ -162,5 +154,89 @@ TAnswer GetTrained(TInterpreter& interpreter, const TCommandLine& line) {
   InsertNetwork(interpreter, destination, network->Clone());
   return kDone;
 }
+
+// The form for the kind of trainer that the line names.
+const TForm& FormByTrainer(const TCommand& command, const TInterpreter& interpreter,
+                           const TCommandLine& line) {
+  const std::string_view alias = RequiredAlias(line, "alias");
+  const std::string_view kind = RequiredEntry(interpreter, alias).Kind();
+  for (const TForm& form : command.forms) {
+    if (HasWord(form.trainers, kind)) return form;
+  }
+  Fail(alias, " is not a training object");
+}
+
+constexpr TTag kTrainerTag = {"alias", kAlias, "the trainer"};
+constexpr TTag kDataTag = TTag{"data", kAlias, "the data set to be learned"}.Of("Data");
+
+constexpr char kGradientTrainers[] = "BP TarnBP TarnLWF";
+constexpr TTag kGradientTags[] = {
+    kTrainerTag.Of(kGradientTrainers),
+    kDataTag,
+    {"epochs", kLong, "how often to go through the set"},
+    TTag{"LearningRate", kDouble, "size of a step down the gradient"}.Or("0.8"),
+    TTag{"Momentum", kDouble, "share of the last change in the next one"}.Or("0.5"),
+    TTag{"mode", kChoice, "one change a row, or one an epoch"}.Of("pattern batch").Or("pattern"),
+    TTag{"decay", kDouble, "rate at which weights are forgotten"}.Or("nothing is forgotten"),
+    TTag{"terminating", kDouble, "training ends below this error"}.Or("0, never"),
+};
+
+constexpr char kGeneticTrainers[] = "MLPGA TarnGA";
+constexpr TTag kGeneticTags[] = {
+    kTrainerTag.Of(kGeneticTrainers),
+    kDataTag,
+    {"generations", kLong, "how many are evaluated, the first included"},
+    TTag{"terminating", kDouble, "breeding ends at this error"}.Or("0"),
+    TTag{"elitism", kBoolean, "whether the best network lives on unchanged"}.Or("on"),
+    TTag{"crossover", kLong, "places at which a child changes parents; any where negative"}.Or("1"),
+    TTag{"mutation", kDouble, "probability with which a weight is drawn anew"}.Or("0.001"),
+    TTag{"selection", kChoice, "parents: the better of two, or in proportion to fitness"}
+        .Of("Tournament roulette")
+        .Or("roulette"),
+    TTag{"normalisation", kBoolean, "whether fitness is stretched to 0 to 1"}.Or("on"),
+    kSeedTag,
+};
+
+constexpr char kMapTrainers[] = "KohonenTrainer";
+constexpr TTag kMapTags[] = {
+    kTrainerTag.Of(kMapTrainers),
+    kDataTag,
+    {"epochs", kLong, "how often to go through the set"},
+    {"LearningRate", kDouble, "share of the way to the inputs that a unit goes"},
+    {"neighbourhood", kDoubles, "how far units learn with the winner along each dimension"},
+    TTag{"RateFactor", kDouble, "what the rate is multiplied by before each epoch"}.Or(
+        "0.01^(1/epochs)"),
+    TTag{"RadiusFactor", kDouble, "likewise what a radius has beyond 1"}.Or("0.01^(1/epochs)"),
+};
+
+constexpr TForm kTrain[] = {
+    {"", "descends the gradient of the error",
+     "train alias teacher data d epochs 500 LearningRate 0.5 Momentum 0.9", kGradientTags,
+     Train<TrainByGradient>, kGradientTrainers},
+    {"", "breeds weights",
+     "train alias breeder data d generations 200 mutation 0.05 crossover -1 seed 3", kGeneticTags,
+     Train<TrainGenetically>, kGeneticTrainers},
+    {"", "teaches a self-organising map",
+     "train alias guide data d epochs 5 LearningRate 0.5 neighbourhood {4, 4}", kMapTags,
+     Train<TrainMap>, kMapTrainers},
+};
+
+constexpr TTag kGetTrainedTags[] = {
+    TTag{"source", kAlias, "the trainer"}.Of("BP TarnBP TarnLWF MLPGA TarnGA"),
+    {"destination", kNewAlias, "the name of the network"},
+};
+constexpr TForm kGetTrained[] = {
+    {"", "makes a copy of a trainer's network", "gettrained source teacher destination net2",
+     kGetTrainedTags, GetTrained},
+};
+
+constexpr TCommand kCommands[] = {
+    {"train", "has a trainer teach its network a data set", kTrain, FormByTrainer},
+    {"gettrained", "takes the network out of a trainer", kGetTrained, FormByWord},
+};
+
+}  // namespace
+
+const TFamily kTraining = {"training", kCommands};
 
 }  // namespace kiln::commands

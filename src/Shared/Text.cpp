@@ -34,6 +34,15 @@ bool LessNoCase(std::string_view left, std::string_view right) {
   return left.size() < right.size();
 }
 
+bool HasWord(std::string_view words, std::string_view word) {
+  for (;;) {
+    const std::size_t blank = words.find(' ');
+    if (EqualNoCase(words.substr(0, blank), word)) return true;
+    if (blank == words.npos) return false;
+    words.remove_prefix(blank + 1);
+  }
+}
+
 std::string_view TrimBlanks(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(' ');
   if (begin == std::string_view::npos) return {};

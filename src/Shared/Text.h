@@ -27,6 +27,9 @@ auto* FindNoCase(const TTable& table, std::string_view name, TNameOf name_of = {
   return found == std::ranges::end(table) ? nullptr : &*found;
 }
 
+// Whether `word` stands in `words`, which are separated by single blanks, in any case.
+bool HasWord(std::string_view words, std::string_view word);
+
 // `text` without the space characters at its ends. Tabs are not blanks on the command line.
 std::string_view TrimBlanks(std::string_view text);
 
