@@ -272,7 +272,7 @@ constexpr TForm kKinds[] = {
     {"BPTrainer", "makes a trainer that descends the gradient of the error",
      "create BPTrainer alias teacher network net", kBPTrainerTags, CreateBPTrainer},
     {"LWFTrainer", "makes a trainer of a fuzzy network that also forgets weights",
-     "create LWFTrainer alias teacher network net", kLWFTrainerTags, CreateLWFTrainer},
+     "create LWFTrainer alias teacher network fuzzy", kLWFTrainerTags, CreateLWFTrainer},
     {"GATrainer", "makes a trainer that breeds weights",
      "create GATrainer alias breeder network net minweight -10 maxweight 10 population 50",
      kGATrainerTags, CreateGATrainer},
