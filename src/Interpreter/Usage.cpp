@@ -63,6 +63,7 @@ std::string Value(const TTag& tag) {
     case TValueKind::kSeed:
       return "N";
     case TValueKind::kDouble:
+    case TValueKind::kAnyCaseDouble:
       return "X";
     case TValueKind::kWords:
       return "{WORD, ...}";
