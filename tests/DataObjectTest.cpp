@@ -30,8 +30,24 @@ TEST(DataTest, ASideLeftOutOverwritesAnOldRowWithNothing) {
   data->AddBlock(TRow{7, 8, 9, 10}, {}, 2);
   EXPECT_EQ((TRow{10, 0}), (TRow{data->Row(1).Inputs[1], data->Row(1).Outputs[0]}));
   data->Clear();
-  EXPECT_EQ(0, data->DataRows() + data->First() + data->Last() + data->Cursor());
+  EXPECT_EQ((TList{0, 0, 0, 0}),
+            (TList{data->DataRows(), data->First(), data->Last(), data->Cursor()}));
   EXPECT_EQ(0.0, data->GetInputDatum(1, 1));
+}
+
+TEST(DataTest, ChangesSingleValuesAndLabelsOfAPosition) {
+  const auto data = MakeRing(3, 4);  // rows 4, 2, 3
+  const int before = data->ChangeCount();
+  data->SetInputDatum(0, 1, 7);
+  data->SetOutputDatum(0, 0, 8);
+  data->ClearLabels(1);
+  EXPECT_EQ(before + 3, data->ChangeCount());
+  EXPECT_EQ((TRow{4, 7, 8}), (TRow{data->GetInputDatum(0, 0), data->GetInputDatum(0, 1),
+                                   data->GetOutputDatum(0, 0)}));
+  EXPECT_EQ((TRow{2, 2.5, -2}), (TRow{data->GetInputDatum(1, 0), data->GetInputDatum(1, 1),
+                                      data->GetOutputDatum(1, 0)}));
+  EXPECT_TRUE(data->GetLabels(1).Empty());
+  EXPECT_FALSE(data->GetLabels(0).Empty());
 }
 
 TEST(DataTest, AcceptsPositionsByTheRuleOfTheRingAndNeverOneOutsideIt) {
@@ -40,16 +56,18 @@ TEST(DataTest, AcceptsPositionsByTheRuleOfTheRingAndNeverOneOutsideIt) {
   EXPECT_EQ(7.0, wrapped->GetInputDatum(1, 0));
   TRow out(10);
   const std::function<void(Data&, int)> operations[] = {
-      [](Data& data, int row) { data.SetOutputDatum(row, 0, 1); },
-      [&](Data& data, int row) { data.GetOutputRow(row, out, TList{0}); },
-      [](Data& data, int row) { data.SetRow(row, {}, {}); },
-      [](Data& data, int row) { data.AppendLabel(row, "a", 1); }};
+      [](Data& data, int position) { data.SetInputDatum(position, 0, 1); },
+      [](Data& data, int position) { data.SetOutputDatum(position, 0, 1); },
+      [&](Data& data, int position) { data.GetOutputRow(position, out, TList{0}); },
+      [](Data& data, int position) { data.SetRow(position, {}, {}); },
+      [](Data& data, int position) { data.ClearLabels(position); },
+      [](Data& data, int position) { data.AppendLabel(position, "a", 1); }};
   for (const auto& operation : operations) {
-    const auto refused = [&](Data& data, int row) {
-      return Failure([&] { operation(data, row); }).find("Invalid Data Row") == 0;
+    const auto refused = [&](Data& data, int position) {
+      return Failure([&] { operation(data, position); }).find("Invalid Data Row") == 0;
     };
-    for (const int row : {INT_MIN, -1, 5, INT_MAX})
-      EXPECT_TRUE(refused(*fresh, row) && refused(*wrapped, row)) << row;
+    for (const int position : {INT_MIN, -1, 5, INT_MAX})
+      EXPECT_TRUE(refused(*fresh, position) && refused(*wrapped, position)) << position;
     EXPECT_TRUE(refused(*wrapped, 3) && !refused(*fresh, 3));
   }
   for (const int column : {INT_MIN, -1, 2, INT_MAX})
@@ -62,7 +80,8 @@ TEST(DataTest, CopiesABlockUpToTheNewestRow) {
   TRow inputs(6), outputs(3);
   EXPECT_EQ(3, MakeRing(10, 3)->GetBlock(inputs, outputs, 0, 99));
   EXPECT_EQ((TRow{1, 1.5, 2, 2.5, 3, 3.5}), inputs);
-  EXPECT_NE("none", Failure([&] { MakeRing(10, 3)->GetBlock(inputs, outputs, INT_MIN, 4); }));
+  EXPECT_EQ("Invalid Data Row Bad Parameter Data::GetInputRow",
+            Failure([&] { MakeRing(10, 3)->GetBlock(inputs, outputs, -1, 1); }));
   EXPECT_EQ("Data Block Fault Bad Parameter Data::GetBlock",
             Failure([&] { MakeRing(5, 7)->GetBlock(inputs, outputs, 3, 4); }));
 }
@@ -71,10 +90,13 @@ TEST(DataTest, RefusesSizesThatNothingCanHold) {
   for (const auto& size : {TList{-1, 1}, {1, -1}, {INT_MAX, 0}, {1 << 20, 1 << 11}, {0, INT_MAX}})
     EXPECT_EQ("Invalid Data Size Bad Parameter Data::Data",
               Failure([&] { Data(size[0], size[1], size[1], false); }));
-  EXPECT_NE("none", Failure([] { Data(1 << 29, 0, 0, true); }));
+  EXPECT_EQ("Invalid Data Size Bad Parameter Data::Data",
+            Failure([] { Data(1 << 29, 0, 0, true); }));
   Data empty(0, 2, 0, true);
   empty.Step(INT_MAX);
-  EXPECT_NE("none", Failure([&] { empty.AddRow(TRow{1, 2}, {}); }));
+  EXPECT_EQ("Invalid Data Row Bad Parameter Data::SetRow", Failure([&] {
+              empty.AddRow(TRow{1, 2}, {});
+            }));
 }
 
 TEST(DataTest, StepsByTheRuleOfTheRing) {
@@ -111,7 +133,8 @@ TEST(DataTest, StepsThroughTheSelectedColumns) {
             Failure([&] { data->Next(inputs, outputs); }));
   EXPECT_EQ((TRow{2.5, 2}), inputs);
   data->SetCursor(0);
-  EXPECT_NE("none", Failure([&] { data->Previous(inputs, outputs); }));
+  EXPECT_EQ("Invalid Data Row Bad Parameter Data::GetInputRow",
+            Failure([&] { data->Previous(inputs, outputs); }));
 }
 
 TEST(DataTest, ClonesEveryPositionAndStandsApart) {
@@ -120,7 +143,7 @@ TEST(DataTest, ClonesEveryPositionAndStandsApart) {
   const auto clone = data->Clone();
   for (const char* name : {"Row", "row"}) data->AppendLabel(1, name, 1.5);
   EXPECT_EQ((std::vector<LabelEntry>{{7.5, "row"}, {1.5, "Row"}}), data->GetLabels(1).Entries());
-  EXPECT_NE(clone->ChangeCount(), data->ChangeCount());
+  EXPECT_EQ(clone->ChangeCount() + 2, data->ChangeCount());
   EXPECT_EQ(TList{1}, clone->GetInputSelection());
   for (int n = 0; n < 4; ++n)
     EXPECT_EQ(clone->Row(n).Inputs[0], clone->Row(n).Labels->Entries()[0].Value);

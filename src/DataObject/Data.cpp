@@ -10,8 +10,6 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "DataObject/Data";
-
 // Room that a label list takes even while it is empty.
 constexpr std::int64_t kListNumbers = sizeof(LabelList) / sizeof(double);
 
@@ -32,7 +30,7 @@ std::span<T> RowOfBlock(std::span<T> block, int index, int columns) {
   if (block.empty()) return {};
   const auto width = static_cast<std::size_t>(columns);
   const auto begin = static_cast<std::size_t>(index) * width;
-  Assert(begin + width <= block.size(), "begin + width <= block.size()", kModule);
+  Assert(begin + width <= block.size(), "begin + width <= block.size()");
   return block.subspan(begin, width);
 }
 
@@ -45,8 +43,8 @@ Data::Data(std::int64_t rows, std::int64_t inputs, std::int64_t outputs, bool ha
       MbrSidOutputs(MbrNdxRows, static_cast<int>(outputs), "Invalid Output Data Column"),
       MbrDyaLabels(has_labels ? static_cast<std::size_t>(rows) : 0) {}
 
-void Data::CheckRow(int row, const char* function) const {
-  if (!IsValidRow(row) || !InRing(row))
+void Data::CheckPosition(int position, const char* function) const {
+  if (!IsValidRow(position) || !InRing(position))
     throw TException("Invalid Data Row", "Bad Parameter", function);
 }
 
@@ -58,7 +56,7 @@ void Data::CountChange() {
 
 void Data::AddRow(std::span<const double> inputs, std::span<const double> outputs,
                   const LabelList* labels) {
-  Assert(MbrNdxDataRows <= MbrNdxRows, "MbrNdxDataRows <= MbrNdxRows", kModule);
+  Assert(MbrNdxDataRows <= MbrNdxRows, "MbrNdxDataRows <= MbrNdxRows");
   const bool full = MbrNdxDataRows == MbrNdxRows;
   const int position = full ? Following(MbrNdxLast) : MbrNdxDataRows;
   SetRow(position, inputs, outputs, labels);
@@ -88,12 +86,12 @@ void Data::AddRows(const Data& source, int first, int count) {
   }
 }
 
-void Data::SetRow(int row, std::span<const double> inputs, std::span<const double> outputs,
+void Data::SetRow(int position, std::span<const double> inputs, std::span<const double> outputs,
                   const LabelList* labels) {
-  CheckRow(row, "Data::SetRow");
-  MbrSidInputs.Assign(row, inputs);
-  MbrSidOutputs.Assign(row, outputs);
-  if (MbrBolHasLabels) SetLabels(row, labels);
+  CheckPosition(position, "Data::SetRow");
+  MbrSidInputs.Assign(position, inputs);
+  MbrSidOutputs.Assign(position, outputs);
+  if (MbrBolHasLabels) SetLabels(position, labels);
   CountChange();
 }
 
@@ -107,88 +105,87 @@ void Data::Clear() {
 
 // --- Single values ---------------------------------------------------------------------------
 
-double Data::GetInputDatum(int row, int column) const {
-  CheckRow(row, "Data::GetInputDatum");
-  return MbrSidInputs.Row(row)[MbrSidInputs.Column(column, "Data::GetInputDatum")];
+double Data::GetInputDatum(int position, int column) const {
+  CheckPosition(position, "Data::GetInputDatum");
+  return MbrSidInputs.Row(position)[MbrSidInputs.Column(column, "Data::GetInputDatum")];
 }
 
-double Data::GetOutputDatum(int row, int column) const {
-  CheckRow(row, "Data::GetOutputDatum");
-  return MbrSidOutputs.Row(row)[MbrSidOutputs.Column(column, "Data::GetOutputDatum")];
+double Data::GetOutputDatum(int position, int column) const {
+  CheckPosition(position, "Data::GetOutputDatum");
+  return MbrSidOutputs.Row(position)[MbrSidOutputs.Column(column, "Data::GetOutputDatum")];
 }
 
-void Data::SetInputDatum(int row, int column, double value) {
-  CheckRow(row, "Data::SetInputDatum");
-  MbrSidInputs.Row(row)[MbrSidInputs.Column(column, "Data::SetInputDatum")] = value;
+void Data::SetInputDatum(int position, int column, double value) {
+  CheckPosition(position, "Data::SetInputDatum");
+  MbrSidInputs.Row(position)[MbrSidInputs.Column(column, "Data::SetInputDatum")] = value;
   CountChange();
 }
 
-void Data::SetOutputDatum(int row, int column, double value) {
-  CheckRow(row, "Data::SetOutputDatum");
-  MbrSidOutputs.Row(row)[MbrSidOutputs.Column(column, "Data::SetOutputDatum")] = value;
+void Data::SetOutputDatum(int position, int column, double value) {
+  CheckPosition(position, "Data::SetOutputDatum");
+  MbrSidOutputs.Row(position)[MbrSidOutputs.Column(column, "Data::SetOutputDatum")] = value;
   CountChange();
 }
 
 // --- Rows ------------------------------------------------------------------------------------
 
-void Data::GetInputRow(int row, std::span<double> out) const {
-  CheckRow(row, "Data::GetInputRow");
-  MbrSidInputs.Copy(row, out);
+void Data::GetInputRow(int position, std::span<double> out) const {
+  CheckPosition(position, "Data::GetInputRow");
+  MbrSidInputs.Copy(position, out);
 }
 
-void Data::GetOutputRow(int row, std::span<double> out) const {
-  CheckRow(row, "Data::GetOutputRow");
-  MbrSidOutputs.Copy(row, out);
+void Data::GetOutputRow(int position, std::span<double> out) const {
+  CheckPosition(position, "Data::GetOutputRow");
+  MbrSidOutputs.Copy(position, out);
 }
 
-void Data::GetInputRow(int row, std::span<double> out, std::span<const int> columns) const {
-  CheckRow(row, "Data::GetInputRow");
-  MbrSidInputs.Copy(row, out, columns, "Data::GetInputRow");
+void Data::GetInputRow(int position, std::span<double> out, std::span<const int> columns) const {
+  CheckPosition(position, "Data::GetInputRow");
+  MbrSidInputs.Copy(position, out, columns, "Data::GetInputRow");
 }
 
-void Data::GetOutputRow(int row, std::span<double> out, std::span<const int> columns) const {
-  CheckRow(row, "Data::GetOutputRow");
-  MbrSidOutputs.Copy(row, out, columns, "Data::GetOutputRow");
+void Data::GetOutputRow(int position, std::span<double> out, std::span<const int> columns) const {
+  CheckPosition(position, "Data::GetOutputRow");
+  MbrSidOutputs.Copy(position, out, columns, "Data::GetOutputRow");
 }
 
-int Data::GetBlock(std::span<double> inputs_out, std::span<double> outputs_out, int from_row,
-                   int to_row) const {
-  if (!IsValidRow(from_row))
-    throw TException("Data Block Fault", "Bad Parameter", "Data::GetBlock");
-  const int end = std::min(MbrNdxLast, to_row);
-  if (from_row > end) return 0;
-  for (int row = from_row; row <= end; ++row) {
-    const int index = row - from_row;
-    GetInputRow(row, RowOfBlock(inputs_out, index, Inputs()));
-    GetOutputRow(row, RowOfBlock(outputs_out, index, Outputs()));
+int Data::GetBlock(std::span<double> inputs_out, std::span<double> outputs_out, int first,
+                   int last) const {
+  if (!IsValidRow(first)) throw TException("Data Block Fault", "Bad Parameter", "Data::GetBlock");
+  const int end = std::min(MbrNdxLast, last);
+  if (first > end) return 0;
+  for (int position = first; position <= end; ++position) {
+    const int index = position - first;
+    GetInputRow(position, RowOfBlock(inputs_out, index, Inputs()));
+    GetOutputRow(position, RowOfBlock(outputs_out, index, Outputs()));
   }
-  return end - from_row + 1;
+  return end - first + 1;
 }
 
 // --- Labels ----------------------------------------------------------------------------------
 
-std::size_t Data::LabelIndex(int row, const char* function) const {
-  Assert(MbrBolHasLabels, "MbrBolHasLabels", kModule);
-  CheckRow(row, function);
-  return static_cast<std::size_t>(row);
+std::size_t Data::LabelIndex(int position, const char* function) const {
+  Assert(MbrBolHasLabels, "MbrBolHasLabels");
+  CheckPosition(position, function);
+  return static_cast<std::size_t>(position);
 }
 
-LabelList Data::GetLabels(int row) const {
-  return MbrDyaLabels[LabelIndex(row, "Data::GetLabels")];
+LabelList Data::GetLabels(int position) const {
+  return MbrDyaLabels[LabelIndex(position, "Data::GetLabels")];
 }
 
-void Data::SetLabels(int row, const LabelList* labels) {
-  MbrDyaLabels[LabelIndex(row, "Data::SetLabels")] = labels ? *labels : LabelList();
+void Data::SetLabels(int position, const LabelList* labels) {
+  MbrDyaLabels[LabelIndex(position, "Data::SetLabels")] = labels ? *labels : LabelList();
   CountChange();
 }
 
-void Data::ClearLabels(int row) {
-  MbrDyaLabels[LabelIndex(row, "Data::ClearLabels")].Clear();
+void Data::ClearLabels(int position) {
+  MbrDyaLabels[LabelIndex(position, "Data::ClearLabels")].Clear();
   CountChange();
 }
 
-void Data::AppendLabel(int row, std::string_view name, double value) {
-  MbrDyaLabels[LabelIndex(row, "Data::AppendLabel")].Append(name, value);
+void Data::AppendLabel(int position, std::string_view name, double value) {
+  MbrDyaLabels[LabelIndex(position, "Data::AppendLabel")].Append(name, value);
   CountChange();
 }
 
@@ -211,16 +208,16 @@ void Data::Step(int n) {
 }
 
 void Data::Current(std::span<double> inputs, std::span<double> outputs, LabelList* labels) const {
-  const int row = MbrNdxCursor;
-  if (!InRing(row)) throw TException("Invalid Data Row", "Bad Parameter", "Data::GetInputRow");
-  if (!inputs.empty()) MbrSidInputs.CopySelected(row, inputs, "Data::Current");
+  const int position = MbrNdxCursor;
+  if (!InRing(position)) throw TException("Invalid Data Row", "Bad Parameter", "Data::GetInputRow");
+  if (!inputs.empty()) MbrSidInputs.CopySelected(position, inputs, "Data::Current");
   if (!outputs.empty()) {
     if (MbrSidInputs.Selection().empty())
-      MbrSidOutputs.Copy(row, outputs);
+      MbrSidOutputs.Copy(position, outputs);
     else
-      MbrSidOutputs.CopySelected(row, outputs, "Data::Current");
+      MbrSidOutputs.CopySelected(position, outputs, "Data::Current");
   }
-  if (labels && MbrBolHasLabels) *labels = MbrDyaLabels[static_cast<std::size_t>(row)];
+  if (labels && MbrBolHasLabels) *labels = MbrDyaLabels[static_cast<std::size_t>(position)];
 }
 
 void Data::Next(std::span<double> inputs, std::span<double> outputs, LabelList* labels) {

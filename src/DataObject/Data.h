@@ -39,8 +39,8 @@ class Data {
  public:
   // An empty set of `rows` positions; column counts of 0 are sides without values.
   // Throws TException "Invalid Data Size" ("Bad Parameter") if a count is negative or the set would
-  // have more than kMaxNumbers rows, columns or values, each label list being as good as three;
-  // std::bad_alloc.
+  // have more than kMaxNumbers rows, columns or values, where a label list counts as three values;
+  // throws std::bad_alloc.
   Data(std::int64_t rows, std::int64_t inputs, std::int64_t outputs, bool has_labels);
   Data(const Data&) = delete;
   virtual ~Data() = default;
@@ -90,8 +90,8 @@ class Data {
   void AddRows(const Data& source, int first, int count);
 
   // Overwrites the values at a position; an empty span leaves the side as it is. The labels become
-  // a copy of `labels`, none when it is null.
-  void SetRow(int row, std::span<const double> inputs, std::span<const double> outputs,
+  // a copy of `labels`; null leaves the row without labels.
+  void SetRow(int position, std::span<const double> inputs, std::span<const double> outputs,
               const LabelList* labels = nullptr);
 
   // Forgets every row: values become zeros, labels go, and first, last and cursor return to 0. The
@@ -102,33 +102,33 @@ class Data {
   // A column that does not exist throws TException "Invalid Input Data Column" or "Invalid Output
   // Data Column" ("Bad Parameter").
 
-  double GetInputDatum(int row, int column) const;
-  double GetOutputDatum(int row, int column) const;
-  void SetInputDatum(int row, int column, double value);
-  void SetOutputDatum(int row, int column, double value);
+  double GetInputDatum(int position, int column) const;
+  double GetOutputDatum(int position, int column) const;
+  void SetInputDatum(int position, int column, double value);
+  void SetOutputDatum(int position, int column, double value);
 
   // --- Rows ----------------------------------------------------------------------------------
 
   // Copies a side of a row, or the listed columns of it in the listed order; a listed column that
   // does not exist throws as above. REQUIRES: `out` has room for the columns asked for.
-  void GetInputRow(int row, std::span<double> out) const;
-  void GetOutputRow(int row, std::span<double> out) const;
-  void GetInputRow(int row, std::span<double> out, std::span<const int> columns) const;
-  void GetOutputRow(int row, std::span<double> out, std::span<const int> columns) const;
+  void GetInputRow(int position, std::span<double> out) const;
+  void GetOutputRow(int position, std::span<double> out) const;
+  void GetInputRow(int position, std::span<double> out, std::span<const int> columns) const;
+  void GetOutputRow(int position, std::span<double> out, std::span<const int> columns) const;
 
-  // Copies the positions from_row..min(Last(), to_row), row after row, and returns their number, 0
-  // when there are none. Throws TException "Data Block Fault" ("Bad Parameter") when from_row is
-  // not accepted. REQUIRES: each span has room for these rows of its side.
-  int GetBlock(std::span<double> inputs_out, std::span<double> outputs_out, int from_row,
-               int to_row) const;
+  // Copies the positions first..min(Last(), last), row after row, and returns their number, 0 when
+  // there are none. Throws TException "Data Block Fault" ("Bad Parameter") when `first` is not
+  // accepted. REQUIRES: each span has room for these rows of its side.
+  int GetBlock(std::span<double> inputs_out, std::span<double> outputs_out, int first,
+               int last) const;
 
   // --- Labels --------------------------------------------------------------------------------
   // REQUIRES: HasLabels().
 
-  LabelList GetLabels(int row) const;
-  void SetLabels(int row, const LabelList* labels);  // null clears
-  void ClearLabels(int row);
-  void AppendLabel(int row, std::string_view name, double value);
+  LabelList GetLabels(int position) const;
+  void SetLabels(int position, const LabelList* labels);  // null clears
+  void ClearLabels(int position);
+  void AppendLabel(int position, std::string_view name, double value);
 
   // --- Stepping ------------------------------------------------------------------------------
 
@@ -165,8 +165,8 @@ class Data {
 
   // Whether a position is accepted: any number while Last() >= First(), otherwise those from Last()
   // to First(). The ring need not have an accepted position.
-  bool IsValidRow(int row) const {
-    return MbrNdxLast >= MbrNdxFirst || (MbrNdxLast <= row && row <= MbrNdxFirst);
+  bool IsValidRow(int position) const {
+    return MbrNdxLast >= MbrNdxFirst || (MbrNdxLast <= position && position <= MbrNdxFirst);
   }
 
  private:
@@ -175,8 +175,8 @@ class Data {
   bool InRing(int position) const { return position >= 0 && position < MbrNdxRows; }
   int Following(int position) const { return position + 1 < MbrNdxRows ? position + 1 : 0; }
   std::int64_t PositionAfter(int n) const;
-  void CheckRow(int row, const char* function) const;
-  std::size_t LabelIndex(int row, const char* function) const;
+  void CheckPosition(int position, const char* function) const;
+  std::size_t LabelIndex(int position, const char* function) const;
   void CountChange();
 
   int MbrNdxRows;

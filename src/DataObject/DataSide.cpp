@@ -7,15 +7,9 @@
 
 namespace kiln {
 
-namespace {
-
-constexpr char kModule[] = "DataObject/DataSide";
-
-}  // namespace
-
-DataSide::DataSide(int rows, int columns, const char* column_error)
+DataSide::DataSide(int positions, int columns, const char* column_error)
     : MbrNdxColumns(columns),
-      MbrDyaValues(static_cast<std::size_t>(rows) * static_cast<std::size_t>(columns)),
+      MbrDyaValues(static_cast<std::size_t>(positions) * static_cast<std::size_t>(columns)),
       MbrTxtColumnError(column_error) {}
 
 std::size_t DataSide::Column(int column, const char* function) const {
@@ -27,7 +21,7 @@ std::size_t DataSide::Column(int column, const char* function) const {
 void DataSide::Assign(int position, std::span<const double> values) {
   if (values.empty()) return;
   const auto row = Row(position);
-  Assert(values.size() == row.size(), "values.size() == row.size()", kModule);
+  Assert(values.size() == row.size(), "values.size() == row.size()");
   std::copy(values.begin(), values.end(), row.begin());
 }
 
@@ -42,14 +36,14 @@ void DataSide::Clear() {
 
 void DataSide::Copy(int position, std::span<double> out) const {
   const auto row = Row(position);
-  Assert(out.size() >= row.size(), "out.size() >= row.size()", kModule);
+  Assert(out.size() >= row.size(), "out.size() >= row.size()");
   std::copy(row.begin(), row.end(), out.begin());
 }
 
 void DataSide::Copy(int position, std::span<double> out, std::span<const int> columns,
                     const char* function) const {
   const auto row = Row(position);
-  Assert(out.size() >= columns.size(), "out.size() >= columns.size()", kModule);
+  Assert(out.size() >= columns.size(), "out.size() >= columns.size()");
   std::transform(columns.begin(), columns.end(), out.begin(),
                  [&](int column) { return row[Column(column, function)]; });
 }

@@ -9,13 +9,13 @@ namespace kiln {
 // The values of one side of a data set, its inputs or its outputs: one row of `Columns()` values a
 // position, row after row in one buffer, and the columns selected for stepping.
 //
-// A position is the caller's to check; a column is checked here.
+// Positions are checked by the caller, columns by the side.
 class DataSide {
  public:
   // All values are zero and nothing is selected. `column_error` is the message of the TException
   // ("Bad Parameter") about a column that does not exist; it must outlive the side.
   // REQUIRES: neither count is negative.
-  DataSide(int rows, int columns, const char* column_error);
+  DataSide(int positions, int columns, const char* column_error);
 
   int Columns() const { return MbrNdxColumns; }
 

@@ -35,7 +35,8 @@ class TDataManip {
   // The listed columns in the listed order, of the inputs (with all outputs) or of both sides. The
   // result has as many positions as the source, and can carry labels as the source can, but its
   // rows have none.
-  // Throws "Invalid data column" for a column that does not exist, and for more than there are.
+  // Throws "Invalid data column" for a column that does not exist, and for a list that is longer
+  // than the side has columns.
   static std::unique_ptr<Data> Extract(const Data* source, std::span<const int> columns);
   static std::unique_ptr<Data> Extract(const Data* source, std::span<const int> input_columns,
                                        std::span<const int> output_columns);

@@ -58,8 +58,7 @@ std::unique_ptr<Data> TDataManip::Shuffle(const Data* source) {
 std::unique_ptr<Data> TDataManip::Recombine(std::span<const Data* const> sources,
                                             std::span<const int> counts) {
   if (sources.size() < 2) ThrowManip("Insufficient number of classes", "Recombine");
-  Assert(sources.size() == counts.size(), "sources.size() == counts.size()",
-         "DataTools/DataManip/TDataManip");
+  Assert(sources.size() == counts.size(), "sources.size() == counts.size()");
   std::vector<std::unique_ptr<Data>> samples;
   for (std::size_t i = 0; i < sources.size(); ++i)
     samples.push_back(GetFirstRows(counts[i], Shuffle(sources[i]).get()));

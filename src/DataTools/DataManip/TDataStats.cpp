@@ -27,7 +27,7 @@ std::vector<double> Columns(const std::vector<double>& figures) {
 
 // The source, checked before anything is read from it.
 std::shared_ptr<Data> Present(std::shared_ptr<Data> source) {
-  Assert(source != nullptr, "source != nullptr", "DataTools/DataManip/TDataStats");
+  Assert(source != nullptr, "source != nullptr");
   return source;
 }
 
@@ -76,11 +76,11 @@ double TDataStats::GetMinInput(int column) {
 }
 
 int TDataStats::GetMaxInputRow(int column) {
-  return FigureOf(Inputs().DyaMaximumRows, column, kInputColumn, "TDataStats::GetMaxInputRow");
+  return FigureOf(Inputs().DyaMaximumPositions, column, kInputColumn, "TDataStats::GetMaxInputRow");
 }
 
 int TDataStats::GetMinInputRow(int column) {
-  return FigureOf(Inputs().DyaMinimumRows, column, kInputColumn, "TDataStats::GetMinInputRow");
+  return FigureOf(Inputs().DyaMinimumPositions, column, kInputColumn, "TDataStats::GetMinInputRow");
 }
 
 double TDataStats::GetAverageInput(int column) {
@@ -88,7 +88,7 @@ double TDataStats::GetAverageInput(int column) {
 }
 
 double TDataStats::GetMaxOutput(int column) {
-  // The single colon is part of the fixed text.
+  // Users know the name of the function with a single colon.
   return FigureOf(Outputs().DyaMaxima, column, kOutputColumn, "TDataStats:GetMaxOutput");
 }
 
@@ -97,11 +97,13 @@ double TDataStats::GetMinOutput(int column) {
 }
 
 int TDataStats::GetMaxOutputRow(int column) {
-  return FigureOf(Outputs().DyaMaximumRows, column, kOutputColumn, "TDataStats::GetMaxOutputRow");
+  return FigureOf(Outputs().DyaMaximumPositions, column, kOutputColumn,
+                  "TDataStats::GetMaxOutputRow");
 }
 
 int TDataStats::GetMinOutputRow(int column) {
-  return FigureOf(Outputs().DyaMinimumRows, column, "Invalid Data Output Column",
+  // This message has its words in another order than the others; users know it so.
+  return FigureOf(Outputs().DyaMinimumPositions, column, "Invalid Data Output Column",
                   "TDataStats::GetMinOutputRow");
 }
 

@@ -9,13 +9,12 @@
 
 namespace kiln {
 
-// Largest and smallest value, the position of the row of each, and average of every column of a
-// data set. They follow the set: what is asked for after a change is computed anew. A set without
-// rows leaves the figures as they were, at first zeros. Of rows with the same extreme the oldest
-// counts.
+// The largest and smallest value of every column of a data set, the positions of the rows where
+// these stand, and the average. The figures follow the set: after a change the next getter computes
+// them anew. A set without rows leaves the figures as they were, zeros at first. Where several rows
+// have the same extreme, the oldest of them counts.
 //
-// Computing looks at whole rows and gives up the set's column selections for that; stepping through
-// the set starts over.
+// Computing the figures clears the set's column selections and resets its cursor.
 //
 // Every getter of one column throws TException "Invalid Input Data Column" or "Invalid Output Data
 // Column" ("Invalid Data Output Column" in GetMinOutputRow) of category "Bad Parameter" for a

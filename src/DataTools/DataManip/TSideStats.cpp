@@ -8,13 +8,13 @@ namespace kiln {
 TSideStats::TSideStats(int columns) {
   const std::size_t slots = static_cast<std::size_t>(columns) + 1;
   for (auto* figures : {&DyaMaxima, &DyaMinima, &DyaAverages}) figures->resize(slots);
-  for (auto* positions : {&DyaMaximumRows, &DyaMinimumRows}) positions->resize(slots);
+  for (auto* positions : {&DyaMaximumPositions, &DyaMinimumPositions}) positions->resize(slots);
 }
 
 void TSideStats::Begin(std::span<const double> row, int position) {
   for (auto* figures : {&DyaMaxima, &DyaMinima, &DyaAverages})
     std::copy(row.begin(), row.end(), figures->begin());
-  for (auto* positions : {&DyaMaximumRows, &DyaMinimumRows})
+  for (auto* positions : {&DyaMaximumPositions, &DyaMinimumPositions})
     std::fill_n(positions->begin(), row.size(), position);
 }
 
@@ -24,11 +24,11 @@ void TSideStats::Add(std::span<const double> row, int position) {
     DyaAverages[c] += value;
     if (value > DyaMaxima[c]) {
       DyaMaxima[c] = value;
-      DyaMaximumRows[c] = position;
+      DyaMaximumPositions[c] = position;
     }
     if (value < DyaMinima[c]) {
       DyaMinima[c] = value;
-      DyaMinimumRows[c] = position;
+      DyaMinimumPositions[c] = position;
     }
   }
 }

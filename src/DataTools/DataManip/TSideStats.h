@@ -20,8 +20,8 @@ struct TSideStats {
   std::vector<double> DyaMaxima;
   std::vector<double> DyaMinima;
   std::vector<double> DyaAverages;
-  std::vector<int> DyaMaximumRows;  // positions in the ring
-  std::vector<int> DyaMinimumRows;
+  std::vector<int> DyaMaximumPositions;  // positions in the ring
+  std::vector<int> DyaMinimumPositions;
 };
 
 }  // namespace kiln
