@@ -20,8 +20,6 @@ namespace {
 using FileTools::ParseItem;
 using FileTools::Reader;
 
-constexpr char kModule[] = "FileHandler/Filer";
-
 // The groups of columns, in the order in which the header must name them.
 struct ColumnGroup {
   std::string_view keyword;
@@ -41,6 +39,7 @@ constexpr ColumnGroup kGroups[] = {
 
 int ReadCount(const ParseItem& item, const Reader& reader) {
   if (EqualNoCase(item.value, "Labels")) {
+    // The message is frozen; it also answers labels for errors and rows.
     throw TException("No labels in inputs", "Bad Format", "Filer::ReadHeader");
   }
   const std::int64_t count = FileTools::ParseInteger(item.value, reader);
@@ -48,8 +47,8 @@ int ReadCount(const ParseItem& item, const Reader& reader) {
   return static_cast<int>(count);
 }
 
-// Throws unless the rest of the text can hold the table: a value takes a character at least, a
-// label list its two brackets, and a row without either the end of its line.
+// Fails unless the rest of the text is long enough for the table. A value takes at least one
+// character, a label list its two brackets, and a row without values or labels the end of its line.
 void CheckRoom(const DataHeader& header, const Reader& reader) {
   std::uint64_t row_size = 0;
   for (const ColumnGroup& group : kGroups) {
@@ -67,13 +66,13 @@ std::unique_ptr<Data> MakeSet(int rows, int inputs, int outputs) {
   return std::make_unique<Data>(rows, std::max(inputs, 0), std::max(outputs, 0), has_labels);
 }
 
-// "[up down=0.5 ]": a name alone weighs 1, one given twice weighs the sum.
+// "[up down=0.5 ]": a label without a number weighs 1, and a label given twice weighs the sum.
 void ReadLabels(Reader& reader, LabelList& labels) {
   labels.Clear();
   std::string_view token = reader.ReadToken();
   if (token.empty()) reader.Fail("Unexpected end of file");
   if (token == "[~") reader.Fail("Unexpected End Tag");
-  Assert(token == "[", "ch == '['", kModule);
+  Assert(token == "[", "ch == '['");
 
   token = reader.ReadToken();
   while (token != "]") {
@@ -89,7 +88,8 @@ void ReadLabels(Reader& reader, LabelList& labels) {
   }
 }
 
-// One group of the row being read: values or a label list. It serves row after row.
+// Reads one group of columns, row after row, and holds what the latest row has in it: values or a
+// label list.
 class RowGroup {
  public:
   explicit RowGroup(int count)
@@ -135,7 +135,7 @@ DataSets ReadRows(Reader& reader, const DataHeader& header) {
   return sets;
 }
 
-// What `read` gives, or nothing where the text is faulty.
+// What `read` returns, or nothing if it throws because of a fault in the text.
 template <typename TRead>
 std::optional<std::invoke_result_t<TRead>> Attempt(TRead read) {
   try {
@@ -206,7 +206,7 @@ DataSets Load(const std::string& path) {
   ExpectStartTag(first, reader, "DataSet");
   ParseItem next;
   const DataHeader header = ReadHeader(reader, next);
-  Assert(header.rows >= 0, "LngRows>=0", kModule);
+  Assert(header.rows >= 0, "LngRows>=0");
   ExpectStartTag(next, reader, "Data");
   CheckRoom(header, reader);
 

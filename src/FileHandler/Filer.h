@@ -35,12 +35,13 @@ struct DataSets {
 // header without a number of rows and for a value where a label list should stand.
 DataSets Load(const std::string& path);
 
-// Writes a data file of the rows that the sets hold, the oldest first. Either may be null. Of a set
-// with labels these are written, not its outputs. Throws TException when the sets have different
-// numbers of rows, FileTools::SaveError; in both cases what stood at `path` is left alone.
+// Writes a data file of the rows that the sets hold, the oldest first. Either set may be null. If
+// `expected` carries labels, they are written in place of its outputs. Throws TException when the
+// sets have different numbers of rows, and FileTools::SaveError; in both cases a file that was at
+// `path` before is left as it was.
 void Save(const std::string& path, const Data* expected, const Data* generated = nullptr);
 
-// Reads the statements behind "[DataSet]"; `next` becomes the first item that is none. Throws
+// Reads the statements behind "[DataSet]"; `next` becomes the item behind the last of them. Throws
 // FileTools::Error "bad-header" for statements that are unknown, repeated, out of order, not closed
 // or out of range, and TException for labels in a group that has none.
 DataHeader ReadHeader(FileTools::Reader& reader, FileTools::ParseItem& next);
@@ -50,7 +51,7 @@ DataHeader ReadHeader(FileTools::Reader& reader, FileTools::ParseItem& next);
 //   (data :rows N :inputs N :actual-outputs N :calc-outputs N :errors N), kLabels for a label list
 //   bad-header, of a data file
 //   network
-//   (unknown-header :header TAG), without TAG where the file does not start with a block.
+//   (unknown-header :header TAG), or unknown-header where the file does not start with a block.
 TKQstructure DescribeFile(const std::string& path);
 
 }  // namespace kiln::Filer

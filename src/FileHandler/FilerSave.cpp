@@ -57,7 +57,8 @@ void WriteGroup(Writer& writer, int count, std::span<const double> values,
   }
 }
 
-// Generated outputs are taken for labels where the expected ones are and no values stand in place.
+// Generated outputs are written as labels if the expected set carries labels and the generated set
+// has no input columns.
 DataHeader MakeHeader(const Data* expected, const Data* generated) {
   DataHeader header{.rows = 0};
   const bool has_labels = expected && expected->HasLabels();
@@ -75,7 +76,7 @@ DataHeader MakeHeader(const Data* expected, const Data* generated) {
   return header;
 }
 
-// The part of a row that one set holds: its two groups, of which one may be the labels.
+// The two groups of a row that stand in one set. Labels take the place of the values of a group.
 void WriteRow(Writer& writer, const DataRow& row, int inputs, int outputs) {
   WriteGroup(writer, inputs, row.Inputs, row.Labels);
   writer.WriteText(kGap);

@@ -24,13 +24,13 @@ bool IsStartTag(const ParseItem& item, std::string_view name) {
   return item.kind == ParseItem::kStartTag && EqualNoCase(item.name, name);
 }
 
-// One connection as the file has it. Without a mark it is trainable.
+// One connection as the file has it. It is trainable unless the file says otherwise.
 struct Cell {
   std::optional<double> weight;  // none where there is no connection
   bool trainable = true;
 };
 
-// Removes every connection; those that the file has come back one by one.
+// Marks every connection as absent and, for when it comes back, as trainable.
 class RemoveAll : public TIterateObj {
  public:
   void Connection(TConnection& connection) override { connection.flags = FMaskTrainable; }
@@ -63,7 +63,7 @@ class ConnectionsReader {
   std::optional<std::size_t> from_;
   std::optional<std::size_t> to_;
   std::string_view kind_;
-  TBasicConnections* block_ = nullptr;  // from when it stands in the network
+  TBasicConnections* block_ = nullptr;  // null until Connect() has put it into the network
 };
 
 void ConnectionsReader::Read() {
@@ -88,7 +88,7 @@ void ConnectionsReader::Read() {
 
 // --- Description -----------------------------------------------------------------------------
 
-// Returns the item that opens the section of weights.
+// Reads the statements in front of the weights. Returns the item that opens the weights.
 ParseItem ConnectionsReader::ReadDescription() {
   for (;;) {
     const ParseItem item = reader_.ReadItem(kBlock);
@@ -120,7 +120,8 @@ void ConnectionsReader::SkipAttributes(ParseItem item) {
   while (item.unbracketed) item = reader_.ReadUnbracketedItem(kBlock);
 }
 
-// Puts the block into the network, in a kind that can be pruned without any connection.
+// Puts the block into the network and removes its connections, if it is of a kind that can be
+// pruned: those that the file has come back one by one.
 void ConnectionsReader::Connect(std::unique_ptr<TBasicConnections> block) {
   block_ = block.get();
   try {
@@ -148,7 +149,7 @@ void ConnectionsReader::SetConnection(std::size_t to, std::size_t from, const Ce
 
 // --- Matrix ----------------------------------------------------------------------------------
 
-// What each connection shows, in the order of its tokens. `item` opens the matrix.
+// The meaning of each token of a cell, in their order. `item` opens the matrix.
 std::vector<ConnectionsReader::Column> ConnectionsReader::ReadColumns(ParseItem item) {
   constexpr std::size_t kEnd = 10;
   std::vector<Column> columns;
@@ -160,7 +161,7 @@ std::vector<ConnectionsReader::Column> ConnectionsReader::ReadColumns(ParseItem 
     } else if (EqualNoCase(item.name, "TrainableInfo")) {
       columns.push_back(Column::kTrainable);
     } else {
-      FailLoad(reader_, "Unknown matric attribute");
+      FailLoad(reader_, "Unknown matric attribute");  // frozen with its misspelling
     }
     Assert(columns.size() < kEnd, "wnum < 10", kModule);
   }
@@ -171,8 +172,8 @@ std::vector<ConnectionsReader::Column> ConnectionsReader::ReadColumns(ParseItem 
   return columns;
 }
 
-// A failure unless the rest of the file can hold the matrix: all its tokens, of a character at
-// least, and what separates them.
+// Fails unless the rest of the file is long enough for the matrix, whose tokens take at least one
+// character each and one to separate them.
 void ConnectionsReader::CheckRoom(std::size_t columns) const {
   const std::uint64_t cells =
       std::uint64_t{network_.Layer(*to_).NumNeurons()} * network_.Layer(*from_).NumNeurons();

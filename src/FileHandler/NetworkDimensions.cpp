@@ -16,7 +16,7 @@ using FileTools::ParseItem;
 using FileTools::Reader;
 
 constexpr std::string_view kBlock = "Dimensions";
-constexpr std::string_view kEntry = "[Dimension=0 Size=1]";  // none is shorter
+constexpr std::string_view kEntry = "[Dimension=0 Size=1]";  // the shortest one
 
 // Reads the entry that begins with `first`.
 void ReadEntry(const ParseItem& first, Reader& reader, std::vector<int>& sizes) {

@@ -35,7 +35,7 @@ std::unique_ptr<TBasicNetwork> LoadNetwork(const std::string& path) {
   const NetworkHeader header = ReadHeader(reader);
   std::unique_ptr<TBasicNetwork> network = MakeNetwork(header, reader);
   if (!network) FailLoad(reader, "Unknown network type");
-  // Only now: a kind of network that has a fixed number of layers says so first.
+  // Checked behind MakeNetwork, which refuses a wrong number of layers with a message of its own.
   Assert(header.output_layer < network->NumLayers(), "outlayer < numlayers", kModule);
   network->SetInputAndOutputLayer(header.input_layer, header.output_layer);
 

@@ -11,14 +11,15 @@ namespace {
 using FileTools::ParseItem;
 using FileTools::Reader;
 
-// The statements as they stand, in any order; of one that is repeated the last counts.
+// The statements of the block, which may come in any order. If one is repeated, its last value
+// counts.
 struct Information {
   std::optional<std::int64_t> layers;
   std::optional<std::int64_t> input_layer;
   std::optional<std::int64_t> output_layer;
   std::optional<std::int64_t> inputs;
   std::optional<std::int64_t> outputs;
-  std::optional<std::int64_t> bias_layer;  // needs no more: a bias layer is known by its function
+  std::optional<std::int64_t> bias_layer;  // not used: a bias layer is known by its function
 };
 
 struct Keyword {

@@ -70,7 +70,8 @@ struct NetworkKind {
   std::string_view name;
   std::unique_ptr<TBasicNetwork> (*make)(const NetworkHeader& header, Reader& reader);
 
-  // For kinds with a block of their own, and with a shape that all files must give them.
+  // Writes the block that `make` reads, and tells whether layers and connections are those that the
+  // kind needs. Null for kinds without such a block, and for kinds of any shape.
   void (*write)(Writer& writer, const TBasicNetwork& network) = nullptr;
   bool (*is_complete)(const TBasicNetwork& network) = nullptr;
 };

@@ -13,16 +13,16 @@
 // connections. A new kind is a line in its table.
 namespace kiln::NetworkFiler {
 
-// Those that make something return null for a kind that nobody knows.
+// The Make functions return null for an unknown kind.
 
 // A network of empty layers without connections. A kind that has a block of its own behind the
 // header reads it here.
 std::unique_ptr<TBasicNetwork> MakeNetwork(const NetworkHeader& header, FileTools::Reader& reader);
 
-// Writes that block, where the kind of the network has one.
+// Writes the block behind the header, for kinds of network that have one.
 void WriteOwnBlock(FileTools::Writer& writer, const TBasicNetwork& network);
 
-// A failure unless the layers and connections that were read are those that the kind needs.
+// Fails, as FailLoad does, unless the network has the layers and connections that its kind needs.
 void CheckComplete(const TBasicNetwork& network, const FileTools::Reader& reader);
 
 std::unique_ptr<TBasicLayer> MakeLayer(std::string_view kind_name, std::size_t neurons);

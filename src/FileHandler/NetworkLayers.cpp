@@ -3,10 +3,10 @@
 #include <utility>
 #include <vector>
 
-#include "FileHandler/LoadTarn.h"
 #include "FileHandler/NetworkKinds.h"
 #include "FileHandler/NetworkReading.h"
 #include "FileHandler/NetworkSections.h"
+#include "FileHandler/TarnSections.h"
 #include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"
@@ -21,11 +21,12 @@ using FileTools::Reader;
 
 constexpr std::string_view kBlock = "Layer";
 
-// Reads one layer, in three steps: the statements about the layer and all of its neurons, the lines
-// of single neurons, and what follows from them for the neurons.
+// Reads one layer: first the statements about the layer and all of its neurons, then the lines of
+// single neurons. Without such lines all neurons take the common function and values.
 class LayerReader {
  public:
-  // A layer of at most `max_neurons` neurons; the header's numbers where it is asked for any.
+  // The layer may have at most `max_neurons` neurons. It must have `inputs` or `outputs` neurons
+  // where these are given.
   LayerReader(Reader& reader, std::size_t max_neurons, std::optional<std::int64_t> inputs,
               std::optional<std::int64_t> outputs)
       : reader_(reader), max_neurons_(max_neurons), inputs_(inputs), outputs_(outputs) {}
@@ -33,7 +34,7 @@ class LayerReader {
   std::unique_ptr<TBasicLayer> Read();
 
  private:
-  // One for each named parameter, in their order; none while the file has not told.
+  // The value of each named parameter, empty until the file gives it.
   using Values = std::vector<std::optional<double>>;
 
   ParseItem ReadCommon();
@@ -54,7 +55,7 @@ class LayerReader {
   const std::optional<std::int64_t> outputs_;
   std::string_view kind_;
   std::optional<std::size_t> neurons_;
-  std::unique_ptr<TBasicLayer> layer_;  // from when kind and number of neurons are known
+  std::unique_ptr<TBasicLayer> layer_;  // null until kind and number of neurons are known
   TActFunction function_ = nullptr;     // the common one
   // The common values. What a line sets for its neuron holds on later lines as well.
   Values values_;
@@ -71,7 +72,8 @@ std::unique_ptr<TBasicLayer> LayerReader::Read() {
     ApplyCommon();
   }
   ExpectEndTag(next, reader_);
-  // The layer knows neurons that came to the same function one by one as one row.
+  // Where all neurons have the same function, even from lines of their own, it is set for the
+  // layer, which then activates them as one row.
   if (const TActFunction common = layer_->GetActivation()) layer_->SetActivation(common);
   return std::move(layer_);
 }
@@ -93,7 +95,7 @@ ParseItem LayerReader::ReadCommon() {
 ParseItem LayerReader::ReadAll() {
   const ParseItem item = reader_.ReadUnbracketedItem(kBlock);
   if (item.kind != ParseItem::kStatement) {
-    FailLoad(reader_, "Required syntax is [ALL <keyword>=<val>");
+    FailLoad(reader_, "Required syntax is [ALL <keyword>=<val>");  // frozen without its "]"
   }
   return item;
 }
@@ -125,6 +127,7 @@ void LayerReader::MakeWhenKnown() {
 void LayerReader::CheckHeader() const {
   const auto neurons = static_cast<std::int64_t>(*neurons_);
   if (inputs_ && *inputs_ != neurons) FailLoad(reader_, "wrong number of inputs in header");
+  // The missing word is frozen.
   if (outputs_ && *outputs_ != neurons) FailLoad(reader_, "wrong number outputs in header");
 }
 
@@ -201,9 +204,9 @@ void LayerReader::ApplyValues(TBasicNeuron& neuron) const {
   }
 }
 
-// What the header says about a layer in the place of the input or output layer, else nothing.
-std::optional<std::int64_t> Demand(std::optional<std::int64_t> number, bool in_place) {
-  return in_place ? number : std::nullopt;
+// The number of neurons that the header demands of a layer, if it `concerns` that layer.
+std::optional<std::int64_t> Demand(std::optional<std::int64_t> number, bool concerns) {
+  return concerns ? number : std::nullopt;
 }
 
 std::size_t ReadLayerIndex(const ParseItem& statement, Reader& reader, std::size_t layers) {
@@ -218,9 +221,9 @@ std::size_t ReadLayerIndex(const ParseItem& statement, Reader& reader, std::size
 }  // namespace
 
 ParseItem ReadLayers(Reader& reader, const NetworkHeader& header, TBasicNetwork& network) {
-  // A layer needs no more than three short lines whatever its size, and there can be many. So those
-  // neurons that are more than a single layer may have must show in the rest of the file, by a
-  // weight and what separates it from the next.
+  // Three short lines can ask for the largest layer, and a file can have many layers. Neurons
+  // beyond one largest layer are only granted to a file that is long enough to hold a weight and a
+  // separator, two characters, for each of them.
   std::size_t neurons_left = TBasicLayer::kMaxNeurons + reader.Remaining() / 2;
   std::vector<bool> given(network.NumLayers());
   ParseItem item = reader.ReadItem("NeuralNetwork");

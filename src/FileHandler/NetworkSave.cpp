@@ -5,9 +5,9 @@
 
 #include "FileHandler/NetworkFile.h"
 #include "FileHandler/NetworkKinds.h"
-#include "FileHandler/SaveTarn.h"
 #include "FileHandler/Syntax/SafeFile.h"
 #include "FileHandler/Syntax/Writer.h"
+#include "FileHandler/TarnSections.h"
 #include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"
@@ -109,7 +109,8 @@ void WriteNeurons(Writer& writer, const TBasicLayer& layer,
   writer.WriteEndTag("Neurons");
 }
 
-// A line "[All name=value ]" for each common parameter. Returns the others.
+// Writes a line "[All name=value ]" for each common parameter. Returns the parameters that differ
+// from neuron to neuron.
 std::vector<std::size_t> WriteCommonParameters(Writer& writer, const TBasicLayer& layer) {
   std::vector<std::size_t> own;
   if (layer.NumNeurons() == 0) return own;

@@ -25,9 +25,9 @@ struct NetworkHeader {
   std::string_view kind;  // a view into the reader's text
   int layers = 0;
   std::size_t input_layer = 1;
-  std::size_t output_layer = 0;        // may be beyond the last layer
-  std::optional<std::int64_t> inputs;  // demanded of the input layer where the file has them
-  std::optional<std::int64_t> outputs;
+  std::size_t output_layer = 0;         // may be beyond the last layer
+  std::optional<std::int64_t> inputs;   // if given, the input layer must have as many neurons
+  std::optional<std::int64_t> outputs;  // if given, the output layer must
 };
 
 // Reads the kind of the network and the block of information.
@@ -37,8 +37,8 @@ NetworkHeader ReadHeader(FileTools::Reader& reader);
 std::vector<int> ReadDimensions(FileTools::Reader& reader);
 void WriteDimensions(FileTools::Writer& writer, std::span<const int> sizes);
 
-// Read all layers or blocks of connections into an otherwise empty network. Return the first item
-// behind them.
+// Read all layers, or all blocks of connections, into a network that has none yet. Return the first
+// item behind them.
 FileTools::ParseItem ReadLayers(FileTools::Reader& reader, const NetworkHeader& header,
                                 TBasicNetwork& network);
 FileTools::ParseItem ReadConnections(FileTools::Reader& reader, FileTools::ParseItem next,

@@ -26,12 +26,11 @@ using FileTools::Writer;
 using OptionalName = std::optional<std::string>;
 using Values = std::vector<double>;
 
-constexpr char kModule[] = "FileHandler/TFuzzyMFFiler";
 constexpr int kDecimals = 7;
 constexpr std::string_view kEmptySlot = "Empty";
 
-// A kind of membership function: its parameters in the order in which files hold them, and the way
-// from a function to them and back.
+// A kind of membership function: the names of its parameters in the order in which files hold them,
+// and the ways from a function to their values and back.
 struct MFKind {
   std::string_view type;
   std::vector<std::string_view> parameters;
@@ -125,7 +124,7 @@ Heading ReadHeading(Reader& reader, std::string_view block) {
 
 void SaveParameters(Writer& out, const TBasicMF& mf) {
   const MFKind* kind = FindNoCase(kKinds, mf.Type(), &MFKind::type);
-  if (!kind) AssertFalse(kModule);
+  if (!kind) AssertFalse();
   const Values values = kind->values(mf);
   const bool grouped = values.size() > 1;
   if (grouped) out.OpenBracket();
@@ -206,6 +205,7 @@ std::unique_ptr<TBasicMFSet> ReadSet(Reader& reader) {
   const int number_of_mf = ExpectCount(reader.ReadItem("MFSetInfo"), reader, "NumberOfMF");
   ExpectEndTag(reader.ReadItem("MFSetInfo"), reader);
   if (!(lower <= upper)) {
+    // Message and function are frozen, though equal bounds pass and "FFIler" is misspelt.
     throw TException("UpperBound must be > LowerBound", "Bad File Data",
                      "TFuzzyMFFIler::LoadMFlist");
   }
@@ -241,7 +241,7 @@ void SaveMFList(Writer& out, const TMFSetList& list) {
   out.WriteNewline();
   for (int i = 0; i < list.Count(); ++i) {
     const TBasicMFSet* set = list.GetMFSet(i);
-    Assert(set != nullptr, "set != NULL", kModule);
+    Assert(set != nullptr, "set != NULL");
     SaveSet(out, i, *set);
   }
   out.WriteEndTag("MFList");

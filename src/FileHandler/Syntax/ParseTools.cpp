@@ -20,7 +20,9 @@ namespace kiln::FileTools {
 
 namespace {
 
+// The name by which users know the assertions about the syntax, wherever this file stands.
 constexpr char kModule[] = "FileHandler/ParseTools";
+
 constexpr double kNewestVersion = 1.0;
 constexpr std::size_t kMaxStream = std::size_t{1} << 30;
 
@@ -55,7 +57,7 @@ std::size_t SizeOf(const std::string& path) {
 std::string ReadWholeFile(const std::string& path) {
   const TDescriptor file = TDescriptor::Open(path, O_RDONLY);
   if (!file.IsOpen()) throw OpenError(path);
-  // One more than the file holds: the first read meets the end, and nothing is moved.
+  // One byte more than the file has: the first read meets its end, and the buffer need not grow.
   std::string text(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
   std::size_t size = 0;
   for (;;) {
@@ -202,7 +204,7 @@ bool Reader::TakeClosingBracket() {
   return true;
 }
 
-// What stands in the place of the closing bracket is passed over, whatever it is.
+// The token in the place of the closing bracket is passed over, whatever it is.
 void Reader::ReadEndTag(std::string_view current_block) {
   Assert(!current_block.empty(), "blockdef != NULL", kModule);
   if (!EqualNoCase(ReadToken(), current_block)) Fail("Unexpected End Tag");
@@ -245,7 +247,7 @@ void ExpectEndTag(const ParseItem& item, const Reader& reader) {
   if (item.kind != ParseItem::kEnd) reader.Fail("End Tag expected");
 }
 
-// The name that was read follows the message without a gap.
+// The name that was read follows the message without a gap: that is frozen.
 std::string_view ExpectString(const ParseItem& item, const Reader& reader,
                               std::string_view keyword) {
   if (!IsStatement(item, keyword)) {

@@ -129,11 +129,11 @@ void ExpectString(const ParseItem& item, const Reader& reader, std::string_view 
 std::int64_t ExpectInteger(const ParseItem& item, const Reader& reader, std::string_view keyword);
 double ExpectNumber(const ParseItem& item, const Reader& reader, std::string_view keyword);
 
-// An integer; beyond 32 bits the nearest that has a place, which no index and no count reaches.
+// An integer. Beyond 32 bits it becomes the nearest 32-bit one, which is no valid index or count.
 std::int32_t ExpectInteger32(const ParseItem& item, const Reader& reader, std::string_view keyword);
 
-// How many of something follow: an integer that is not negative and not more than the characters
-// left, as each of them takes one at least. It is safe to take memory for that many.
+// The number of things that follow: an integer that is not negative and, as each thing takes at
+// least one character, not more than the characters left. It is safe to take memory for that many.
 std::int32_t ExpectCount(const ParseItem& item, const Reader& reader, std::string_view keyword);
 
 // A bare word that is a number.

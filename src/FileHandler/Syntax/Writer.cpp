@@ -9,7 +9,9 @@ namespace kiln::FileTools {
 
 namespace {
 
+// Users know the assertions about the syntax by this name, those of writing included.
 constexpr char kModule[] = "FileHandler/ParseTools";
+
 constexpr std::size_t kPiece = std::size_t{1} << 20;
 
 }  // namespace
