@@ -43,7 +43,7 @@ T Required(TReading<T> reading, std::string_view message) {
 template <typename T>
 T Optional(TReading<T> reading, T fallback) {
   if (reading.code == TReadCode::kTagAbsent) return fallback;
-  Assert(reading.code == TReadCode::kRead, "IntReturn == SUCCESS", "Interpreter/Checks");
+  Assert(reading.code == TReadCode::kRead, "IntReturn == SUCCESS");
   return std::move(reading.value);
 }
 
@@ -52,7 +52,7 @@ bool RequiredBoolean(const TCommandLine& line, std::string_view tag);
 // The file name in parentheses behind "filename".
 std::string RequiredPath(const TCommandLine& line, std::string_view message);
 
-// A count that must be at least `minimum`; one beyond 2^31-1 becomes that.
+// A count that must be at least `minimum`. A count beyond 2^31-1 becomes 2^31-1.
 int AtLeast(int minimum, std::int64_t count, std::string_view tag);
 
 // --- Objects ---------------------------------------------------------------------------------
@@ -86,8 +86,8 @@ std::shared_ptr<T> RequiredObject(const TObjectRegistry& registry, std::string_v
   return RequiredObject<T>(RequiredEntry(registry, alias), alias, what);
 }
 
-// Fails unless a side of the data set `set`, "inputs" or "outputs", has as many columns as that of
-// `owner`, which is a network.
+// Fails unless `columns`, those of a side ("inputs" or "outputs") of the data set `set`, are as
+// many as the network `owner` wants.
 void RequireColumns(std::string_view set, int columns, std::string_view side,
                     std::string_view owner, std::size_t wanted);
 

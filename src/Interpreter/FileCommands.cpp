@@ -74,7 +74,7 @@ TAnswer SaveData(TInterpreter& interpreter, const TCommandLine& line) {
 
 TAnswer SaveTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
   const auto labels = SavedEntry(interpreter, line).As<TNetLabel>();
-  if (!labels) Fail("object not type data");  // in the same words as for data
+  if (!labels) Fail("object not type data");  // frozen in the words for data
   SaveTo(SavedPath(line), [&](const std::string& path) { TLabelFile::SaveLabels(path, *labels); });
   return kDone;
 }

@@ -25,7 +25,7 @@ constexpr TBoundTags kOutputTags = {"outputcmaxs", "outputcmins", "outputgmax", 
 constexpr char kNothing[] = "nothing to do";
 constexpr char kNoBounds[] = "none";
 
-// A list of bounds, which may be left out.
+// A list of bounds, one a column, which may be left out.
 TReading<std::vector<double>> ColumnValues(const TCommandLine& line, std::string_view tag,
                                            int columns) {
   if (line.Word(tag).code != TReadCode::kRead) return {TReadCode::kTagAbsent, {}};
@@ -36,14 +36,15 @@ TReading<std::vector<double>> ColumnValues(const TCommandLine& line, std::string
   return values;
 }
 
-// Whether two bounds that only make sense together are given.
+// Whether both bounds of a pair are given. Fails when only one is.
 template <typename T>
 bool ArePair(const TReading<T>& maximum, const TReading<T>& minimum) {
   if (maximum.code != minimum.code) Fail(kNothing);
   return maximum.code == TReadCode::kRead;
 }
 
-// The bounds of a side of so many columns. Those of single columns win over those of all.
+// The bounds of a side that has `columns` columns, or nothing when the line gives none. Lists win
+// over single values.
 std::optional<TColumnBounds> SideBounds(const TCommandLine& line, const TBoundTags& tags,
                                         int columns) {
   const auto maxima = ColumnValues(line, tags.column_maxima, columns);
@@ -57,7 +58,7 @@ std::optional<TColumnBounds> SideBounds(const TCommandLine& line, const TBoundTa
   return std::nullopt;
 }
 
-// One of the two directions between values and the range from 0 to 1.
+// TDataManip's Normalise or Denormalise.
 using TMapping = std::unique_ptr<Data> (*)(const Data* source, const TColumnBounds& inputs,
                                            const TColumnBounds& outputs);
 

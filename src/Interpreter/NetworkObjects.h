@@ -11,7 +11,7 @@ class TBasicNetwork;
 class TGenTrain;
 class TTrainModule;
 
-// The kinds of network and of trainer as handlers see them that treat several kinds alike.
+// For handlers that treat several kinds of network, or of trainer, alike.
 
 // The network of an entry; null when it holds something else.
 std::shared_ptr<TBasicNetwork> AsNetwork(const TRegistryNode& node);
@@ -25,7 +25,8 @@ std::shared_ptr<TGenTrain> AsGeneticTrainer(const TRegistryNode& node);
 // The network that a trainer of any kind trains; null when the entry holds no such trainer.
 const TBasicNetwork* TrainedNetwork(const TRegistryNode& node);
 
-// Registers a network under its own kind. Throws TCommandFailure for a kind without a type tag.
+// Registers a network under the type tag of its kind. Throws TCommandFailure "unknown network type"
+// for a kind that has no tag.
 // REQUIRES: the alias is free.
 void InsertNetwork(TInterpreter& interpreter, std::string_view alias,
                    std::unique_ptr<TBasicNetwork> network);

@@ -103,7 +103,8 @@ TAnswer StructureOf(TInterpreter& interpreter, const TCommandLine& line) {
   Fail("no structure for this type of object");
 }
 
-// The row that the next step of the cursor leads to; the cursor stays when there is none.
+// Moves the cursor to the next row and describes that row. Where there is none, throws and leaves
+// the cursor where it was.
 std::string StepToNextRow(Data& set) {
   std::vector<double> inputs(static_cast<std::size_t>(set.Inputs()));
   std::vector<double> outputs(static_cast<std::size_t>(set.Outputs()));
@@ -132,7 +133,7 @@ TAnswer GetNextRow(TInterpreter& interpreter, const TCommandLine& line) {
   return StepToNextRow(*set);
 }
 
-// Gives one figure of every column of a side.
+// A getter of one figure for every column of a side.
 using TFigures = std::vector<double> (TDataStats::*)();
 
 struct TStatistic {

@@ -17,7 +17,7 @@ using enum TValueKind;
 class TUnitRows {
  public:
   // The coordinates are the outputs of the set when there is one for each dimension, else the
-  // inputs. Fails when neither fit.
+  // inputs. Fails when neither side fits.
   TUnitRows(std::string_view alias, const Data& set, std::string_view map_alias,
             const TMapGrid& grid)
       : alias_(alias), map_alias_(map_alias), set_(set), grid_(grid), side_(CoordinateSide()) {}

@@ -12,7 +12,7 @@ using enum TValueKind;
 
 constexpr char kBadArray[] = "bad array format";
 
-// The values of a side of the new row, one a column; none when the side is left out.
+// The values of a side of the new row, one a column. Empty when the side is left out.
 std::vector<double> SideValues(const TCommandLine& line, std::string_view tag, int columns) {
   if (!line.Contains(tag)) return {};
   std::vector<double> values = Required(line.Doubles(tag), kBadArray);
@@ -20,7 +20,7 @@ std::vector<double> SideValues(const TCommandLine& line, std::string_view tag, i
   return values;
 }
 
-// One weight a label; 1 where none are given.
+// One weight a label. Without the tag every label weighs 1.
 std::vector<double> LabelWeights(const TCommandLine& line, std::size_t labels) {
   if (!line.Contains("labelweights")) return std::vector<double>(labels, 1.0);
   std::vector<double> weights = Required(line.Doubles("labelweights"), kBadArray);
@@ -28,7 +28,8 @@ std::vector<double> LabelWeights(const TCommandLine& line, std::size_t labels) {
   return weights;
 }
 
-// The labels of the new row. Their names must be such that a data file can hold them.
+// The labels of the new row. Each name must be one word of the file syntax, so that it can be
+// saved.
 LabelList RowLabels(const TCommandLine& line) {
   std::vector<std::string_view> names;
   if (line.Contains("labels")) names = Required(line.Words("labels"), kBadArray);

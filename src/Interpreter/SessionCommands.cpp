@@ -31,6 +31,7 @@ TAnswer Help(TInterpreter& /*interpreter*/, const TCommandLine& line) {
 }
 
 TAnswer StartLog(TInterpreter& interpreter, const TCommandLine& line) {
+  // The spelling of the message is frozen: programs compare answers.
   interpreter.StartTranscript(RequiredPath(line, "filename not spcified or bad format"));
   return kDone;
 }

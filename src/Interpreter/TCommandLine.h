@@ -29,10 +29,11 @@ struct TReading {
 // blank.
 //
 // A tag is found by its first occurrence as a word of the line, with regard to case, even where
-// that stands as the value of another tag. That is why such words are refused as aliases.
+// that occurrence is the value of another tag. Words that are tags are therefore refused as
+// aliases.
 //
-// Readers convert without complaint: what is no number is 0. Views that they return live as long as
-// the text of the line.
+// Readers convert without complaint: a word that is not a number reads as 0. The views that readers
+// return live as long as the text of the line.
 class TCommandLine {
  public:
   explicit TCommandLine(std::string_view text) : text_(text) {}
@@ -82,7 +83,7 @@ class TCommandLine {
   // The rest of the line behind the tag.
   std::optional<std::string_view> Behind(std::string_view tag) const;
 
-  // What stands in the first braces behind the tag.
+  // The text in the first braces behind the tag.
   std::optional<std::string_view> List(std::string_view tag) const;
 
   void CheckListed(std::string_view tag) const;

@@ -26,7 +26,7 @@ constexpr int kFailed = -1;
 constexpr int kSucceeded = 0;
 constexpr int kAnswered = 1;
 
-// Keeps the path of a script among those of all that are being run, for as long as it runs.
+// Keeps the path of a script in the list of running scripts for as long as the script runs.
 class TRunningScript {
  public:
   TRunningScript(std::vector<std::string>& running, const std::string& path) : running_(running) {
@@ -42,7 +42,7 @@ class TRunningScript {
   std::vector<std::string>& running_;
 };
 
-// Whether two paths lead to the same file, which must be there.
+// Whether two paths lead to the same existing file.
 bool AreSameFile(const std::string& a, const std::string& b) {
   std::error_code not_there;
   return std::filesystem::equivalent(a, b, not_there);
@@ -90,7 +90,7 @@ void TInterpreter::StartTranscript(const std::string& path) {
 }
 
 TAnswer TInterpreter::RunScript(const std::string& path) {
-  // Each of its commands would make it longer: it would never end.
+  // Every command of a script that is the open transcript would make the script longer.
   if (transcript_.Is(path)) Fail("file ", path, " is the open transcript");
   const TRunningScript running(running_scripts_, path);
   const TDescriptor script = TDescriptor::Open(path, O_RDONLY);

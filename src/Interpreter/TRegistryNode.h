@@ -45,7 +45,6 @@ class TRegistryNode {
       : TRegistryNode(alias, std::shared_ptr<T>(std::move(object))) {}
 
   const std::string& Alias() const { return alias_; }
-  const TObject& Object() const { return object_; }
 
   // The type tag, 1..13.
   int Type() const { return static_cast<int>(object_.index()) + 1; }

@@ -115,6 +115,7 @@ double DefaultFactor(int epochs) {
 TAnswer TrainMap(const TCommandLine& line, const TLesson& lesson) {
   const std::int64_t asked_epochs = Required(line.Long("epochs"), "tag epochs not found");
   const double rate = Required(line.Double("LearningRate"), "tag LearningRate not found");
+  // The tag has a small letter, and its message, which is frozen, a capital one.
   std::vector<double> radii =
       Required(line.Doubles("neighbourhood"), "tag Neighbourhood not found");
 

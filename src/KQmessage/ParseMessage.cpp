@@ -12,6 +12,7 @@ namespace kiln {
 
 namespace {
 
+// The name by which the assertions about messages are known, whichever source they stand in.
 constexpr char kModule[] = "KQmessage/KQML";
 
 bool IsPrintable(char c) {

@@ -16,6 +16,7 @@ namespace kiln {
 
 namespace {
 
+// The name by which the assertions about messages are known, whichever source they stand in.
 constexpr char kModule[] = "KQmessage/KQML";
 
 std::string Join(std::string_view left, std::string_view right) {

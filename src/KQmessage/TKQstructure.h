@@ -50,9 +50,8 @@ class TKQstructure {
   // (error :type `type`)
   static TKQstructure MakeError(std::string type);
 
-  // The value of `keyword`. What happens when there is none differs: Deref returns null, and
-  // DerefAssert treats it as a fault of the program (TAssertion), DerefThrow as one of the message
-  // (TException).
+  // The value of `keyword`. Without one, Deref returns null, DerefAssert throws TAssertion, for
+  // callers that have checked the message, and DerefThrow throws TException.
   const TKQstructure* Deref(std::string_view keyword) const;
   const TKQstructure& DerefAssert(std::string_view keyword) const;
   const TKQstructure& DerefThrow(std::string_view keyword) const;
@@ -70,8 +69,8 @@ class TKQstructure {
   // Writes the message in its bracketed form.
   void Print(std::ostream& out) const;
 
-  // Reads one message in its bracketed form. A text that is none is a fault of the program that
-  // made it: TAssertion.
+  // Reads one message in its bracketed form. Throws TAssertion for any other text, since only
+  // programs write messages.
   static TKQstructure Parse(std::string_view text);
 
  private:

@@ -10,7 +10,7 @@ namespace kiln {
 // are accepted, whatever follows the number is passed over, so that "12abc" is 12. Nothing when
 // `text` does not start with a number.
 
-// A decimal integer; beyond 64 bits the nearest that has a place.
+// A decimal integer. Beyond 64 bits it becomes the nearest 64-bit one.
 std::optional<std::int64_t> ScanInteger(std::string_view text);
 
 // A decimal or, behind "0x", a hexadecimal number, "inf", "infinity" or "nan" in any case; infinite

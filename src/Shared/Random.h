@@ -9,7 +9,7 @@
 // state = state * 22695477 + 1 (modulo 2^32), whose values are the bits 16 to 30 of the state.
 // A run with the same seed and the same commands gives the same objects.
 //
-// Values are made ahead in blocks, in which they need not wait for each other.
+// Values are generated ahead of use, in blocks, so that several are computed at a time.
 namespace kiln::Random {
 
 inline constexpr int kMax = 32767;  // the largest value
@@ -35,14 +35,14 @@ void Seed(std::uint32_t seed);
 void SeedFromClock();
 
 // For loops over many draws: some of the next values, at least one, without drawing them. Valid
-// until the next draw; how many have been made use of is for Skip to say.
+// until the next draw. Skip then draws those that the caller has used.
 inline std::span<const std::uint16_t> Ahead() {
   internal::Generator& generator = internal::generator;
   if (generator.used == generator.block.size()) generator.Refill();
   return std::span(generator.block).subspan(generator.used);
 }
 
-// Draws so many values. REQUIRES: no more than there are Ahead().
+// Draws `count` values. REQUIRES: no more than there are Ahead().
 inline void Skip(std::size_t count) {
   internal::generator.used += count;
 }

@@ -4,15 +4,14 @@
 #include <functional>
 #include <iterator>
 #include <ranges>
-#include <string>
 #include <string_view>
 
 namespace kiln {
 
-// `text` with the letters A..Z in lower case; bytes beyond ASCII stay as they are.
-std::string FoldCase(std::string_view text);
+// Texts are compared by bytes. "In any case" means that the letters A..Z count as a..z; bytes
+// beyond ASCII stand for themselves.
 
-// Whether two texts are the same but for the case of their letters.
+// Whether two texts are the same in any case.
 bool EqualNoCase(std::string_view left, std::string_view right);
 
 // Whether `left` stands before `right` once both are in lower case. Compares bytes without sign.
