@@ -12,6 +12,12 @@ char FoldChar(char c) {
 
 }  // namespace
 
+std::string FoldCase(std::string_view text) {
+  std::string folded(text);
+  std::transform(folded.begin(), folded.end(), folded.begin(), FoldChar);
+  return folded;
+}
+
 bool EqualNoCase(std::string_view left, std::string_view right) {
   return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                     [](char a, char b) { return FoldChar(a) == FoldChar(b); });

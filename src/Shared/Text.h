@@ -4,12 +4,16 @@
 #include <functional>
 #include <iterator>
 #include <ranges>
+#include <string>
 #include <string_view>
 
 namespace kiln {
 
 // Texts are compared by bytes. "In any case" means that the letters A..Z count as a..z; bytes
 // beyond ASCII stand for themselves.
+
+// `text` with the letters A..Z in lower case.
+std::string FoldCase(std::string_view text);
 
 // Whether two texts are the same in any case.
 bool EqualNoCase(std::string_view left, std::string_view right);
