@@ -143,15 +143,5 @@ TEST(KernelsTest, EveryLevelDoesWhatItsFormulasSay) {
   }
 }
 
-TEST(KernelsTest, AForcedLevelIsTheOneInUse) {
-  const TKernels* chosen = &Kernels();
-  EXPECT_TRUE(ForceKernels(TKernelLevel::kBaseline));
-  EXPECT_EQ(KernelsOf(TKernelLevel::kBaseline), &Kernels());
-  for (const TKernelLevel level : {TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
-    EXPECT_EQ(KernelsOf(level) != nullptr, ForceKernels(level));
-  }
-  EXPECT_EQ(chosen, &Kernels());
-}
-
 }  // namespace
 }  // namespace kiln
