@@ -12,7 +12,7 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "NeuralNets/ActFunctions";
+constexpr char kModule[] = "NeuralNets/ActFunctions";  // users quote the lines given with it
 
 void BiasRow(std::span<const double>, std::span<double> outputs) {
   std::ranges::fill(outputs, 1.0);
@@ -62,7 +62,7 @@ void ActLinear(TBasicNeuron& neuron, double x) {
 }
 
 void ActSaturatedLinear(TBasicNeuron& neuron, double x) {
-  // A NaN fails both comparisons that let something else than 0 through.
+  // A NaN fails both comparisons, and gives 0.
   neuron.Output() = x > 1.0 ? 1.0 : x > 0.0 ? x : 0.0;
 }
 

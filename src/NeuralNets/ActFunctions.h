@@ -46,7 +46,7 @@ class TFnRegistry {
   // Throws TAssertion when the name is taken.
   void Register(TActFunction function, std::string_view name, TActRowFunction row_form = nullptr);
 
-  // Whether a function is called `name`. Whoever holds a name from a user asks this first.
+  // Whether a function is called `name`. Callers with a name from a user ask this first.
   bool Contains(std::string_view name) const;
 
   // The function called `name`, the name of `function`: of the entries that match, the last.

@@ -8,8 +8,8 @@
 namespace kiln {
 
 // Throws TException ("Bad Parameter", in the name of `function`) when a whole, such as "a layer",
-// would have more parts, such as "neurons", than `limit`. Asked before memory is taken for them.
-// The count itself is not told: on its way here it may have been cut to 32 bits.
+// would have more parts, such as "neurons", than `limit`. Called before memory is taken for the
+// parts. The message leaves the count out, since callers may have cut it to 32 bits.
 inline void CheckAtMost(std::uint64_t limit, std::uint64_t count, const char* whole,
                         const char* parts, const char* function) {
   if (count <= limit) return;

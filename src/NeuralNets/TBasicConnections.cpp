@@ -169,7 +169,7 @@ std::optional<std::size_t> TBasicConnections::Place(std::size_t to, std::size_t 
   const auto behind = std::ranges::upper_bound(patches_, to, {}, &TPatchShape::to);
   if (behind == patches_.begin()) return std::nullopt;
   const TPatchShape& patch = *(behind - 1);
-  // An unsigned difference: a neuron in front of the patch is beyond its end as well.
+  // The differences are unsigned, so that a neuron in front of the patch comes out beyond its end.
   const std::size_t row = to - patch.to;
   const std::size_t column = from - patch.from;
   if (row >= patch.rows || column >= patch.columns) return std::nullopt;

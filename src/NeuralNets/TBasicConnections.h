@@ -26,13 +26,13 @@ class TBasicConnections {
   virtual ~TBasicConnections() = default;
   TBasicConnections& operator=(const TBasicConnections&) = delete;
 
-  // False only for an empty block.
+  // Whether the block can hold weights: false only for an empty block.
   virtual bool IsConnected() const { return true; }
 
   virtual std::string_view KindName() const = 0;
 
-  // Whether connections can be pruned and frozen. In a kind without flags every connection exists
-  // and is trainable for good; taking a flag away is a TAssertion.
+  // Whether connections can be pruned and frozen. In a kind of block without flags every connection
+  // exists and is trainable for good; taking a flag away is a TAssertion there.
   virtual bool HasFlags() const { return true; }
 
   // Whether weight penalties act on the block. They pull weights to 0, which only makes sense where
@@ -45,18 +45,17 @@ class TBasicConnections {
   // An equal block, attached as this one is.
   virtual std::unique_ptr<TBasicConnections> Clone() const = 0;
 
-  // How many weights Attach will take between such layers. Counts before memory is taken.
+  // How many weights the block would have between such layers, counted without taking memory.
   std::size_t SizeBetween(const TBasicLayer& to, const TBasicLayer& from) const;
 
   // Takes the shape that the layers ask for: every connection exists, is trainable and weighs 0.
   void Attach(const TBasicLayer& to, const TBasicLayer& from);
-  bool IsAttached() const { return attached_; }
 
   // Neurons of the to-layer and of the from-layer; none in an empty block.
   std::size_t Rows() const { return rows_; }
   std::size_t Columns() const { return columns_; }
 
-  // Whether the block has a place for a connection, be there one or not.
+  // Whether the block has a place for a connection, whether that exists or not.
   bool HasPlace(std::size_t to, std::size_t from) const { return Place(to, from).has_value(); }
 
   // One connection. A place that the block does not have holds a connection that does not exist:
@@ -77,7 +76,7 @@ class TBasicConnections {
   // Whether every place of the block holds a connection that exists and is trainable.
   bool IsAllTrainable() const { return exceptions_ == 0; }
 
-  // Every weight of the block, patch after patch, row by row. Whoever writes here leaves absent
+  // Every weight of the block, patch after patch, row by row. A writer leaves the weights of absent
   // connections at 0.
   std::span<const double> Weights() const { return weights_; }
   std::span<double> Weights() { return weights_; }
@@ -121,26 +120,29 @@ class TBasicConnections {
   TBasicConnections() = default;
   TBasicConnections(const TBasicConnections&) = default;
 
-  // The patches of a block between two layers, rows in ascending order, each row in one of them.
+  // The patches of a block between two layers: in ascending order of their rows, each row in
+  // exactly one patch.
   virtual std::vector<TPatchShape> Layout(const TBasicLayer& to, const TBasicLayer& from) const = 0;
 
-  // Those of this block, and the weights of one.
+  // The patches of this block, and one of them with its weights and flags.
   std::span<const TPatchShape> Patches() const { return patches_; }
   TWeightPatch PatchOf(const TPatchShape& shape);
 
-  // The name of the kind's source, for assertions. Hot paths ask for it only when one has failed.
+  // The source that assertions of the operations here give: users quote that of the kind of block.
+  // Hot paths ask for it only when a check has failed.
   virtual const char* Module() const = 0;
 
   void CheckAttached() const {
     if (!attached_) Assert(false, "attached", Module());
   }
 
-  // For each row, or column, of a block that is about to change, the one that it was before;
-  // kNew for one that was not there.
+  // Where the rows, or the columns, of a changed block come from: for each of them the position
+  // that it had before, or kNew for an inserted one.
   using TOrigins = std::vector<std::size_t>;
   static constexpr std::size_t kNew = static_cast<std::size_t>(-1);
 
-  // Gives a full block other rows and columns; what is new exists, is trainable and weighs 0.
+  // Gives a block of one full patch other rows and columns; new connections exist, are trainable
+  // and weigh 0.
   void Rearrange(const TOrigins& rows, const TOrigins& columns);
 
  private:

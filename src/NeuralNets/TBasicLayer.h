@@ -13,8 +13,8 @@ namespace kiln {
 class TBasicNetwork;
 
 // A layer of neurons with one row of net inputs and one row of outputs, both contiguous. The
-// outputs keep the values of the last recall. What the kinds of layers differ in is how they
-// compute their outputs and which neurons they hold.
+// outputs keep the values of the last recall. Kinds of layers differ in how they compute their
+// outputs and in which neurons they hold.
 //
 // A layer belongs to a network, which owns it, once SetLayer of the network has taken it.
 class TBasicLayer {
@@ -62,13 +62,13 @@ class TBasicLayer {
   // The row form of the function that was set for all neurons; null when there is none.
   TActRowFunction RowForm() const { return row_form_; }
 
-  // Inserts a neuron in front of the one at `node`, or takes that one out. The blocks of the
-  // network are its own business. Throw TAssertion for a position that the layer does not have.
+  // Inserts a neuron in front of the one at `node`, or takes the one at `node` out. The network
+  // sees to its blocks itself. Throw TAssertion for a position that the layer does not have.
   void AddNeuron(std::size_t node);
   void RemoveNeuron(std::size_t node);
 
  protected:
-  // `neurons` copies of `prototype`, as are the neurons that are added later.
+  // Makes `neurons` copies of `prototype`; neurons that are added later are copies of it too.
   // Throws TException when there are more than kMaxNeurons.
   TBasicLayer(std::size_t neurons, const TBasicNeuron& prototype);
   TBasicLayer(const TBasicLayer& other);

@@ -225,10 +225,6 @@ void TBasicNetwork::Randomize(double lower, double upper) {
   Iterate(randomize);
 }
 
-void TBasicNetwork::ClearWeights() {
-  for (auto& block : blocks_) std::ranges::fill(block->Weights(), 0.0);
-}
-
 void TBasicNetwork::PruneNode(std::size_t layer, std::size_t node) {
   TIterateObjPruneNode into(TIterateObjPruneNode::TSide::kInto, node);
   TIterateObjPruneNode out_of(TIterateObjPruneNode::TSide::kOutOf, node);

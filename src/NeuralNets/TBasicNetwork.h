@@ -87,11 +87,12 @@ class TBasicNetwork {
   // would have more than kMaxWeights weights.
   void SetConnections(std::size_t to, std::size_t from, std::unique_ptr<TBasicConnections> block);
 
-  // The layers that are connected to layer `to`, in ascending order. REQUIRES: there is that layer,
-  // here and below.
+  // The layers that are connected to layer `to`, in ascending order. REQUIRES: there is such a
+  // layer.
   std::span<const std::size_t> Sources(std::size_t to) const { return sources_[to]; }
 
-  // Whether layer `to` is connected to one before it: these are the connections that are trained.
+  // Whether an earlier layer is connected to layer `to`. Connections from earlier layers are the
+  // ones that training gives gradients. REQUIRES: there is such a layer.
   bool HasLowerSources(std::size_t to) const {
     return !sources_[to].empty() && sources_[to].front() < to;
   }
@@ -109,9 +110,6 @@ class TBasicNetwork {
 
   // Draws every weight from [lower, upper].
   void Randomize(double lower, double upper);
-
-  // Sets every weight to 0.
-  void ClearWeights();
 
   // Removes every connection into and out of a neuron, which stays where it is. Throws TAssertion
   // when there is no such layer, or for connections that cannot be removed.
@@ -162,7 +160,7 @@ class TBasicNetwork {
   std::size_t input_layer_ = 0;
   std::size_t output_layer_ = 0;
   std::vector<std::unique_ptr<TBasicLayer>> layers_;
-  std::vector<std::unique_ptr<TBasicConnections>> blocks_;  // that of a pair at Cell(to, from)
+  std::vector<std::unique_ptr<TBasicConnections>> blocks_;  // of each pair, at Cell(to, from)
   std::vector<std::vector<std::size_t>> sources_;           // connected from-layers of each layer
 };
 

@@ -14,7 +14,7 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "NeuralNets/TBasicNetwork";
+constexpr char kModule[] = "NeuralNets/TBasicNetworkRecall";
 
 void CheckColumns(int columns, std::size_t needed, const char* side, const char* function) {
   if (static_cast<std::size_t>(columns) == needed) return;
@@ -51,7 +51,7 @@ std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
 }
 
 std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
-  // The name that callers have come to look for, whatever the kind of the network.
+  // Users quote this name for every kind of network.
   constexpr char kFunction[] = "TTarn::RecallOutputOnly";
   if (in == nullptr) {
     throw TException("Null data pointer", "Null Pointer Parameter", kFunction);

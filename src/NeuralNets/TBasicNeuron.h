@@ -23,7 +23,7 @@ class TBasicNeuron {
   TBasicNeuron& operator=(const TBasicNeuron&) = delete;
   virtual ~TBasicNeuron() = default;
 
-  // The same for whatever kind the neuron is of.
+  // A copy of the neuron's own kind that belongs to no layer yet.
   virtual std::unique_ptr<TBasicNeuron> Clone() const;
 
   // Puts the neuron at `index` of `layer`, which outlives it.
@@ -37,7 +37,7 @@ class TBasicNeuron {
   // Sets the function of this neuron alone; the layer's other neurons keep theirs.
   void SetActivation(TActFunction function);
 
-  // Its place in the layer's row of outputs. REQUIRES: attached.
+  // The neuron's place in its layer's row of outputs. REQUIRES: attached.
   double& Output() const;
 
   // Applies the function to the net input x. REQUIRES: attached.

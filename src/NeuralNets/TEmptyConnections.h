@@ -18,7 +18,7 @@ class TEmptyConnections : public TBasicConnections {
 
  private:
   std::vector<TPatchShape> Layout(const TBasicLayer& to, const TBasicLayer& from) const override;
-  const char* Module() const override { return "NeuralNets/TBasicConnections"; }
+  const char* Module() const override { return "NeuralNets/TEmptyConnections"; }
 };
 
 }  // namespace kiln

@@ -23,7 +23,7 @@ double QuadraticPenalty(std::span<const double> weights, const TKQstructure& con
   return sum;
 }
 
-// Its size is set by the rates alone; no scale applies.
+// No scale applies: the size of this penalty is set by its two rates.
 double ForgettingPenalty(std::span<const double> weights, const TKQstructure& constants) {
   double sum = 0.0;
   for (const double weight : weights) sum += std::abs(weight);
@@ -59,7 +59,7 @@ double TErrorObj::Penalty(std::span<const double> weights, const TKQstructure* d
     return QuadraticPenalty(weights, *description, scale);
   }
   if (EqualNoCase(description->Name(), "LWF")) return ForgettingPenalty(weights, *description);
-  AssertFalse("NeuralNets/TErrorObj", 94);
+  AssertFalse("NeuralNets/TErrorObj", 94);  // users quote this line
 }
 
 double TErrorRMSObj::Value() const {

@@ -59,8 +59,9 @@ class TErrorRMSObj : public TErrorObj {
                       std::span<const double> actual) const override;
 };
 
-// The sum of -t ln(y) - (1 - t) ln(1 - y), averaged over nothing. An output of exactly 1 counts
-// 1000000 unless 1 was desired; one of exactly 0 is not guarded.
+// The sum of -t ln(y) - (1 - t) ln(1 - y), over all outputs of all patterns, not averaged. An
+// output of exactly 1 counts 1000000 unless 1 was desired; an output of exactly 0 counts what the
+// logarithm gives.
 class TErrorCrossEntropyObj : public TErrorObj {
  public:
   using TErrorObj::TErrorObj;

@@ -7,6 +7,7 @@
 namespace kiln {
 
 void CheckSelector(TMask val) {
+  // Users quote this source for a bad selector.
   Assert(val == FMaskAll || val == FMaskExists, "(val==FMaskAll) || (val==FMaskExists)",
          "NeuralNets/TPrunedConnections");
 }

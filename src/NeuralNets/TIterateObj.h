@@ -23,7 +23,7 @@ class TIterateObj {
   virtual void Connection(TConnection& connection) = 0;
 };
 
-// An operation that only reads, and so may walk what is constant.
+// An operation that only reads, so that it can walk constant networks.
 class TIterateObjRead : public TIterateObj {
  public:
   virtual void Read(const TConnection& connection) = 0;

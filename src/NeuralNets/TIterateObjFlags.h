@@ -15,8 +15,7 @@ class TIterateObjAllUntrainable : public TIterateObj {
   void Connection(TConnection& connection) override;
 };
 
-// Removes the connections of one neuron: those into it, or those out of it, of the blocks that it
-// walks.
+// Removes, from the blocks that the operation walks, the connections into one neuron or out of it.
 class TIterateObjPruneNode : public TIterateObj {
  public:
   enum class TSide { kInto, kOutOf };

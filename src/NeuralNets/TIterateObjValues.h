@@ -44,7 +44,7 @@ class TIterateObjSet : public TIterateObj {
   }
 
  private:
-  std::span<const TValue> values_;  // those still to be given
+  std::span<const TValue> values_;  // that no connection has been given yet
   TMask val_;
 };
 

@@ -20,7 +20,8 @@ class TIterateObjGetNumWeights : public TIterateObjRead {
   std::size_t count_ = 0;
 };
 
-// Of an absent connection the value 0 is got, and the one to be set is taken and dropped.
+// Under FMaskAll an absent connection gives 0 when weights are got, and uses up a value that it
+// does not keep when they are set.
 using TIterateObjGetWeights = TIterateObjGet<double, &TConnection::weight>;
 using TIterateObjSetWeights = TIterateObjSet<double, &TConnection::weight>;
 

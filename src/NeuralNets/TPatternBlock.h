@@ -11,13 +11,14 @@ namespace kiln {
 class Data;
 
 // The recall of several patterns at a time, in which a block of weights meets all of them at once.
-// The values of a layer are a matrix here: a row for each neuron, with the values of the patterns
-// side by side, kPatterns places for as many patterns as there are.
+// The values of a layer are a matrix here: a row of kPatterns places for each neuron, in which its
+// values for the patterns stand side by side.
 class TPatternBlock {
  public:
   static constexpr std::size_t kPatterns = 32;
 
-  // Beyond so many neurons, 32 MiB of outputs, patterns are better taken one by one.
+  // Networks of more neurons, whose outputs would take more than 32 MiB, are recalled faster
+  // pattern by pattern.
   static constexpr int kMaxNeurons = 1 << 17;
 
   // Whether a network can be recalled in this way: it is plain, has at most kMaxNeurons, and no
@@ -32,11 +33,12 @@ class TPatternBlock {
   // REQUIRES: first < last <= data.DataRows(); the set's inputs fit the network.
   void Recall(const Data& data, int first, int last);
 
-  // How many patterns the last call recalled, and their places rounded up to whole registers.
+  // How many patterns the last call recalled, and that number rounded up to whole registers.
   std::size_t Count() const { return count_; }
   std::size_t Width() const;
 
-  // neurons x kPatterns. Beyond Width() the places hold nothing, from Count() on nothing of use.
+  // neurons x kPatterns. In each row the first Count() places hold the outputs for the patterns;
+  // the others are of no use.
   std::span<double> Outputs(std::size_t layer) { return outputs_[layer]; }
 
   // Copies the values of one pattern. REQUIRES: a place for each neuron of the layer.

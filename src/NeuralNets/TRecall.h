@@ -12,8 +12,8 @@ namespace kiln {
 
 class TErrorObj;
 
-// A network's recall of data sets, by RecallPattern or, where the network allows it, in blocks. All
-// the memory that this takes is taken once, so any number of sets can be recalled with one object.
+// A network's recall of data sets, by RecallPattern or, where the network allows it, in blocks. The
+// constructor takes all memory that recalls need, so that any number of sets costs no more.
 class TRecall {
  public:
   // REQUIRES: the network outlives this object, and only its weights and outputs change meanwhile.
@@ -56,7 +56,7 @@ class TRecall {
   }
 
   TBasicNetwork& network_;
-  std::vector<double> output_;  // of the pattern at hand
+  std::vector<double> output_;  // for the pattern at hand
   std::optional<TPatternBlock> block_;
 };
 

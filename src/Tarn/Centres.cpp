@@ -25,9 +25,9 @@ bool IsFrozen(const TMask* masks, std::size_t k) {
   return masks != nullptr && (masks[k] & FMaskTrainable) == 0;
 }
 
-// Puts the trainable centres first..last-1 in order; their neighbours, where there are any, are
-// frozen. A neighbour that is no number drops out of the comparisons, and a centre that is none
-// becomes the least value that it may have.
+// Puts the trainable centres first..last-1 in order; the centres beside them, where there are any,
+// are frozen. A frozen NaN drops out of the comparisons, and a trainable NaN becomes the least
+// value that its centre may have.
 void OrderBetween(std::span<double> centres, std::size_t first, std::size_t last) {
   const double* left = first > 0 ? &centres[first - 1] : nullptr;
   const double* right = last < centres.size() ? &centres[last] : nullptr;

@@ -31,7 +31,7 @@ inline constexpr double kCentreStep = 1e-2;
 // the way to its neighbour of before, and an outer one as far outwards as inwards. The slopes of a
 // membership are one over such a distance, so that steps down the gradient grow as centres near
 // each other, and would throw them together for good at rates that suit the weights of rules.
-// REQUIRES: as many centres before, at least two.
+// REQUIRES: as many centres in `before` as in `centres`, at least two.
 void LimitCentreSteps(std::span<const double> before, std::span<double> centres);
 
 // Puts centres back in ascending order within [0, 1] after a step has moved them. From the first to
@@ -40,7 +40,7 @@ void LimitCentreSteps(std::span<const double> before, std::span<double> centres)
 // smaller where so much does not fit.
 //
 // `masks` has the flags of each centre, or is null when all are trainable. Frozen centres stay, and
-// those in between keep to their side of them even where that is outside [0, 1].
+// the others keep to their side of a frozen one even where that is outside [0, 1].
 // REQUIRES: at least two centres.
 void PutCentresInOrder(std::span<double> centres, const TMask* masks);
 

@@ -13,8 +13,8 @@ class TCentreConnections : public TBasicConnections {
   bool IsPenalised() const override { return false; }
   bool IsResizable() const override { return false; }
 
-  // Apply to the centres of each variable what PlaceCentresEvenly, heedless of flags,
-  // LimitCentreSteps and PutCentresInOrder say. REQUIRES: `before` has all weights of the block.
+  // Apply PlaceCentresEvenly, LimitCentreSteps and PutCentresInOrder to the centres of each
+  // variable; the first moves frozen centres too. REQUIRES: `before` has all weights of the block.
   void PlaceEvenly();
   void LimitSteps(std::span<const double> before);
   void PutInOrder();

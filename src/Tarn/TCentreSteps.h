@@ -6,14 +6,14 @@ namespace kiln {
 
 class TTarn;
 
-// What becomes of the centres of a Tarn in an update of its weights: the steps of input centres are
-// shortened (see LimitCentreSteps), then all centres put back in order (see PutCentresInOrder).
+// Sees to the centres of a Tarn when its weights are updated: shortens the steps of the centres of
+// inputs (see LimitCentreSteps), then puts all centres back in order (see PutCentresInOrder).
 class TCentreSteps {
  public:
   // REQUIRES: the network is complete and outlives the object.
   explicit TCentreSteps(TTarn& tarn);
 
-  // Called before and after each update.
+  // To be called before and after each update.
   void Begin();
   void End();
 

@@ -28,7 +28,7 @@ class TConditionLayer : public TFuzzyLayer {
   double Membership(std::size_t neuron, double x) const;
 
   // Adds to `gradients` the derivative of an error by each centre, at the net inputs of the last
-  // recall, given its derivative by each output. REQUIRES: a value a neuron in both.
+  // recall, given its derivative by each output. REQUIRES: both have a value for each neuron.
   void AddGradients(std::span<const double> errors, std::span<double> gradients) const;
 
  private:

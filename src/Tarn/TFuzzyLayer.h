@@ -15,7 +15,7 @@ class TFuzzyLayer : public TBasicLayer {
  public:
   const TMFGroups& Groups() const { return groups_; }
 
-  // Gives a layer that was made without groups its own. Throws TException when the counts don't fit
+  // Gives groups to a layer that was made without any. Throws TException when the counts don't fit
   // the neurons. REQUIRES: no count is negative; the layer is not connected.
   virtual void SetMFCounts(std::span<const int> counts) = 0;
 
@@ -23,7 +23,7 @@ class TFuzzyLayer : public TBasicLayer {
   TFuzzyLayer(std::size_t neurons, const TBasicNeuron& prototype, TMFGroups groups)
       : TBasicLayer(neurons, prototype), groups_(std::move(groups)) {}
 
-  // SetMFCounts, once a layer has checked them.
+  // Sets the groups after SetMFCounts has checked the counts.
   void SetGroups(TMFGroups groups) { groups_ = std::move(groups); }
 
   // The layer at the other end of the one block that leads here, which must be of the given kind:

@@ -68,7 +68,8 @@ std::size_t CheckedWeightLayer(int weight_layer, const char* function) {
   return static_cast<std::size_t>(weight_layer);
 }
 
-// A neuron of a connection that must exist. A negative one becomes a place that no block has.
+// The neuron of a connection that is looked up: a negative number becomes a position that no block
+// has.
 std::size_t ToIndex(int node) {
   return static_cast<std::size_t>(node);
 }

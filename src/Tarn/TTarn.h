@@ -57,7 +57,7 @@ class TTarn : public TConnectedNetwork {
   // of layer k+1. Each throws TException "Invalid weight layer" ("Bad Parameter") for another k,
   // and, unless said otherwise, "Invalid weight number" for a connection that does not exist.
 
-  // A pruned connection weighs 0 and can be asked for, but not set.
+  // The weight of a pruned connection can be read, as 0, but not set.
   double GetWeightValue(int weight_layer, int from, int to) const;
   void SetWeightValue(int weight_layer, int from, int to, double value);
 
@@ -81,8 +81,8 @@ class TTarn : public TConnectedNetwork {
   // Puts the centres of each variable back in order (see PutCentresInOrder).
   void PutCentresInOrder();
 
-  // Shortens what has moved the centres of inputs (see LimitCentreSteps) away from `before`, the
-  // weights of layer 1 at an earlier time.
+  // Shortens the steps that have led the centres of inputs to where they are (see LimitCentreSteps)
+  // from `before`, the weights of layer 1 at an earlier time.
   void LimitInputSteps(std::span<const double> before);
 
   // --- Recall --------------------------------------------------------------------------------

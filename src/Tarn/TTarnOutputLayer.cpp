@@ -16,8 +16,9 @@ namespace kiln {
 
 namespace {
 
-// The centre of gravity of `terms` actions. Centres of 1 may add up to a little more than the
-// actions alone: what rounding can put above 1, n products and 2 n sums, is 1.
+// The centre of gravity of n = `terms` actions. Where all centres are 1 it is the quotient of two
+// sums of the same actions, which rounding can make differ: n products and 2 n sums put it at most
+// n epsilon above 1. Such a value counts as 1.
 double CentreOfGravity(double numerator, double denominator, std::size_t terms) {
   if (numerator == 0.0 || denominator == 0.0) return 0.0;
   const double value = numerator / denominator;

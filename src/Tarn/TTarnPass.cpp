@@ -29,7 +29,7 @@ void TTarnPass::TrainLayer(std::size_t layer) {
 }
 
 // TrainBlock takes an output for the weighted sum of a / S, whose delta is e, and passes e w / S
-// back. Added here is what it cannot know: - e o / S.
+// back. Added here is what that leaves out: - e o / S.
 void TTarnPass::TrainOutputLayer() {
   const auto& layer = static_cast<const TTarnOutputLayer&>(tarn_.Layer(TTarn::kOutputLayer));
   const std::span<double> deltas = State().Errors(TTarn::kOutputLayer);

@@ -20,7 +20,7 @@ const TKernels& BestKernels() {
 
 }  // namespace
 
-// Constant at first, so that whatever runs before the choice has kernels too.
+// Set at compile time first, so that code which runs before the choice has kernels too.
 constinit const TKernels* kernels_internal::active = &kBaselineKernels;
 
 namespace {

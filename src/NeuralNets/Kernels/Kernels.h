@@ -27,9 +27,10 @@ struct TRates {
   double pull = 0.0;
 };
 
-// The weights of a small layer over one of the layers below it, whose neurons give the x. Those
-// from one neuron below stand side by side in a row of whole registers, zeros behind them; p are
-// their last changes. e are the errors of the layer below, or null where nothing is passed back.
+// The weights w of a small layer over one of the layers below it, with their last changes p. The
+// weights from one neuron below stand side by side in a row of whole registers, with zeros behind
+// the last. x are the outputs of the layer below; e are its error terms, or null where no error is
+// passed back.
 struct TSmallSums {
   std::size_t columns;  // neurons below
   double* w;            // columns x width
@@ -51,15 +52,15 @@ struct TSmallLayer {
   double* d;          // error terms, 0 behind the last neuron
 };
 
-// The loops in which recall and training spend their time, over plain buffers. Several
-// implementations of the table, for different instruction sets, are in the program; the best one
-// that the processor has is chosen at start.
+// The loops in which recall and training spend their time, over plain buffers. The program contains
+// a table of implementations for each of several instruction sets, and chooses the best that the
+// processor can run when it starts.
 //
 // w is a matrix of `rows` x `columns` weights, row-major. m holds the flags of the weights, or is
 // null when every connection exists and is trainable: an absent connection contributes nothing,
-// whatever values meet there, and one that is absent or frozen keeps its weight. Buffers do not
-// overlap. Sums are formed in any order, but for maps in that of the formulas, so that every level
-// gives the same result there.
+// even where its input is a NaN, and one that is absent or frozen keeps its weight. Buffers do not
+// overlap. Sums are formed in any order, except in the kernels for maps, which keep to the order of
+// the formulas, so that a map comes out the same with every table.
 struct TKernels {
   using TSize = std::size_t;
 
@@ -87,8 +88,8 @@ struct TKernels {
   void (*recall_linear)(const TSmallLayer& layer);
   void (*recall_sigmoid)(const TSmallLayer& layer);
 
-  // d = d f'; then, for each of the sums and row i of its weights: e[i] += sum over j of w[i][j]
-  // d[j] and the update by the gradient x[i] d.
+  // First d[j] = d[j] f'(y[j]); then for each of the sums, and for each row i of its weights:
+  // e[i] += sum over j of w[i][j] d[j], and the update of w[i][j] by the gradient x[i] d[j].
   void (*step_linear)(const TSmallLayer& layer, const TRates& rates);
   void (*step_sigmoid)(const TSmallLayer& layer, const TRates& rates);
 
@@ -107,7 +108,7 @@ struct TKernels {
   static constexpr TSize kTile = 8;
 
   // The unit whose prototype has the smallest squared distance from x, the first of equals, or -1
-  // when none is below *distance, which becomes that of the unit.
+  // when none is below *distance, which becomes the distance of the unit.
   std::ptrdiff_t (*nearest)(const double* t, TSize tiles, TSize columns, const double* x,
                             double* distance);
 

@@ -4,8 +4,8 @@
 
 namespace kiln {
 
-// What a cache takes in one go. Loops run faster over buffers that begin where a line does, since
-// no register is then loaded from two lines: such a buffer is a vector of these.
+// The unit in which memory enters caches. Loops run faster over buffers that begin where a line
+// does, since no register is then loaded from two lines; such a buffer is a vector of these.
 struct alignas(64) TCacheLine {
   static constexpr std::size_t kValues = 8;
 

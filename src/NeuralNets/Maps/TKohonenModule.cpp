@@ -13,6 +13,7 @@ namespace kiln {
 
 namespace {
 
+// Users quote this source for whatever a map refuses.
 constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
 
 // One pass over the set. Returns the error that the observer is told.

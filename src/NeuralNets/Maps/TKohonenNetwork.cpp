@@ -17,6 +17,7 @@ namespace kiln {
 
 namespace {
 
+// Users quote this source for whatever a map refuses.
 constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
 constexpr std::size_t kInputLayer = 1;
 constexpr std::size_t kMapLayer = 2;
@@ -41,7 +42,7 @@ TKohonenNetwork::TKohonenNetwork(std::vector<int> sizes)
 
 TKohonenNetwork::TKohonenNetwork(int inputs, std::vector<int> sizes)
     : TKohonenNetwork(std::move(sizes)) {
-  // Asked for here as well, since the layers of a map with too many weights may be large too.
+  // SetConnections checks the number of weights too, but only after the layers have taken memory.
   const std::size_t most = kMaxWeights / grid_.NumUnits();
   if (inputs < 1 || static_cast<std::size_t>(inputs) > most) {
     throw TException("a map of " + std::to_string(grid_.NumUnits()) + " units can have 1 to " +

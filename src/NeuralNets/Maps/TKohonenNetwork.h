@@ -40,15 +40,16 @@ class TKohonenNetwork : public TBasicNetwork {
   // another number of units.
   void SetDimensions(std::vector<int> sizes);
 
-  // Row after row, and the row of one unit. REQUIRES: the unit exists.
+  // The prototypes of all units, one row after the other, and that of one unit. REQUIRES: the unit
+  // exists.
   std::span<double> Prototypes();
   std::span<const double> Prototypes() const;
   std::span<const double> Prototype(std::size_t unit) const;
 
   // Copies the winner's prototype and returns its index. Throws TAssertion "bestsofar >= 0" when
-  // every squared distance is 1e30 or more, or NaN. Lays all prototypes out for the search: who has
-  // many patterns recalls a set of them.
-  // REQUIRES: a value for each input in both spans.
+  // every squared distance is 1e30 or more, or NaN. Each call lays all prototypes out for its
+  // search; for many patterns it is faster to recall a data set. REQUIRES: a value for each input
+  // in both spans.
   std::size_t FindWinner(std::span<const double> pattern, std::span<double> prototype) const;
   void RecallPattern(std::span<const double> input, std::span<double> output) override;
 

@@ -11,12 +11,15 @@ namespace kiln {
 
 namespace {
 
+// Users quote this source for whatever a map refuses.
+constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
+
 [[noreturn]] void FailSize(const std::string& message) {
   throw TException(message, "Bad Parameter", "TKohonenNetwork::TKohonenNetwork");
 }
 
 std::size_t CheckedUnits(std::span<const int> sizes) {
-  Assert(!sizes.empty(), "dims != 0", "NeuralNets/TKohonenNetwork");
+  Assert(!sizes.empty(), "dims != 0", kModule);
   std::size_t units = 1;
   for (const int size : sizes) {
     if (size < 1) FailSize("a map dimension of " + std::to_string(size) + " units is less than 1");

@@ -6,7 +6,8 @@ namespace kiln {
 
 namespace {
 
-// No radius needs to be larger than the grid, which keeps all sums of coordinates small.
+// The whole part of a radius, at most the size of the grid, so that sums with coordinates cannot
+// overflow; -1 for an empty box.
 int WholePart(double radius, int size) {
   if (!(radius > -1.0)) return -1;
   return radius < size ? static_cast<int>(radius) : size;

@@ -20,8 +20,8 @@ class TNeighbourhood {
   // REQUIRES: a radius for each dimension.
   void SetRadii(std::span<const double> radii);
 
-  // Calls visit(first, last) for the units first..last-1 of every row of the box, rows being those
-  // of the last dimension, in ascending order. REQUIRES: winner < NumUnits() of the grid.
+  // Calls visit(first, last) for the units first..last-1 of every row of the box, in ascending
+  // order; a row runs along the last dimension. REQUIRES: winner < NumUnits() of the grid.
   template <typename TVisit>
   void ForEachRow(std::size_t winner, const TVisit& visit) {
     if (!PlaceAround(winner)) return;

@@ -9,6 +9,9 @@ namespace kiln {
 
 namespace {
 
+// Users quote this source for whatever a map refuses.
+constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
+
 constexpr std::size_t kTile = TKernels::kTile;
 
 }  // namespace
@@ -41,7 +44,7 @@ TWinner TPrototypeTiles::Nearest(std::span<const double> pattern) const {
   TWinner winner;
   const std::ptrdiff_t bestsofar =
       Kernels().nearest(values_.data(), tiles_, inputs_, pattern.data(), &winner.distance);
-  Assert(bestsofar >= 0, "bestsofar >= 0", "NeuralNets/TKohonenNetwork");
+  Assert(bestsofar >= 0, "bestsofar >= 0", kModule);
   winner.unit = static_cast<std::size_t>(bestsofar);
   return winner;
 }

@@ -8,7 +8,7 @@ namespace kiln {
 
 // The unit of a map whose prototype is nearest to a pattern.
 struct TWinner {
-  // No unit wins from this squared distance on.
+  // A unit at this squared distance or beyond does not win.
   static constexpr double kFarthest = 1e30;
 
   std::size_t unit = 0;

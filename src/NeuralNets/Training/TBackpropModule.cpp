@@ -11,6 +11,7 @@ namespace kiln {
 
 namespace {
 
+// Users quote this source, and these lines, for whatever training refuses.
 constexpr char kModule[] = "NeuralNets/TTrainModule";
 
 }  // namespace

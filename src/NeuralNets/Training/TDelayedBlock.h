@@ -27,9 +27,9 @@ class TDelayedBlock {
  public:
   static constexpr std::size_t kPatterns = 32;
 
-  // Whether weights can be trained in this way on a set of so many patterns, and gain by it: there
-  // are many of both, all weights exist and are trainable, nothing pulls at them, and |m| <= 1, so
-  // that powers of it do not overflow.
+  // Whether weights can be trained in this way on a set of so many patterns, and gain by it: patch
+  // and set are large enough, all weights exist and are trainable, nothing pulls at them, and
+  // |m| <= 1, so that its powers do not overflow.
   static bool Fits(const TWeightPatch& patch, const TRates& rates, int patterns);
 
   // The weights and their last changes outlive the block. REQUIRES: they fit.

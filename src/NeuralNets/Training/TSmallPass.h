@@ -13,8 +13,9 @@
 namespace kiln {
 
 // Back-propagation pattern by pattern for small networks, whose weights the nearest cache holds.
-// Their time goes into waiting for one sum after the other, not into the number of sums; so they
-// are trained in a copy in which the neurons of a layer stand side by side, in whole registers.
+// Such a network spends its time waiting for sums that need each other, not on their number;
+// therefore it is trained in a copy in which the neurons of a layer stand side by side, in whole
+// registers.
 class TSmallPass : public TTrainPass {
  public:
   // Whether the network is plain, its layers linear or sigmoid, its weights at most kMaxWeights and
@@ -42,8 +43,8 @@ class TSmallPass : public TTrainPass {
     void (*recall)(const TSmallLayer& layer) = nullptr;
     void (*step)(const TSmallLayer& layer, const TRates& rates) = nullptr;
     std::span<double> errors;      // with the places behind the last neuron
-    std::vector<TSmallSums> sums;  // those of the layer
-    std::vector<TCopy> blocks;     // that of each sum
+    std::vector<TSmallSums> sums;  // to which layer.sums points
+    std::vector<TCopy> blocks;     // the block of each of the sums
   };
 
   void AddStage(TTrainState& state, const TTrainRun& run, std::size_t to);

@@ -29,7 +29,7 @@ void TIterateObj2Step::Patch(const TWeightPatch& patch, double* changes) {
                  changes, rates_);
 }
 
-// The penalties of an absent connection are those of the weight 0: none.
+// An absent connection weighs 0, for which both penalties have no gradient.
 
 void TIterateObj2CalcPenaltyTerm::Patch(const TWeightPatch& patch, double* gradients) {
   for (std::size_t i = 0; i < patch.Size(); ++i) {

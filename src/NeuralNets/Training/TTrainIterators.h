@@ -14,7 +14,8 @@ struct TBlockTerms {
   std::span<double> errors;        // e, one a from-neuron, or empty where nothing is passed back
 };
 
-// With w a weight, g its gradient and p its last change. What the objects are given outlives them.
+// In the formulas below w is a weight, g its gradient and p its last change. What an object is
+// given by reference outlives the object.
 
 // On weights and gradients: e += w d, g += d x.
 class TIterateObj2ErrorsAndDeltas : public TIterateObj2 {

@@ -12,6 +12,7 @@ namespace kiln {
 
 namespace {
 
+// Users quote this source, and these lines, for whatever training refuses.
 constexpr char kModule[] = "NeuralNets/TTrainModule";
 
 void CheckData(const Data& data, const TBasicNetwork& network) {

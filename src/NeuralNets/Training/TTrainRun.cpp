@@ -10,6 +10,7 @@ namespace kiln {
 
 namespace {
 
+// Users quote this source, and these lines, for whatever training refuses.
 constexpr char kModule[] = "NeuralNets/TTrainModule";
 
 TPenaltyTerm::TKind PenaltyKind(std::string_view name) {
