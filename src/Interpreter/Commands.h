@@ -39,8 +39,5 @@ extern const TFamily kTraining;      // TrainCommands.cpp
 extern const TFamily kRecalls;       // RecallCommands.cpp: what networks make of data
 extern const TFamily kRules;         // RuleCommands.cpp: labels and rules of fuzzy networks
 
-// Forms whose handlers stand in the file of another family.
-TAnswer Fired(TInterpreter& interpreter, const TCommandLine& line);  // "query", RuleCommands.cpp
-
 }  // namespace commands
 }  // namespace kiln

@@ -1,4 +1,4 @@
-#include <iterator>
+#include <cmath>
 #include <sstream>
 
 #include "DataObject/Data.h"
@@ -11,6 +11,7 @@
 #include "RuleObject/TNetLabel.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
+#include "Tarn/RuleExtraction/TNetRule.h"
 #include "Tarn/TTarn.h"
 
 namespace kiln::commands {
@@ -166,6 +167,34 @@ TAnswer GetStats(TInterpreter& interpreter, const TCommandLine& line) {
   if (inputs && outputs) answer += ' ';
   if (outputs) answer += "outputs " + AnswerArray((*stats.*statistic.outputs)());
   return answer;
+}
+
+// The network whose rule nodes "query fired" shows: the one that "ritarn" would make of the rules
+// that the line names or, where it names none, a copy of the network that it names.
+std::unique_ptr<TTarn> NetworkOfRules(const TInterpreter& interpreter, const TCommandLine& line) {
+  if (line.Word("rules").code == TReadCode::kRead) {
+    const std::string_view alias = RequiredAlias(line, "rules");
+    return TNetRule::RITarn(
+        *RequiredObject<TFuzzyRuleSet>(interpreter, alias, " is not of type FuzzyRules"));
+  }
+  const std::string_view alias = RequiredAlias(line, "network");
+  return std::make_unique<TTarn>(
+      *RequiredObject<TTarn>(interpreter, alias, " is not of type Tarn"));
+}
+
+TAnswer Fired(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::unique_ptr<TTarn> network = NetworkOfRules(interpreter, line);
+  const std::vector<double> inputs = Required(line.Doubles("inputs"), "tag inputs not found");
+  if (inputs.size() != network->NumInputs()) {
+    Fail("there are ", std::to_string(inputs.size()), " inputs but the network has ",
+         std::to_string(network->NumInputs()));
+  }
+  for (const double input : inputs) {
+    if (!std::isfinite(input)) Fail("inputs must be finite numbers");
+  }
+  std::vector<double> outputs(network->NumOutputs());
+  network->RecallPattern(inputs, outputs);
+  return AnswerArray(network->Layer(TTarn::kRuleLayer).Outputs());
 }
 
 constexpr TTag kAliasExistsTags[] = {{"aliasexists", kAlias, "the name"}};

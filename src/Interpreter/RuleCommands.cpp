@@ -65,19 +65,6 @@ TSimplification SimplificationOf(const TCommandLine& line, const Data& set) {
   return simplification;
 }
 
-// The network whose rule nodes a query asks for: that which "ritarn" would make of the rules that
-// the line names, or else a copy of the one that it names.
-std::unique_ptr<TTarn> NetworkOfRules(const TInterpreter& interpreter, const TCommandLine& line) {
-  if (line.Word("rules").code == TReadCode::kRead) {
-    const std::string_view alias = RequiredAlias(line, "rules");
-    return TNetRule::RITarn(
-        *RequiredObject<TFuzzyRuleSet>(interpreter, alias, " is not of type FuzzyRules"));
-  }
-  const std::string_view alias = RequiredAlias(line, "network");
-  return std::make_unique<TTarn>(
-      *RequiredObject<TTarn>(interpreter, alias, " is not of type Tarn"));
-}
-
 TAnswer LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network = RequiredObject<TTarn>(interpreter, name, " is not of type Tarn");
@@ -151,21 +138,6 @@ constexpr TCommand kCommands[] = {
 };
 
 }  // namespace
-
-TAnswer Fired(TInterpreter& interpreter, const TCommandLine& line) {
-  const std::unique_ptr<TTarn> network = NetworkOfRules(interpreter, line);
-  const std::vector<double> inputs = Required(line.Doubles("inputs"), "tag inputs not found");
-  if (inputs.size() != network->NumInputs()) {
-    Fail("there are ", std::to_string(inputs.size()), " inputs but the network has ",
-         std::to_string(network->NumInputs()));
-  }
-  for (const double input : inputs) {
-    if (!std::isfinite(input)) Fail("inputs must be finite numbers");
-  }
-  std::vector<double> outputs(network->NumOutputs());
-  network->RecallPattern(inputs, outputs);
-  return AnswerArray(network->Layer(TTarn::kRuleLayer).Outputs());
-}
 
 const TFamily kRules = {"rules", kCommands};
 
