@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "Interpreter/Commands.h"
+#include "Interpreter/LineCheck.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"
 
@@ -99,6 +100,7 @@ TEST_F(CommandTable, HasExamplesThatWorkAndTagsThatAreRequired) {
     TScene scene;
     scene.MakeRoom(form);
     const std::string example(form.example);
+    EXPECT_FALSE(FindOddity(command, form, example)) << example;
     EXPECT_EQ(&command.choose(command, scene.interpreter, TCommandLine(example)), &form);
     for (const TTag& tag : form.tags) {
       if (tag.IsRequired() && &tag != form.Positional(command.word)) {

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "DataObject/Data.h"
+#include "Interpreter/LineCheck.h"
 #include "Interpreter/TCommandLine.h"
 #include "Interpreter/TInterpreter.h"
 
@@ -70,6 +71,44 @@ TEST(TCommandLine, ReadsListsAndParentheses) {
   EXPECT_TRUE(line.Doubles("empty").value.empty());
   EXPECT_EQ(line.Doubles("open").code, TReadCode::kTagAbsent);
   EXPECT_EQ(TCommandLine("l {" + std::string(300, '1') + "}").Words("l").value[0].size(), 254U);
+}
+
+TEST(LineCheck, FindsWhatNobodyCanHaveMeant) {
+  const struct {
+    const char* line;
+    const char* fault;
+  } cases[] = {
+      {"train alias t data d epochs 5 learningrate 0.2",
+       "learningrate is no tag of train: LearningRate?"},
+      {"train alias t data d epochs 5 xyz 0.2", "xyz is no tag of train"},
+      {"train alias t data d epochs ten", "epochs ten is no whole number"},
+      {"train alias t data d epochs 5 LearningRate 0,2", "LearningRate 0,2 is no number"},
+      {"train alias t data d epochs 5 mode bacth", "mode takes pattern or batch"},
+      {"train alias t data d epochs 5 epochs 6", "epochs is given twice"},
+      {"train alias t data d epochs", "epochs has no value"},
+      {"train alias t data LearningRate epochs 5", "data has no value: LearningRate is a tag"},
+      {"create MLP alias n inputs 1 layers 3 hidden {4, x}", "hidden x is no whole number"},
+      {"create MLP alias n hidden 4", "hidden takes a list in braces"},
+      {"create MLP alias n bias yes", "bias takes on or off"},
+      {"query getstats mean alias s", "getstats takes max, min or average"},
+      {"query classof d e", "e is no tag of query classof"},
+      {"retarn network n rules r thresholdin x", "ThresholdIn x is no number"},
+      {"run filename a.txt", "filename takes a file name in parentheses"},
+      {"append alias d inputs {1,,2}", "inputs has an empty element"},
+      {"create MLP alias seed inputs 1 hidden {} bias ON seed -3", ""},
+      {"train alias t data d LearningRate +1e-3 Momentum 0x1p-2 terminating inf", ""},
+      {"  RUN   filename  ( a b.txt )", ""},
+      {"help train me", ""},
+  };
+  for (const auto& [line, fault] : cases) {
+    const TCommandLine command_line(line);
+    const TCommand& command = *FindCommand(command_line.CommandWord());
+    const TForm& form = command.word == "train"
+                            ? command.forms.front()
+                            : command.choose(command, TInterpreter(), command_line);
+    const auto oddity = FindOddity(command, form, line);
+    EXPECT_EQ(oddity ? oddity->fault : "", fault) << line;
+  }
 }
 
 TEST(Interpreter, AnErrorLeavesTheCursorOfAWrappedSetWhereItWas) {

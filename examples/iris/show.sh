@@ -9,11 +9,7 @@ cd "$2"
 cp "$here"/{iris.kiln,train.dat,test.dat} .
 rm -f iris.log iris.net answers.dat answers-again.dat
 
-echo 'run filename (iris.kiln)' | "$kiln" >session.txt
-if grep -q 'Error: ' session.txt; then
-  cat session.txt
-  exit 1
-fi
+"$kiln" --strict iris.kiln >session.txt
 
 printf 'What Kiln was told, and what it answered:\n\n'
 sed 's/^/  /' iris.log

@@ -11,11 +11,7 @@ cd "$2"
 cp "$here"/{rules.kiln,iris.labels} "$here"/../iris/{train,test}.dat .
 rm -f rules.log iris.rules iris-again.rules answers.dat answers-by-rules.dat
 
-echo 'run filename (rules.kiln)' | "$kiln" >session.txt
-if grep -q 'Error: ' session.txt; then
-  cat session.txt
-  exit 1
-fi
+"$kiln" --strict rules.kiln >session.txt
 
 printf 'A fuzzy network learned from 100 irises and put it in words:\n\n'
 sed -n '/^if /,/^$/p' iris.rules | sed 's/^./  &/'

@@ -9,11 +9,7 @@ cd "$2"
 cp "$here"/{som.kiln,train.dat,test.dat,units.dat} .
 rm -f som.log garden.net chart.dat guesses.dat guesses-again.dat
 
-echo 'run filename (som.kiln)' | "$kiln" >session.txt
-if grep -q 'Error: ' session.txt; then
-  cat session.txt
-  exit 1
-fi
+"$kiln" --strict som.kiln >session.txt
 cmp guesses.dat guesses-again.dat
 
 # Prints for each row of a data file its first two numbers and then, by weight, the kind that most of

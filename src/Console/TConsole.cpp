@@ -1,9 +1,11 @@
 #include "Console/TConsole.h"
 
 #include <cstdlib>
+#include <iostream>
 #include <new>
 
 #include "Console/Signals.h"
+#include "Interpreter/Checks.h"
 #include "Shared/Interruption.h"
 #include "Shared/Text.h"
 
@@ -11,75 +13,117 @@ namespace kiln {
 
 namespace {
 
-constexpr char kPrompt[] = "Kiln>>";
+constexpr std::string_view kPrompt = "Kiln>>";
 
 }  // namespace
 
-TConsole::TConsole(int input, std::ostream& out) : input_(input), out_(out) {
+TConsole::TConsole(std::ostream& out, TManner manner) : out_(out), manner_(manner) {
   interpreter_.SetObserver([](int, double) { return !Interruption::IsRequested(); });
 }
 
-void TConsole::Converse() {
-  while (out_ << kPrompt << std::flush && input_.Next()) {
-    try {
-      if (!ReadLine()) continue;
-      if (EqualNoCase(line_, "quit") || EqualNoCase(line_, "exit")) return;
-      const Signals::TCommandScope command;
-      Obey();
-    } catch (const std::bad_alloc&) {
-      out_ << "Error: not enough memory\n";
+bool TConsole::CarryOut(const TTask& task) {
+  const Signals::TCommandScope command;
+  try {
+    const auto answer = [this](int code) { Answer(code); };
+    if (task.kind == TTask::TKind::kFile) {
+      interpreter_.RunScript(task.text, answer);
+      return true;
     }
+    const std::string_view line = TrimBlanks(task.text);
+    if (line.empty() || line.starts_with('#')) return true;
+    const int code = interpreter_.ExecuteOfScript(line);
+    if (code < 0) Fail(interpreter_.GetError(), " (-e ", line, ")");
+    answer(code);
+    return true;
+  } catch (const std::bad_alloc&) {
+    Complain("not enough memory", std::cerr);
+  } catch (const std::exception& failure) {
+    out_.flush();
+    Complain(failure.what(), std::cerr);
+  }
+  return false;
+}
+
+void TConsole::Converse(TLineSource& lines) {
+  while (TakeLine(lines) != TOutcome::kEnd) {
   }
 }
 
-// Takes the line that has been read. Returns whether there is something to do.
-bool TConsole::ReadLine() {
-  const std::string_view fault = input_.Fault();
+bool TConsole::ConverseUntilFailure(TLineSource& lines) {
+  for (;;) {
+    const TOutcome outcome = TakeLine(lines);
+    if (outcome != TOutcome::kDone) return outcome == TOutcome::kEnd;
+  }
+}
+
+TConsole::TOutcome TConsole::TakeLine(TLineSource& lines) {
+  if (!lines.Next(manner_.is_quiet ? std::string_view() : kPrompt)) return TOutcome::kEnd;
+  try {
+    if (!lines.Fault().empty()) return Refuse(lines.Fault());
+    line_ = lines.Line();
+    if (line_.empty()) return TOutcome::kDone;
+    if (EqualNoCase(line_, "quit") || EqualNoCase(line_, "exit")) return TOutcome::kEnd;
+    const Signals::TCommandScope command;
+    return Obey();
+  } catch (const std::bad_alloc&) {
+    Complain("not enough memory", out_);
+    return TOutcome::kFailed;
+  }
+}
+
+TConsole::TOutcome TConsole::Refuse(std::string_view fault) {
   if (fault == TInterrupted().what()) {
     out_ << '\n';  // the terminal shows the line that is dropped
-    return false;
+    return TOutcome::kDone;
   }
-  if (!fault.empty()) {
-    interpreter_.Refuse(fault);
-    out_ << "Error: " << fault << '\n';
-    return false;
-  }
-  line_ = input_.Line();
-  return !line_.empty();
+  interpreter_.Refuse(fault);
+  Complain(fault, out_);
+  return TOutcome::kFailed;
 }
 
-void TConsole::Obey() {
+TConsole::TOutcome TConsole::Obey() {
   if (line_ == "!!") {
     line_ = remembered_;
     out_ << line_ << '\n';
   }
-  if (line_.starts_with('@')) {
-    RunSystemCommand();
-  } else {
-    Answer();
-  }
+  return line_.starts_with('@') ? RunSystemCommand() : Execute();
 }
 
 // Carries out the line, says how it went, and remembers it if all went well.
-void TConsole::Answer() {
+TConsole::TOutcome TConsole::Execute() {
   const int code = interpreter_.Execute(line_);
   if (code < 0) {
-    out_ << "Error: " << interpreter_.GetError() << '\n';
-    return;
+    Complain(interpreter_.GetError(), out_);
+    return TOutcome::kFailed;
   }
-  if (code > 0) {
-    out_ << "Result: " << OneLine(interpreter_.GetResult()) << '\n';
-  } else {
-    out_ << "OK\n";
-  }
+  Answer(code);
   remembered_.swap(line_);
+  return TOutcome::kDone;
 }
 
 // Hands what stands behind the "@" to the command processor.
-void TConsole::RunSystemCommand() {
+TConsole::TOutcome TConsole::RunSystemCommand() {
   out_.flush();
   [[maybe_unused]] const int outcome = std::system(line_.c_str() + 1);
   remembered_.swap(line_);
+  return TOutcome::kDone;
+}
+
+// Says how it went with a command that has not failed.
+void TConsole::Answer(int code) {
+  if (manner_.is_quiet && code == 0) return;
+  if (code == 0) {
+    out_ << "OK\n";
+    return;
+  }
+  const std::string& result = interpreter_.GetResult();
+  if (!manner_.is_quiet) out_ << "Result: ";
+  out_ << (manner_.has_pages ? result : OneLine(result)) << '\n';
+}
+
+void TConsole::Complain(std::string_view why, std::ostream& out) const {
+  std::ostream& place = manner_.is_quiet ? std::cerr : out;
+  place << (manner_.has_colour ? "\033[31mError:\033[0m " : "Error: ") << why << '\n';
 }
 
 }  // namespace kiln

@@ -4,34 +4,58 @@
 #include <string>
 #include <string_view>
 
+#include "Console/Options.h"
+#include "Console/TLineSource.h"
 #include "Interpreter/TInterpreter.h"
-#include "Interpreter/TLineReader.h"
 
 namespace kiln {
 
-// A conversation: writes the prompt, reads a line, carries it out and answers, again and again.
-// The output is flushed before every read, so that a program can hold the conversation.
+// How a console writes.
+struct TManner {
+  bool is_quiet = false;    // results alone on the output, errors on the standard error
+  bool has_pages = false;   // answers of several lines on several lines
+  bool has_colour = false;  // "Error:" in red
+};
+
+// A session: carries out commands of files and of the command line, and holds conversations.
 class TConsole {
  public:
-  // Reads lines from the descriptor `input` and answers on `out`.
-  TConsole(int input, std::ostream& out);
+  // Answers on `out`, which must outlive the console.
+  TConsole(std::ostream& out, TManner manner);
 
-  // Goes on until "quit" or "exit", the end of the input, or until nothing can be written any more.
-  void Converse();
+  TInterpreter& Interpreter() { return interpreter_; }
+
+  // Carries out a file or a command, as "run" does with a script, and writes the answer of each
+  // line. Returns whether all went well; if not, the standard error says what was wrong.
+  bool CarryOut(const TTask& task);
+
+  // A conversation: writes the prompt, reads a line, carries it out and answers, again and again,
+  // until "quit" or "exit", the end of the lines, or until nothing can be written any more. The
+  // output is flushed before every read, so that a program can hold the conversation.
+  void Converse(TLineSource& lines);
+
+  // The same, but the first command that fails ends it. Returns whether there was none.
+  bool ConverseUntilFailure(TLineSource& lines);
 
   // Ends the session: the transcript, if one is open, reaches the disk. Throws TCommandFailure when
   // it does not.
   void Close() { interpreter_.StopTranscript(); }
 
  private:
-  bool ReadLine();
-  void Obey();
-  void Answer();
-  void RunSystemCommand();
+  // How it went with a line of a conversation.
+  enum class TOutcome { kDone, kFailed, kEnd };
+
+  TOutcome TakeLine(TLineSource& lines);
+  TOutcome Obey();
+  TOutcome Execute();
+  TOutcome RunSystemCommand();
+  void Answer(int code);
+  void Complain(std::string_view why, std::ostream& out) const;
+  TOutcome Refuse(std::string_view fault);
 
   TInterpreter interpreter_;
-  TLineReader input_;
   std::ostream& out_;
+  TManner manner_;
   std::string line_;
   std::string remembered_;  // the last line that was carried out
 };

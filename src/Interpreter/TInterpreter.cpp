@@ -11,6 +11,7 @@
 
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "Interpreter/LineCheck.h"
 #include "Interpreter/TLineReader.h"
 #include "Shared/Interruption.h"
 #include "Shared/Text.h"
@@ -48,6 +49,11 @@ bool AreSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, not_there);
 }
 
+// What strict reading demands of a line.
+void RequireSound(const TCommand& command, const TForm& form, std::string_view line) {
+  if (const std::optional<TOddity> oddity = FindOddity(command, form, line)) Fail(oddity->fault);
+}
+
 }  // namespace
 
 int TInterpreter::Execute(std::string_view text) {
@@ -57,11 +63,22 @@ int TInterpreter::Execute(std::string_view text) {
   return code;
 }
 
+int TInterpreter::ExecuteOfScript(std::string_view text) {
+  if (definitions_.IsEmpty()) return Execute(text);
+  try {
+    return Execute(definitions_.Expanded(text));
+  } catch (const TCommandFailure& failure) {
+    error_message_ = failure.what();
+    return kFailed;
+  }
+}
+
 int TInterpreter::Answer(const TCommandLine& line) {
   try {
     const TCommand* const command = FindCommand(line.CommandWord());
     if (!command) Fail("Unknown command");
     const TForm& form = command->choose(*command, *this, line);
+    if (is_strict_) RequireSound(*command, form, line.Text());
     TAnswer answer = form.handler(*this, TCommandLine(line.Text(), form));
     if (!answer) return kSucceeded;
     result_message_ = std::move(*answer);
@@ -89,7 +106,8 @@ void TInterpreter::StartTranscript(const std::string& path) {
   transcript_.Open(path);
 }
 
-TAnswer TInterpreter::RunScript(const std::string& path) {
+TAnswer TInterpreter::RunScript(const std::string& path,
+                                const std::function<void(int code)>& answered) {
   // Every command of a script that is the open transcript would make the script longer.
   if (transcript_.Is(path)) Fail("file ", path, " is the open transcript");
   const TRunningScript running(running_scripts_, path);
@@ -104,8 +122,10 @@ TAnswer TInterpreter::RunScript(const std::string& path) {
     if (Interruption::IsRequested()) fail(TInterrupted().what());
     if (!reader.Fault().empty()) fail(reader.Fault());
     if (reader.Line().empty() || reader.Line().starts_with('#')) continue;
-    code = Execute(reader.Line());
+    if (script_observer_) script_observer_(path, reader.Number(), reader.Line());
+    code = ExecuteOfScript(reader.Line());
     if (code < 0) fail(GetError());
+    if (answered) answered(code);
   }
   if (reader.HasFailed()) Fail("cannot read file ", path);
   return code == kAnswered ? TAnswer(GetResult()) : std::nullopt;

@@ -1,16 +1,23 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Interpreter/Answers.h"
 #include "Interpreter/TCommandLine.h"
+#include "Interpreter/TDefinitions.h"
 #include "Interpreter/TObjectRegistry.h"
 #include "Interpreter/TTranscript.h"
 #include "NeuralNets/Training/TEpochObserver.h"
 
 namespace kiln {
+
+// Follows a script: the path, the number of a line and its text.
+using TScriptObserver =
+    std::function<void(const std::string& path, std::int64_t number, std::string_view line)>;
 
 // The interpreter of the command language, and the registry of the objects that its commands make.
 //
@@ -23,6 +30,9 @@ class TInterpreter : public TObjectRegistry {
   // transcript takes the line and its answer.
   int Execute(std::string_view text);
 
+  // Runs a line of a script: like Execute, but with what is defined in place of "$NAME".
+  int ExecuteOfScript(std::string_view text);
+
   // The messages of the latest command that had one of the kind.
   const std::string& GetError() const { return error_message_; }
   const std::string& GetResult() const { return result_message_; }
@@ -32,14 +42,25 @@ class TInterpreter : public TObjectRegistry {
   void SetObserver(TEpochObserver observer) { observer_ = std::move(observer); }
   const TEpochObserver& Observer() const { return observer_; }
 
+  // From now on refuses lines with anything odd in them, such as a tag that the command does not
+  // know or a number that is none, which commands otherwise pass over.
+  void BeStrict() { is_strict_ = true; }
+
+  // What "$NAME" stands for in scripts from now on. Where nothing is defined a dollar is a dollar.
+  void Define(TDefinitions definitions) { definitions_ = std::move(definitions); }
+
+  // What is called before each line of a script. Nobody by default.
+  void SetScriptObserver(TScriptObserver observer) { script_observer_ = std::move(observer); }
+
   // Takes note of a line that is not run. An open transcript has one comment, which says why, in
   // its place.
   void Refuse(std::string_view why) { transcript_.Write("#Error: ", why); }
 
-  // Executes the lines of a file and returns the answer of the last one. Empty lines and those that
+  // Executes the lines of a file and returns the answer of the last one; calls `answered` with the
+  // code of each that does not fail. Empty lines and those that
   // begin with "#" are passed over. The first line that fails ends the script: its number and its
   // message are those of the TCommandFailure. The open transcript cannot be run.
-  TAnswer RunScript(const std::string& path);
+  TAnswer RunScript(const std::string& path, const std::function<void(int code)>& answered = {});
 
   // From now on writes every command but "log", and its answer, to the file, which must not be one
   // that is being run. On failure throws TCommandFailure and goes on with the transcript that is
@@ -57,6 +78,9 @@ class TInterpreter : public TObjectRegistry {
   std::string error_message_;
   std::string result_message_;
   TTranscript transcript_;
+  TScriptObserver script_observer_;
+  TDefinitions definitions_;
+  bool is_strict_ = false;
   TEpochObserver observer_;
   std::vector<std::string> running_scripts_;  // their paths, each run by the one before
 };
