@@ -13,6 +13,7 @@
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"
 #include "Tarn/Centres.h"
+#include "Tarn/TCentreConnections.h"
 #include "Tarn/TTarnLWF.h"
 
 namespace kiln {
@@ -190,15 +191,29 @@ TEST(CentresTest, ArePutBackInOrder) {
   };
   for (const auto& test : kCases) {
     TValues centres = test.centres;
-    PutCentresInOrder(centres, test.masks.data());
+    PutCentresInOrder(centres, TValues(centres.size(), 1e-4), test.masks.data());
     for (std::size_t k = 0; k < centres.size(); ++k) {
       EXPECT_NEAR(test.expected[k], centres[k], 1e-15) << testing::PrintToString(test.centres);
     }
   }
   TValues crowd(20001, 0.7);  // more than fit at the usual distance
-  PutCentresInOrder(crowd, nullptr);
+  PutCentresInOrder(crowd, TValues(crowd.size(), 1e-4), nullptr);
   EXPECT_TRUE(crowd.front() >= 0.0 && crowd.back() == 1.0);
   EXPECT_EQ(crowd.end(), std::ranges::adjacent_find(crowd, std::greater_equal<>()));
+}
+
+TEST(CentresTest, KeepTheirDistances) {
+  TValues distances(4);
+  MeasureCentreDistances(TValues{0.1, 0.12, 0.7, 0.6}, distances);
+  const TValues expected = {0.02, 0.1 / 3, 0.0, 0.0};
+  for (std::size_t k = 0; k < 4; ++k) EXPECT_NEAR(distances[k], expected[k], 1e-15);
+  TValues centres = {0.1, 0.05, 0.99, 1.2};
+  PutCentresInOrder(centres, TValues{0.02, 0.05, 0.1, 0.0}, nullptr);
+  const TValues ordered = {0.1, 0.12, 0.9, 1.0};
+  for (std::size_t k = 0; k < 4; ++k) EXPECT_NEAR(centres[k], ordered[k], 1e-15);
+  TValues gradients = {1.0, 2.0, 3.0};
+  ScaleCentreGradients(TValues{0.0, 0.5, 0.25}, gradients);
+  EXPECT_EQ(gradients, (TValues{0.25, 0.125, 0.1875}));
 }
 
 // --- Training --------------------------------------------------------------------------------
@@ -230,6 +245,14 @@ TValues Gradient(TTarn tarn, const Data& data) {
     weight = at;
   }
   return gradient;
+}
+
+// The square of the gap from the centre to its nearest neighbour.
+double SquaredGap(const double* centres, int k, int terms) {
+  double gap = 2.0;
+  if (k > 0) gap = std::abs(centres[k] - centres[k - 1]);
+  if (k + 1 < terms) gap = std::min(gap, std::abs(centres[k + 1] - centres[k]));
+  return gap * gap;
 }
 
 // The way that the centres of an input may go from `before`.
@@ -273,7 +296,12 @@ TEST(TTarnBPTest, DescendsTheGradientOfEveryWeight) {
       TTarn expected(*tarn);
       const TValues before = tarn->GetWeights(FMaskAll);
       TValues weights = before;
-      const TValues gradient = Gradient(*tarn, *data);
+      TValues gradient = Gradient(*tarn, *data);
+      std::size_t begin = 0;
+      for (const int terms : tarn->InputMF()) {
+        for (int k = 0; k < terms; ++k) gradient[begin + k] *= SquaredGap(&before[begin], k, terms);
+        begin += static_cast<std::size_t>(terms);
+      }
       for (std::size_t i = 0; i < weights.size(); ++i) {
         const double pull = i < rules || i >= outputs ? 0.0 : s.forgetting * s.forgetting;
         if (flags[i] != FMaskAll) continue;
@@ -287,7 +315,11 @@ TEST(TTarnBPTest, DescendsTheGradientOfEveryWeight) {
         first += static_cast<std::size_t>(terms);
       }
       expected.SetWeights(weights, FMaskAll);
-      expected.PutCentresInOrder();
+      for (const std::size_t layer : {TTarn::kConditionLayer, TTarn::kOutputLayer}) {
+        TValues distances(expected.Centres(layer).Weights().size());
+        tarn->Centres(layer).MeasureDistances(distances);
+        expected.Centres(layer).PutInOrder(distances);
+      }
       double error = SquaredError(*tarn, *data);
       for (std::size_t i = rules; i < outputs; ++i) {
         error += s.rate * s.forgetting * std::abs(weights[i]);

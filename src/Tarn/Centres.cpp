@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace kiln {
 
@@ -28,26 +29,30 @@ bool IsFrozen(const TMask* masks, std::size_t k) {
 // Puts the trainable centres first..last-1 in order; the centres beside them, where there are any,
 // are frozen. A frozen NaN drops out of the comparisons, and a trainable NaN becomes the least
 // value that its centre may have.
-void OrderBetween(std::span<double> centres, std::size_t first, std::size_t last) {
+void OrderBetween(std::span<double> centres, std::span<const double> distances, std::size_t first,
+                  std::size_t last) {
   const double* left = first > 0 ? &centres[first - 1] : nullptr;
   const double* right = last < centres.size() ? &centres[last] : nullptr;
   double lower = left ? std::max(0.0, *left) : 0.0;
   double upper = right ? std::min(1.0, *right) : 1.0;
   if (right) lower = std::min(lower, *right);
   if (left) upper = std::max(upper, *left);
-  const std::size_t gaps = last - first - 1 + (left ? 1 : 0) + (right ? 1 : 0);
+  const std::size_t first_gap = left ? first - 1 : first;
+  const std::size_t last_gap = right ? last : last - 1;
+  const auto gaps = distances.subspan(first_gap, last_gap - first_gap);
+  const double wanted = std::accumulate(gaps.begin(), gaps.end(), 0.0);
   const double room = std::max(0.0, upper - lower);
-  const double gap = std::min(kCentreGap, room / static_cast<double>(gaps));
+  const double share = wanted > room ? room / wanted : 1.0;
 
-  double least = left ? std::max(lower, *left + gap) : lower;
+  double least = left ? std::max(lower, *left + share * distances[first - 1]) : lower;
   for (std::size_t k = first; k < last; ++k) {
     if (!(centres[k] >= least)) centres[k] = least;
-    least = centres[k] + gap;
+    if (k + 1 < centres.size()) least = centres[k] + share * distances[k];
   }
-  double most = right ? std::min(upper, *right - gap) : upper;
+  double most = right ? std::min(upper, *right - share * distances[last - 1]) : upper;
   for (std::size_t k = last; k-- > first;) {
     centres[k] = std::max(lower, std::min(centres[k], most));
-    most = centres[k] - gap;
+    if (k > 0) most = centres[k] - share * distances[k - 1];
   }
 }
 
@@ -56,6 +61,25 @@ void OrderBetween(std::span<double> centres, std::size_t first, std::size_t last
 void PlaceCentresEvenly(std::span<double> centres) {
   const auto last = static_cast<double>(centres.size() - 1);
   for (std::size_t k = 0; k < centres.size(); ++k) centres[k] = static_cast<double>(k) / last;
+}
+
+void MeasureCentreDistances(std::span<const double> centres, std::span<double> distances) {
+  const std::size_t last = centres.size() - 1;
+  const double most = kCentreDistance / static_cast<double>(last);
+  for (std::size_t k = 0; k < last; ++k) {
+    distances[k] = std::clamp(centres[k + 1] - centres[k], 0.0, most);
+  }
+  distances[last] = 0.0;
+}
+
+void ScaleCentreGradients(std::span<const double> centres, std::span<double> gradients) {
+  const std::size_t last = centres.size() - 1;
+  for (std::size_t k = 0; k <= last; ++k) {
+    const double left = std::abs(k > 0 ? centres[k] - centres[k - 1] : centres[1] - centres[0]);
+    const double right = k < last ? std::abs(centres[k + 1] - centres[k]) : left;
+    const double gap = std::min(left, right);
+    gradients[k] *= gap * gap;
+  }
 }
 
 void LimitCentreSteps(std::span<const double> before, std::span<double> centres) {
@@ -69,11 +93,12 @@ void LimitCentreSteps(std::span<const double> before, std::span<double> centres)
   }
 }
 
-void PutCentresInOrder(std::span<double> centres, const TMask* masks) {
+void PutCentresInOrder(std::span<double> centres, std::span<const double> distances,
+                       const TMask* masks) {
   for (std::size_t first = 0; first < centres.size(); ++first) {
     std::size_t last = first;
     while (last < centres.size() && !IsFrozen(masks, last)) ++last;
-    if (last > first) OrderBetween(centres, first, last);
+    if (last > first) OrderBetween(centres, distances, first, last);
     first = last;
   }
 }

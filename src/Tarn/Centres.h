@@ -18,31 +18,46 @@
 // While the centres ascend, the memberships of any x add up to 1.
 namespace kiln {
 
-// The smallest distance that PutCentresInOrder leaves between neighbours, where there is room.
-inline constexpr double kCentreGap = 1e-4;
-
 // Spreads centres evenly over [0, 1]: c[k] = k / (n - 1). REQUIRES: at least two centres.
 void PlaceCentresEvenly(std::span<double> centres);
+
+// --- In training -----------------------------------------------------------------------------
+
+// The share of even spacing that training keeps between neighbours.
+inline constexpr double kCentreDistance = 0.1;
+
+// The distance that training keeps between each centre and its right neighbour: kCentreDistance of
+// even spacing or, where that is less, what it is now, and 0 where they have crossed. The last
+// centre has none. REQUIRES: at least two centres, a distance for each.
+void MeasureCentreDistances(std::span<const double> centres, std::span<double> distances);
+
+// Multiplies the derivative of an error by each centre with the square of the gap to its nearest
+// neighbour. The slopes of a membership are one over such a gap, so that steps down the gradient
+// itself would grow as centres near each other, and throw them together at any rate that moves the
+// weights of rules. REQUIRES: at least two centres, a gradient for each.
+void ScaleCentreGradients(std::span<const double> centres, std::span<double> gradients);
 
 // The share of the way to a neighbour that LimitCentreSteps lets a centre go.
 inline constexpr double kCentreStep = 1e-2;
 
 // Shortens the steps that have led from `before` to `centres`: a centre goes at most kCentreStep of
-// the way to its neighbour of before, and an outer one as far outwards as inwards. The slopes of a
-// membership are one over such a distance, so that steps down the gradient grow as centres near
-// each other, and would throw them together for good at rates that suit the weights of rules.
+// the way to its neighbour of before, and an outer one as far outwards as inwards.
 // REQUIRES: as many centres in `before` as in `centres`, at least two.
 void LimitCentreSteps(std::span<const double> before, std::span<double> centres);
 
 // Puts centres back in ascending order within [0, 1] after a step has moved them. From the first to
-// the last each is lifted to kCentreGap above its left neighbour and to 0; then, from the last to
-// the first, each is lowered to kCentreGap below its right neighbour and to 1. The distance is
-// smaller where so much does not fit.
+// the last each is lifted to its distance above its left neighbour and to 0; then, from the last to
+// the first, each is lowered to its distance below its right neighbour and to 1. The distances are
+// smaller where they do not fit.
 //
 // `masks` has the flags of each centre, or is null when all are trainable. Frozen centres stay, and
 // the others keep to their side of a frozen one even where that is outside [0, 1].
-// REQUIRES: at least two centres.
-void PutCentresInOrder(std::span<double> centres, const TMask* masks);
+// REQUIRES: at least two centres; a distance of at least 0 to the right neighbour of each but the
+// last.
+void PutCentresInOrder(std::span<double> centres, std::span<const double> distances,
+                       const TMask* masks);
+
+// --- Memberships -----------------------------------------------------------------------------
 
 // The membership of x in function k, whatever the order of the centres. REQUIRES: k < n.
 double Membership(std::span<const double> centres, std::size_t k, double x);

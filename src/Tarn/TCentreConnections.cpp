@@ -13,6 +13,20 @@ void TCentreConnections::PlaceEvenly() {
   }
 }
 
+void TCentreConnections::MeasureDistances(std::span<double> distances) const {
+  for (const TPatchShape& shape : Patches()) {
+    MeasureCentreDistances(Weights().subspan(shape.offset, shape.Size()),
+                           distances.subspan(shape.offset, shape.Size()));
+  }
+}
+
+void TCentreConnections::ScaleGradients(std::span<double> gradients) const {
+  for (const TPatchShape& shape : Patches()) {
+    ScaleCentreGradients(Weights().subspan(shape.offset, shape.Size()),
+                         gradients.subspan(shape.offset, shape.Size()));
+  }
+}
+
 void TCentreConnections::LimitSteps(std::span<const double> before) {
   for (const TPatchShape& shape : Patches()) {
     LimitCentreSteps(before.subspan(shape.offset, shape.Size()),
@@ -20,10 +34,11 @@ void TCentreConnections::LimitSteps(std::span<const double> before) {
   }
 }
 
-void TCentreConnections::PutInOrder() {
+void TCentreConnections::PutInOrder(std::span<const double> distances) {
   for (const TPatchShape& shape : Patches()) {
     const TWeightPatch patch = PatchOf(shape);
-    PutCentresInOrder({patch.weights, patch.Size()}, patch.masks);
+    PutCentresInOrder({patch.weights, patch.Size()}, distances.subspan(shape.offset, shape.Size()),
+                      patch.masks);
   }
 }
 

@@ -13,11 +13,14 @@ class TCentreConnections : public TBasicConnections {
   bool IsPenalised() const override { return false; }
   bool IsResizable() const override { return false; }
 
-  // Apply PlaceCentresEvenly, LimitCentreSteps and PutCentresInOrder to the centres of each
-  // variable; the first moves frozen centres too. REQUIRES: `before` has all weights of the block.
+  // Apply to the centres of each variable, with its part of spans over the whole block, what
+  // PlaceCentresEvenly, heedless of flags, MeasureCentreDistances, ScaleCentreGradients,
+  // LimitCentreSteps and PutCentresInOrder say. REQUIRES: spans have a value for each weight.
   void PlaceEvenly();
+  void MeasureDistances(std::span<double> distances) const;
+  void ScaleGradients(std::span<double> gradients) const;
   void LimitSteps(std::span<const double> before);
-  void PutInOrder();
+  void PutInOrder(std::span<const double> distances);
 
  protected:
   // The groups of `layer`, which must have so many functions and variables. Throws TException

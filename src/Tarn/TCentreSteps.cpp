@@ -7,16 +7,23 @@
 namespace kiln {
 
 TCentreSteps::TCentreSteps(TTarn& tarn)
-    : tarn_(tarn), before_(tarn.Layer(TTarn::kConditionLayer).NumNeurons()) {}
+    : inputs_(tarn.Centres(TTarn::kConditionLayer)),
+      outputs_(tarn.Centres(TTarn::kOutputLayer)),
+      input_distances_(inputs_.Weights().size()),
+      output_distances_(outputs_.Weights().size()),
+      before_(inputs_.Weights().size()) {
+  inputs_.MeasureDistances(input_distances_);
+  outputs_.MeasureDistances(output_distances_);
+}
 
 void TCentreSteps::Begin() {
-  const TBasicConnections& centres = tarn_.Connections(TTarn::kConditionLayer, TTarn::kInputLayer);
-  std::ranges::copy(centres.Weights(), before_.begin());
+  std::ranges::copy(inputs_.Weights(), before_.begin());
 }
 
 void TCentreSteps::End() {
-  tarn_.LimitInputSteps(before_);
-  tarn_.PutCentresInOrder();
+  inputs_.LimitSteps(before_);
+  inputs_.PutInOrder(input_distances_);
+  outputs_.PutInOrder(output_distances_);
 }
 
 }  // namespace kiln

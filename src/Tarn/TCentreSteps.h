@@ -1,24 +1,35 @@
 #pragma once
 
+#include <span>
 #include <vector>
+
+#include "Tarn/TCentreConnections.h"
 
 namespace kiln {
 
 class TTarn;
 
-// Sees to the centres of a Tarn when its weights are updated: shortens the steps of the centres of
-// inputs (see LimitCentreSteps), then puts all centres back in order (see PutCentresInOrder).
+// What becomes of the centres of a Tarn in the updates of one call to train. The gradients of input
+// centres are scaled (see ScaleCentreGradients) and their steps shortened (see LimitCentreSteps);
+// then all centres, those of outputs too, are put back in order at the distances that they had when
+// the call began (see MeasureCentreDistances and PutCentresInOrder).
 class TCentreSteps {
  public:
-  // REQUIRES: the network is complete and outlives the object.
+  // Measures the distances. REQUIRES: the network is complete and outlives the object.
   explicit TCentreSteps(TTarn& tarn);
+
+  // Takes the derivatives by the centres of all inputs.
+  void ScaleGradients(std::span<double> gradients) const { inputs_.ScaleGradients(gradients); }
 
   // To be called before and after each update.
   void Begin();
   void End();
 
  private:
-  TTarn& tarn_;
+  TCentreConnections& inputs_;
+  TCentreConnections& outputs_;
+  std::vector<double> input_distances_;
+  std::vector<double> output_distances_;
   std::vector<double> before_;  // the centres of the inputs
 };
 

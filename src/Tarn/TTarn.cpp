@@ -217,15 +217,6 @@ void TTarn::InitWeights(double minimum, double maximum) {
   Centres(kOutputLayer).PlaceEvenly();
 }
 
-void TTarn::PutCentresInOrder() {
-  Centres(kConditionLayer).PutInOrder();
-  Centres(kOutputLayer).PutInOrder();
-}
-
-void TTarn::LimitInputSteps(std::span<const double> before) {
-  Centres(kConditionLayer).LimitSteps(before);
-}
-
 // --- Recall ----------------------------------------------------------------------------------
 
 double TTarn::GetActivationValue(int node_layer, int node) const {

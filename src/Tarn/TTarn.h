@@ -78,12 +78,8 @@ class TTarn : public TConnectedNetwork {
   // frozen or not. Throws TAssertion "Minimum <= Maximum".
   void InitWeights(double minimum, double maximum);
 
-  // Puts the centres of each variable back in order (see PutCentresInOrder).
-  void PutCentresInOrder();
-
-  // Shortens the steps that have led the centres of inputs to where they are (see LimitCentreSteps)
-  // from `before`, the weights of layer 1 at an earlier time.
-  void LimitInputSteps(std::span<const double> before);
+  // The centres that lead to kConditionLayer or kOutputLayer.
+  TCentreConnections& Centres(std::size_t to);
 
   // --- Recall --------------------------------------------------------------------------------
 
@@ -99,7 +95,6 @@ class TTarn : public TConnectedNetwork {
   // The block of a weight layer in which there must be a connection, for `function`.
   TBasicConnections& BlockWith(int weight_layer, int from, int to, const char* function);
 
-  TCentreConnections& Centres(std::size_t to);
   bool HasLayers() const;
   bool HasConnections() const;
 };

@@ -6,7 +6,7 @@
 
 namespace kiln {
 
-TTarnBP::TTarnBP(std::shared_ptr<TTarn> network) : TBackpropModule(network), steps_(*network) {}
+TTarnBP::TTarnBP(std::shared_ptr<TTarn> network) : TBackpropModule(std::move(network)) {}
 
 double TTarnBP::Train(const Data& data, TKQstructure& params, int& epochs,
                       const TEpochObserver& observer) {
@@ -25,13 +25,14 @@ void TTarnBP::CheckLayers(const TTrainRun& run) const {
 }
 
 std::unique_ptr<TTrainPass> TTarnBP::MakePass(const TTrainRun& run) {
-  return std::make_unique<TTarnPass>(State(), run, steps_);
+  steps_.emplace(static_cast<TTarn&>(Network()));
+  return std::make_unique<TTarnPass>(State(), run, *steps_);
 }
 
 void TTarnBP::Update(const TTrainRun& run, double share) {
-  steps_.Begin();
+  steps_->Begin();
   TBackpropModule::Update(run, share);
-  steps_.End();
+  steps_->End();
 }
 
 }  // namespace kiln

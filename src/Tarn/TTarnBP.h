@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 
 #include "NeuralNets/Training/TBackpropModule.h"
 #include "Tarn/TCentreSteps.h"
@@ -11,9 +12,9 @@ namespace kiln {
 // Back-propagation for a Tarn: gradient descent on all of its weights, the centres of the terms
 // included (see TTarnPass).
 //
-// After each update the steps of input centres are shortened and all centres put back in order (see
-// TCentreSteps); the change that momentum remembers is that before it. A weight penalty acts on the
-// weights into rules and actions alone (see TCentreConnections).
+// Centres go by rules of their own (see TCentreSteps); the change of a centre that momentum
+// remembers is that before its step is shortened and it is put back in order. A weight penalty acts
+// on the weights into rules and actions alone (see TCentreConnections).
 class TTarnBP : public TBackpropModule {
  public:
   // REQUIRES: network->IsComplete().
@@ -31,7 +32,7 @@ class TTarnBP : public TBackpropModule {
   void Update(const TTrainRun& run, double share) override;
 
  private:
-  TCentreSteps steps_;
+  std::optional<TCentreSteps> steps_;  // of the latest run
 };
 
 }  // namespace kiln
