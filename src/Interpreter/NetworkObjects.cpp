@@ -38,6 +38,13 @@ const TBasicNetwork* TrainedNetwork(const TRegistryNode& node) {
   return trainer ? &trainer->Network() : nullptr;
 }
 
+TTarn* TrainedTarn(const TRegistryNode& node) {
+  if (const auto trainer = node.As<TTarnBP>()) return &trainer->Tarn();
+  if (const auto trainer = node.As<TTarnLWF>()) return &trainer->Tarn();
+  if (const auto trainer = node.As<TTarnGA>()) return &trainer->Tarn();
+  return nullptr;
+}
+
 void InsertNetwork(TInterpreter& interpreter, std::string_view alias,
                    std::unique_ptr<TBasicNetwork> network) {
   const std::shared_ptr<TBasicNetwork> shared = std::move(network);

@@ -9,6 +9,7 @@ namespace kiln {
 
 class TBasicNetwork;
 class TGenTrain;
+class TTarn;
 class TTrainModule;
 
 // For handlers that treat several kinds of network, or of trainer, alike.
@@ -24,6 +25,9 @@ std::shared_ptr<TGenTrain> AsGeneticTrainer(const TRegistryNode& node);
 
 // The network that a trainer of any kind trains; null when the entry holds no such trainer.
 const TBasicNetwork* TrainedNetwork(const TRegistryNode& node);
+
+// The fuzzy network that a trainer trains; null when the entry holds no trainer of one.
+TTarn* TrainedTarn(const TRegistryNode& node);
 
 // Registers a network under the type tag of its kind. Throws TCommandFailure "unknown network type"
 // for a kind that has no tag.

@@ -80,7 +80,10 @@ TAnswer RETarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::shared_ptr<const TNetLabel> labels = NamedLabels(interpreter, line);
   const std::shared_ptr<const Data> set = NamedSet(interpreter, line, name, *network);
   std::optional<TSimplification> simplification;
-  if (set) simplification.emplace(SimplificationOf(line, *set));
+  if (set) {
+    simplification.emplace(SimplificationOf(line, *set));
+    simplification->observer = interpreter.Observer();
+  }
   interpreter.Insert({rules, std::make_unique<TFuzzyRuleSet>(
                                  TNetRule::RETarn(*network, ExtractionParams(line), labels.get(),
                                                   simplification ? &*simplification : nullptr))});

@@ -180,4 +180,13 @@ std::optional<double> TCommandLine::NumberNoCase(std::string_view tag) const {
   return std::nullopt;
 }
 
+std::optional<std::vector<std::string_view>> TCommandLine::WordsAt(std::string_view tag) const {
+  for (auto rest = Behind(tag); rest; rest = TCommandLine(*rest).Behind(tag)) {
+    if (FirstWord(*rest).starts_with('{')) {
+      return ConvertElements(Between(*rest, '{', '}'), [](auto element) { return element; }).value;
+    }
+  }
+  return std::nullopt;
+}
+
 }  // namespace kiln

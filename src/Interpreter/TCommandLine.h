@@ -79,6 +79,9 @@ class TCommandLine {
   // The number behind the first occurrence of the tag, in any case of letters, that has one.
   std::optional<double> NumberNoCase(std::string_view tag) const;
 
+  // The elements of the list directly behind the first occurrence of the tag that has one there.
+  std::optional<std::vector<std::string_view>> WordsAt(std::string_view tag) const;
+
  private:
   // The rest of the line behind the tag.
   std::optional<std::string_view> Behind(std::string_view tag) const;

@@ -14,6 +14,7 @@
 #include "Shared/Narrowing.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/Text.h"
+#include "Tarn/TFrozenCentres.h"
 
 namespace kiln::commands {
 
@@ -39,6 +40,40 @@ void CheckFits(const TLesson& lesson, const TBasicNetwork& network) {
   RequireColumns(lesson.set_alias, lesson.set.Inputs(), "inputs", owner, network.NumInputs());
   RequireColumns(lesson.set_alias, lesson.set.Outputs(), "outputs", owner, network.NumOutputs());
   if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
+}
+
+// --- Frozen centres --------------------------------------------------------------------------
+
+constexpr char kFreezeWords[] = "freeze takes {centres}, {inputcentres} or {outputcentres}";
+
+// What may be frozen, by the words behind "freeze".
+struct TFreezing {
+  std::string_view word;
+  bool inputs;
+  bool outputs;
+};
+
+constexpr TFreezing kFreezings[] = {
+    {"centres", true, true}, {"inputcentres", true, false}, {"outputcentres", false, true}};
+
+// Freezes what the line names for as long as the result lives; null where it names nothing.
+std::unique_ptr<TFrozenCentres> FreezeCentres(const TCommandLine& line, const TLesson& lesson) {
+  const auto words = line.WordsAt("freeze");
+  if (!words) return nullptr;
+  bool inputs = false;
+  bool outputs = false;
+  for (const std::string_view element : *words) {
+    const TFreezing* freezing = FindNoCase(kFreezings, TrimBlanks(element), &TFreezing::word);
+    if (!freezing) Fail(kFreezeWords);
+    inputs |= freezing->inputs;
+    outputs |= freezing->outputs;
+  }
+  TTarn* const tarn = TrainedTarn(lesson.trainer);
+  if (!tarn) Fail("the network of ", lesson.trainer_alias, " has no centres");
+  auto frozen = std::make_unique<TFrozenCentres>(*tarn);
+  if (inputs) frozen->FreezeInputs();
+  if (outputs) frozen->FreezeOutputs();
+  return frozen;
 }
 
 // --- Gradient trainers -----------------------------------------------------------------------
@@ -74,6 +109,7 @@ TAnswer TrainByGradient(const TCommandLine& line, const TLesson& lesson) {
   const std::shared_ptr<TTrainModule> trainer = AsGradientTrainer(lesson.trainer);
   TKQstructure params = GradientParams(line, !lesson.trainer.As<TTarnBP>());
   CheckFits(lesson, std::as_const(*trainer).Network());
+  const auto frozen = FreezeCentres(line, lesson);
   return AnswerFixed(trainer->Train(lesson.set, params, epochs, lesson.observer));
 }
 
@@ -98,6 +134,7 @@ TAnswer TrainGenetically(const TCommandLine& line, const TLesson& lesson) {
   const RunSettings settings = ReadSettings(line);
   const std::shared_ptr<TGenTrain> trainer = AsGeneticTrainer(lesson.trainer);
   CheckFits(lesson, trainer->Network());
+  const auto frozen = FreezeCentres(line, lesson);
   StartRandom(line);
   trainer->Initialise();
   const std::array sets = {&lesson.set};
@@ -170,6 +207,9 @@ const TForm& FormByTrainer(const TCommand& command, const TInterpreter& interpre
 constexpr TTag kTrainerTag = {"alias", kAlias, "the trainer"};
 constexpr TTag kDataTag = TTag{"data", kAlias, "the data set to be learned"}.Of("Data");
 
+constexpr TTag kFreezeTag =
+    TTag{"freeze", kWords, "{centres}: those of a fuzzy network stay"}.Or("everything is trained");
+
 constexpr char kGradientTrainers[] = "BP TarnBP TarnLWF";
 constexpr TTag kGradientTags[] = {
     kTrainerTag.Of(kGradientTrainers),
@@ -180,6 +220,7 @@ constexpr TTag kGradientTags[] = {
     TTag{"mode", kChoice, "one change a row, or one an epoch"}.Of("pattern batch").Or("pattern"),
     TTag{"decay", kDouble, "rate at which weights are forgotten"}.Or("nothing is forgotten"),
     TTag{"terminating", kDouble, "training ends below this error"}.Or("0, never"),
+    kFreezeTag,
 };
 
 constexpr char kGeneticTrainers[] = "MLPGA TarnGA";
@@ -195,6 +236,7 @@ constexpr TTag kGeneticTags[] = {
         .Of("Tournament roulette")
         .Or("roulette"),
     TTag{"normalisation", kBoolean, "whether fitness is stretched to 0 to 1"}.Or("on"),
+    kFreezeTag,
     kSeedTag,
 };
 

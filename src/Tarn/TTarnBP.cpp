@@ -25,7 +25,7 @@ void TTarnBP::CheckLayers(const TTrainRun& run) const {
 }
 
 std::unique_ptr<TTrainPass> TTarnBP::MakePass(const TTrainRun& run) {
-  steps_.emplace(static_cast<TTarn&>(Network()));
+  steps_.emplace(Tarn());
   return std::make_unique<TTarnPass>(State(), run, *steps_);
 }
 

@@ -20,6 +20,9 @@ class TTarnBP : public TBackpropModule {
   // REQUIRES: network->IsComplete().
   explicit TTarnBP(std::shared_ptr<TTarn> network);
 
+  // The network that is trained.
+  TTarn& Tarn() { return static_cast<TTarn&>(Network()); }
+
   // As for every network, but training can also fail half-way: TAssertion when an output leaves
   // [0, 1], because of a frozen centre outside or weights that overflow. The network and the last
   // changes are as before then.

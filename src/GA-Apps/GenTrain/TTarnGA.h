@@ -16,6 +16,9 @@ class TTarnGA : public TGenTrain {
   TTarnGA(std::shared_ptr<TTarn> network, const TWeightBounds& bounds, std::size_t population)
       : TGenTrain(network, bounds, population), MbrPtrNetTarn(std::move(network)) {}
 
+  // The network that is trained. Flags that change after Initialise come too late.
+  TTarn& Tarn() { return *MbrPtrNetTarn; }
+
  private:
   std::unique_ptr<TGenTrainEval> MakeEvaluator() const override {
     return std::make_unique<TTarnGAEval>(*MbrPtrNetTarn, Bounds());
