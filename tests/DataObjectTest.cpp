@@ -11,28 +11,29 @@ namespace {
 TEST(DataTest, ReadsOldestToNewestBeforeAndAfterWrapping) {
   for (const int count : {0, 1, 3, 4, 5, 7, 8, 13}) {
     const auto data = MakeRing(4, count);
-    ASSERT_EQ(std::min(count, 4), data->DataRows());
+    ASSERT_EQ(data->DataRows(), std::min(count, 4));
     for (int n = 0; n < data->DataRows(); ++n) {
       const int before = count - data->DataRows() + n;
       const DataRow row = data->Row(n);
-      EXPECT_EQ(before % 4, row.Position);
-      EXPECT_EQ((TRow{before + 1.0, before + 1.5}), TRow(row.Inputs.begin(), row.Inputs.end()));
-      EXPECT_EQ(before + 1, row.Labels->Entries()[0].Value);
+      EXPECT_EQ(row.Position, before % 4);
+      EXPECT_EQ(TValues(row.Inputs.begin(), row.Inputs.end()),
+                (TValues{before + 1.0, before + 1.5}));
+      EXPECT_EQ(row.Labels->Entries()[0].Value, before + 1);
     }
   }
 }
 
 TEST(DataTest, ASideLeftOutOverwritesAnOldRowWithNothing) {
   const auto data = MakeRing(2, 2);
-  data->AddRow({}, TRow{5});
-  EXPECT_EQ((TRow{0, 5}), (TRow{data->Row(1).Inputs[1], data->Row(1).Outputs[0]}));
+  data->AddRow({}, TValues{5});
+  EXPECT_EQ((TValues{data->Row(1).Inputs[1], data->Row(1).Outputs[0]}), (TValues{0, 5}));
   EXPECT_TRUE(data->Row(1).Labels->Empty());
-  data->AddBlock(TRow{7, 8, 9, 10}, {}, 2);
-  EXPECT_EQ((TRow{10, 0}), (TRow{data->Row(1).Inputs[1], data->Row(1).Outputs[0]}));
+  data->AddBlock(TValues{7, 8, 9, 10}, {}, 2);
+  EXPECT_EQ((TValues{data->Row(1).Inputs[1], data->Row(1).Outputs[0]}), (TValues{10, 0}));
   data->Clear();
-  EXPECT_EQ((TList{0, 0, 0, 0}),
-            (TList{data->DataRows(), data->First(), data->Last(), data->Cursor()}));
-  EXPECT_EQ(0.0, data->GetInputDatum(1, 1));
+  EXPECT_EQ((TSizes{data->DataRows(), data->First(), data->Last(), data->Cursor()}),
+            (TSizes{0, 0, 0, 0}));
+  EXPECT_EQ(data->GetInputDatum(1, 1), 0.0);
 }
 
 TEST(DataTest, ChangesSingleValuesAndLabelsOfAPosition) {
@@ -41,11 +42,13 @@ TEST(DataTest, ChangesSingleValuesAndLabelsOfAPosition) {
   data->SetInputDatum(0, 1, 7);
   data->SetOutputDatum(0, 0, 8);
   data->ClearLabels(1);
-  EXPECT_EQ(before + 3, data->ChangeCount());
-  EXPECT_EQ((TRow{4, 7, 8}), (TRow{data->GetInputDatum(0, 0), data->GetInputDatum(0, 1),
-                                   data->GetOutputDatum(0, 0)}));
-  EXPECT_EQ((TRow{2, 2.5, -2}), (TRow{data->GetInputDatum(1, 0), data->GetInputDatum(1, 1),
-                                      data->GetOutputDatum(1, 0)}));
+  EXPECT_EQ(data->ChangeCount(), before + 3);
+  EXPECT_EQ(
+      (TValues{data->GetInputDatum(0, 0), data->GetInputDatum(0, 1), data->GetOutputDatum(0, 0)}),
+      (TValues{4, 7, 8}));
+  EXPECT_EQ(
+      (TValues{data->GetInputDatum(1, 0), data->GetInputDatum(1, 1), data->GetOutputDatum(1, 0)}),
+      (TValues{2, 2.5, -2}));
   EXPECT_TRUE(data->GetLabels(1).Empty());
   EXPECT_FALSE(data->GetLabels(0).Empty());
 }
@@ -53,12 +56,12 @@ TEST(DataTest, ChangesSingleValuesAndLabelsOfAPosition) {
 TEST(DataTest, AcceptsPositionsByTheRuleOfTheRingAndNeverOneOutsideIt) {
   const auto fresh = MakeRing(5, 0);
   const auto wrapped = MakeRing(5, 7);
-  EXPECT_EQ(7.0, wrapped->GetInputDatum(1, 0));
-  TRow out(10);
+  EXPECT_EQ(wrapped->GetInputDatum(1, 0), 7.0);
+  TValues out(10);
   const std::function<void(Data&, int)> operations[] = {
       [](Data& data, int position) { data.SetInputDatum(position, 0, 1); },
       [](Data& data, int position) { data.SetOutputDatum(position, 0, 1); },
-      [&](Data& data, int position) { data.GetOutputRow(position, out, TList{0}); },
+      [&](Data& data, int position) { data.GetOutputRow(position, out, TSizes{0}); },
       [](Data& data, int position) { data.SetRow(position, {}, {}); },
       [](Data& data, int position) { data.ClearLabels(position); },
       [](Data& data, int position) { data.AppendLabel(position, "a", 1); }};
@@ -71,38 +74,40 @@ TEST(DataTest, AcceptsPositionsByTheRuleOfTheRingAndNeverOneOutsideIt) {
     EXPECT_TRUE(refused(*wrapped, 3) && !refused(*fresh, 3));
   }
   for (const int column : {INT_MIN, -1, 2, INT_MAX})
-    EXPECT_EQ("Invalid Input Data Column Bad Parameter Data::GetInputRow", Failure([&] {
-                fresh->GetInputRow(1, out, TList{0, column});
-              }));
+    EXPECT_EQ(Failure([&] {
+                fresh->GetInputRow(1, out, TSizes{0, column});
+              }),
+              "Invalid Input Data Column Bad Parameter Data::GetInputRow");
 }
 
 TEST(DataTest, CopiesABlockUpToTheNewestRow) {
-  TRow inputs(6), outputs(3);
-  EXPECT_EQ(3, MakeRing(10, 3)->GetBlock(inputs, outputs, 0, 99));
-  EXPECT_EQ((TRow{1, 1.5, 2, 2.5, 3, 3.5}), inputs);
-  EXPECT_EQ("Invalid Data Row Bad Parameter Data::GetInputRow",
-            Failure([&] { MakeRing(10, 3)->GetBlock(inputs, outputs, -1, 1); }));
-  EXPECT_EQ("Data Block Fault Bad Parameter Data::GetBlock",
-            Failure([&] { MakeRing(5, 7)->GetBlock(inputs, outputs, 3, 4); }));
+  TValues inputs(6), outputs(3);
+  EXPECT_EQ(MakeRing(10, 3)->GetBlock(inputs, outputs, 0, 99), 3);
+  EXPECT_EQ(inputs, (TValues{1, 1.5, 2, 2.5, 3, 3.5}));
+  EXPECT_EQ(Failure([&] { MakeRing(10, 3)->GetBlock(inputs, outputs, -1, 1); }),
+            "Invalid Data Row Bad Parameter Data::GetInputRow");
+  EXPECT_EQ(Failure([&] { MakeRing(5, 7)->GetBlock(inputs, outputs, 3, 4); }),
+            "Data Block Fault Bad Parameter Data::GetBlock");
 }
 
 TEST(DataTest, RefusesSizesThatNothingCanHold) {
-  for (const auto& size : {TList{-1, 1}, {1, -1}, {INT_MAX, 0}, {1 << 20, 1 << 11}, {0, INT_MAX}})
-    EXPECT_EQ("Invalid Data Size Bad Parameter Data::Data",
-              Failure([&] { Data(size[0], size[1], size[1], false); }));
-  EXPECT_EQ("Invalid Data Size Bad Parameter Data::Data",
-            Failure([] { Data(1 << 29, 0, 0, true); }));
+  for (const auto& size : {TSizes{-1, 1}, {1, -1}, {INT_MAX, 0}, {1 << 20, 1 << 11}, {0, INT_MAX}})
+    EXPECT_EQ(Failure([&] { Data(size[0], size[1], size[1], false); }),
+              "Invalid Data Size Bad Parameter Data::Data");
+  EXPECT_EQ(Failure([] { Data(1 << 29, 0, 0, true); }),
+            "Invalid Data Size Bad Parameter Data::Data");
   Data empty(0, 2, 0, true);
   empty.Step(INT_MAX);
-  EXPECT_EQ("Invalid Data Row Bad Parameter Data::SetRow", Failure([&] {
-              empty.AddRow(TRow{1, 2}, {});
-            }));
+  EXPECT_EQ(Failure([&] {
+              empty.AddRow(TValues{1, 2}, {});
+            }),
+            "Invalid Data Row Bad Parameter Data::SetRow");
 }
 
 TEST(DataTest, StepsByTheRuleOfTheRing) {
   const struct {
     int Rows, Count, Start;
-    TList Steps, Positions;
+    TSizes Steps, Positions;
   } walks[] = {{10, 4, 3, {1, 1, 1, 1, 1}, {0, 1, 2, 3, 0}},
                // Only steps of more than DataRows() are reduced, by the number of positions.
                {10, 4, 1, {11, -1, -2, -100, 1}, {2, 1, -1, -101, -100}},
@@ -116,37 +121,37 @@ TEST(DataTest, StepsByTheRuleOfTheRing) {
     data->SetCursor(walk.Start);
     for (std::size_t i = 0; i < walk.Steps.size(); ++i) {
       data->Step(walk.Steps[i]);
-      EXPECT_EQ(walk.Positions[i], data->Cursor()) << walk.Count << " rows, step " << i;
+      EXPECT_EQ(data->Cursor(), walk.Positions[i]) << walk.Count << " rows, step " << i;
     }
   }
 }
 
 TEST(DataTest, StepsThroughTheSelectedColumns) {
   const auto data = MakeRing(3, 3);
-  TRow inputs(2), outputs(1);
-  data->SetSelections({}, TList{5});  // an output selection alone counts for nothing
+  TValues inputs(2), outputs(1);
+  data->SetSelections({}, TSizes{5});  // an output selection alone counts for nothing
   data->ResetCursor();
   data->Next(inputs, outputs);
-  EXPECT_EQ((TRow{1, 1.5, -1}), (TRow{inputs[0], inputs[1], outputs[0]}));
-  data->SetInputSelection(TList{1, 0});
-  EXPECT_EQ("Invalid Output Data Column Bad Parameter Data::Current",
-            Failure([&] { data->Next(inputs, outputs); }));
-  EXPECT_EQ((TRow{2.5, 2}), inputs);
+  EXPECT_EQ((TValues{inputs[0], inputs[1], outputs[0]}), (TValues{1, 1.5, -1}));
+  data->SetInputSelection(TSizes{1, 0});
+  EXPECT_EQ(Failure([&] { data->Next(inputs, outputs); }),
+            "Invalid Output Data Column Bad Parameter Data::Current");
+  EXPECT_EQ(inputs, (TValues{2.5, 2}));
   data->SetCursor(0);
-  EXPECT_EQ("Invalid Data Row Bad Parameter Data::GetInputRow",
-            Failure([&] { data->Previous(inputs, outputs); }));
+  EXPECT_EQ(Failure([&] { data->Previous(inputs, outputs); }),
+            "Invalid Data Row Bad Parameter Data::GetInputRow");
 }
 
 TEST(DataTest, ClonesEveryPositionAndStandsApart) {
   const auto data = MakeRing(4, 6);
-  data->SetInputSelection(TList{1});
+  data->SetInputSelection(TSizes{1});
   const auto clone = data->Clone();
   for (const char* name : {"Row", "row"}) data->AppendLabel(1, name, 1.5);
-  EXPECT_EQ((std::vector<LabelEntry>{{7.5, "row"}, {1.5, "Row"}}), data->GetLabels(1).Entries());
-  EXPECT_EQ(clone->ChangeCount() + 2, data->ChangeCount());
-  EXPECT_EQ(TList{1}, clone->GetInputSelection());
+  EXPECT_EQ(data->GetLabels(1).Entries(), (std::vector<LabelEntry>{{7.5, "row"}, {1.5, "Row"}}));
+  EXPECT_EQ(data->ChangeCount(), clone->ChangeCount() + 2);
+  EXPECT_EQ(clone->GetInputSelection(), TSizes{1});
   for (int n = 0; n < 4; ++n)
-    EXPECT_EQ(clone->Row(n).Inputs[0], clone->Row(n).Labels->Entries()[0].Value);
+    EXPECT_EQ(clone->Row(n).Labels->Entries()[0].Value, clone->Row(n).Inputs[0]);
 }
 
 }  // namespace

@@ -1,16 +1,12 @@
 #pragma once
 
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "DataObject/Data.h"
 #include "Failures.h"
+#include "Values.h"
 
 namespace kiln {
-
-using TRow = std::vector<double>;
-using TList = std::vector<int>;
 
 // A ring of `rows` positions to which the rows (n, n + 0.5) -> -n, n = 1..count, were added, each
 // with the label "row" of weight n.
@@ -19,7 +15,7 @@ inline std::shared_ptr<Data> MakeRing(int rows, int count) {
   for (double n = 1; n <= count; ++n) {
     LabelList labels;
     labels.Append("row", n);
-    data->AddRow(TRow{n, n + 0.5}, TRow{-n}, &labels);
+    data->AddRow(TValues{n, n + 0.5}, TValues{-n}, &labels);
   }
   return data;
 }

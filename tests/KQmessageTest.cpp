@@ -4,7 +4,6 @@
 
 #include <cmath>
 #include <cstdlib>
-#include <functional>
 #include <sstream>
 
 #include "Shared/TAssertion.h"
@@ -57,8 +56,9 @@ TEST(TKQstructure, CopiesAreDeepAndSlotsDouble) {
   EXPECT_EQ(message.Deref("0K")->Name(), "0");
 }
 
-// What the action throws: its text and, behind it, the detail.
-std::string Failure(const std::function<void()>& action) {
+// The text of the TException that the action throws and, behind it, the detail.
+template <typename TAction>
+std::string DetailedFailure(const TAction& action) {
   try {
     action();
   } catch (const TException& failure) {
@@ -73,10 +73,13 @@ TEST(TKQstructure, FailedLookUpsTellWhatWasExpected) {
   message.SetString("odd", "on");
   EXPECT_TRUE(message.DerefBoolThrow("FLAG"));
   EXPECT_NO_THROW(message.CheckMessage("flag", "TRUE"));
-  EXPECT_EQ(Failure([&] { message.DerefBoolThrow("odd"); }),
+  EXPECT_EQ(DetailedFailure([&] { message.DerefBoolThrow("odd"); }),
             "boolean field expected  TKQstructure::DerefBoolThrow"
             "(error :type type-error :expected boolean)");
-  EXPECT_EQ(Failure([&] { message.CheckMessage("odd", "off"); }),
+  EXPECT_EQ(DetailedFailure([&] { message.DerefThrow("none"); }),
+            "cannot find keyword none  TKQstructure::DerefThrow"
+            "(error :type invalid-message :expected none)");
+  EXPECT_EQ(DetailedFailure([&] { message.CheckMessage("odd", "off"); }),
             "invalid message: expected value off  TKQstructure::CheckMessage"
             "(error :type invalid-message :tag odd :expected-value off)");
 }
@@ -90,6 +93,10 @@ TEST(TKQstructure, ReadsNumbersLikeScanf) {
     EXPECT_EQ(str2doubleThrow(text), std::strtod(text, nullptr)) << text;
   }
   EXPECT_TRUE(std::isnan(str2double("NaN")));
+  EXPECT_EQ(DetailedFailure([] { str2longThrow("x"); }),
+            "x is not a long  str2longThrow(error :type invalid-message :integer-expected x)");
+  EXPECT_EQ(DetailedFailure([] { str2doubleThrow("x"); }),
+            "x is not a double  str2doubleThrow(error :type invalid-message :number-expected x)");
   for (const char* text : {"", " ", "+", "-", "+-1", ".", "e5", "--1"}) {
     EXPECT_THROW(str2double(text), TAssertion) << text;
   }

@@ -76,16 +76,16 @@ TEST_F(NetworkFileTest, ReadsWhatPeopleWrite) {
 TEST(NetworkFile, HoldsTheTermsOfATarn) {
   const std::shared_ptr<TBasicNetwork> network = LoadNetwork(kTarnFile);
   const auto tarn = std::dynamic_pointer_cast<TTarn>(network);
-  EXPECT_EQ((TSizes{2, 3}), tarn->InputMF());
+  EXPECT_EQ(tarn->InputMF(), (TSizes{2, 3}));
   EXPECT_FALSE(tarn->Connections(2, 1).IsTrainable(0, 0));
   EXPECT_TRUE(tarn->Connections(2, 1).IsTrainable(3, 1));
   TValues output(1);
   tarn->RecallPattern(TValues{0.0, 0.4}, output);
-  EXPECT_NEAR(0.6, tarn->GetActivationValue(2, 3), 1e-15);
+  EXPECT_NEAR(tarn->GetActivationValue(2, 3), 0.6, 1e-15);
   const auto sigmoid = [](double net) { return 1 / (1 + std::exp(-net)); };
   const double rule = sigmoid(0.75 + 2 * 0.25 + 4 * 0.4 + 8 * 0.6);
   const double actions[] = {sigmoid(rule), sigmoid(0.5 * rule)};
-  EXPECT_NEAR((actions[0] * 0.25 + actions[1]) / (actions[0] + actions[1]), output[0], 1e-15);
+  EXPECT_NEAR(output[0], (actions[0] * 0.25 + actions[1]) / (actions[0] + actions[1]), 1e-15);
 }
 
 std::unique_ptr<TConnectedNetwork> MixedNetwork() {

@@ -2,17 +2,14 @@
 
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "DataObject/Data.h"
 #include "Failures.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "Shared/Random.h"
+#include "Values.h"
 
 namespace kiln {
-
-using TValues = std::vector<double>;
-using TSizes = std::vector<int>;
 
 inline std::string AssertionText(const std::string& expression, const std::string& module,
                                  int line) {
