@@ -28,8 +28,9 @@ class CommandTable : public testing::Test {
     std::ofstream("rain.kiln") << "create Data alias rain inputs 1 outputs 1 rows 1 labels off\n";
     TScene scene;
     for (const char* line :
-         {"save Data alias d filename (d.dat)", "save MLP alias net filename (net.net)",
-          "save Tarn alias fuzzy filename (fuzzy.net)", "save Kohonen alias k filename (k.net)",
+         {"save Data alias d filename (d.dat)", "save CSV alias d filename (d.csv)",
+          "save MLP alias net filename (net.net)", "save Tarn alias fuzzy filename (fuzzy.net)",
+          "save Kohonen alias k filename (k.net)",
           "save TarnLabels alias words filename (wind.labels)",
           "save FuzzyRules alias found filename (wind.rules)"}) {
       scene.Do(line);

@@ -1,6 +1,8 @@
 #include "DataObject/Data.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 #include "Shared/Narrowing.h"
 #include "Shared/TAssertion.h"
@@ -50,6 +52,20 @@ void Data::CheckPosition(int position, const char* function) const {
 
 void Data::CountChange() {
   MbrNdxChangeCount = static_cast<int>(static_cast<unsigned>(MbrNdxChangeCount) + 1U);
+}
+
+void Data::SetNames(ColumnNames names) {
+  const auto fit = [](const std::vector<std::string>& side, int columns) {
+    return side.empty() || std::ssize(side) == columns;
+  };
+  Assert(fit(names.Inputs, Inputs()) && fit(names.Outputs, Outputs()), "a name for each column");
+  MbrTxtNames = std::move(names);
+}
+
+std::unique_ptr<Data> Data::MakeAlike(std::int64_t rows) const {
+  auto alike = std::make_unique<Data>(rows, Inputs(), Outputs(), MbrBolHasLabels);
+  alike->MbrTxtNames = MbrTxtNames;
+  return alike;
 }
 
 // --- Filling ---------------------------------------------------------------------------------

@@ -22,6 +22,14 @@ struct DataRow {
   const LabelList* Labels;          // null when the set carries no labels
 };
 
+// What the columns of a data set are called. A side has a name for each column, or none.
+struct ColumnNames {
+  std::vector<std::string> Inputs;
+  std::vector<std::string> Outputs;
+
+  bool operator==(const ColumnNames&) const = default;
+};
+
 // A data set: a ring of `Rows()` positions, each with a row of input values, a row of output values
 // and, if the set carries labels, a label list. Rows are appended; once every position is taken a
 // new row overwrites the oldest.
@@ -58,6 +66,13 @@ class Data {
 
   // Differs after every change of a row or its labels; counts up and wraps to the smallest int.
   int ChangeCount() const { return MbrNdxChangeCount; }
+
+  const ColumnNames& Names() const { return MbrTxtNames; }
+  void SetNames(ColumnNames names);  // REQUIRES: a name for each column of a side, or none
+
+  // An empty set of `rows` positions that is otherwise like this one: its columns with their names,
+  // and labels if this one carries some. Throws what the constructor does.
+  std::unique_ptr<Data> MakeAlike(std::int64_t rows) const;
 
   // --- The whole set, oldest row first -------------------------------------------------------
 
@@ -188,6 +203,7 @@ class Data {
   bool MbrBolHasLabels;
   DataSide MbrSidInputs;
   DataSide MbrSidOutputs;
+  ColumnNames MbrTxtNames;
   std::vector<LabelList> MbrDyaLabels;  // one a position when the set carries labels
 };
 

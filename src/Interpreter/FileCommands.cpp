@@ -1,6 +1,7 @@
 #include "DataObject/Data.h"
 #include "Export/CFile.h"
 #include "Export/FclFile.h"
+#include "FileHandler/CsvFile.h"
 #include "FileHandler/Filer.h"
 #include "FileHandler/NetworkFile.h"
 #include "FileHandler/Syntax/SafeFile.h"
@@ -9,6 +10,7 @@
 #include "Interpreter/NetworkObjects.h"
 #include "RuleObject/TLabelFile.h"
 #include "RuleObject/TRuleFile.h"
+#include "Shared/Text.h"
 
 namespace kiln::commands {
 
@@ -72,6 +74,13 @@ TAnswer SaveData(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
+TAnswer SaveCsv(TInterpreter& interpreter, const TCommandLine& line) {
+  const auto set = SavedEntry(interpreter, line).As<Data>();
+  if (!set) Fail("object not type data");
+  SaveTo(SavedPath(line), [&](const std::string& path) { CsvFile::Save(path, *set); });
+  return kDone;
+}
+
 TAnswer SaveTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
   const auto labels = SavedEntry(interpreter, line).As<TNetLabel>();
   if (!labels) Fail("object not type data");  // frozen in the words for data
@@ -121,6 +130,45 @@ TAnswer LoadData(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
+// The names in a list that may be left out.
+std::vector<std::string> NamesIn(const TCommandLine& line, std::string_view tag) {
+  std::vector<std::string> names;
+  if (line.Word(tag).code != TReadCode::kRead) return names;
+  for (const std::string_view name : Required(line.Words(tag), "error parsing array")) {
+    names.emplace_back(TrimBlanks(name));
+  }
+  return names;
+}
+
+CsvFile::Options CsvOptions(const TCommandLine& line) {
+  CsvFile::Options options;
+  if (line.Word("header").code == TReadCode::kRead)
+    options.header = RequiredBoolean(line, "header");
+  options.outputs = NamesIn(line, "outputs");
+  options.labels = NamesIn(line, "labels");
+  options.ignore = NamesIn(line, "ignore");
+  options.words = NamesIn(line, "words");
+  const std::string_view missing = Optional(line.Word("missing"), std::string_view());
+  options.skip_missing = EqualNoCase(missing, "skip");
+  if (!missing.empty() && !options.skip_missing) Fail("bad argument to tag missing");
+  return options;
+}
+
+TAnswer LoadCsv(TInterpreter& interpreter, const TCommandLine& line) {
+  const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
+  const std::string path = RequiredPath(line, "tag filename not found");
+  const CsvFile::Options options = CsvOptions(line);
+  auto table = LoadFrom(path, "Unable to open data file ",
+                        [&](const std::string& from) { return CsvFile::Load(from, options); });
+  std::string answer = "rows " + std::to_string(table.set->DataRows()) + " inputs " +
+                       std::to_string(table.set->Inputs()) + " outputs " +
+                       std::to_string(table.set->Outputs()) + " header ";
+  answer += AnswerSwitch(table.has_header);
+  if (table.skipped > 0) answer += " skipped " + std::to_string(table.skipped);
+  interpreter.Insert({alias, std::move(table.set)});
+  return answer;
+}
+
 TAnswer LoadTarnLabels(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = LoadedAlias(interpreter, line, "cannot find tag alias");
   const std::string path = RequiredPath(line, "tag filename not found");
@@ -149,6 +197,19 @@ constexpr TTag kSavedDataTags[] = {TTag{"alias", kAlias, "a data set"}.Of("Data"
 constexpr TTag kSavedLabelsTags[] = {TTag{"alias", kAlias, "labels"}.Of("TarnLabels"), kToTag};
 constexpr TTag kSavedRulesTags[] = {TTag{"alias", kAlias, "rules"}.Of("FuzzyRules"), kToTag};
 constexpr TTag kLoadedTags[] = {kNewTag, kFromTag};
+constexpr char kNone[] = "none";
+constexpr TTag kTableTags[] = {
+    kNewTag,
+    kFromTag,
+    TTag{"header", kBoolean, "whether the first line has the names of the columns"}.Or(
+        "on where a cell of that line is no number"),
+    TTag{"outputs", kWords, "the columns that are outputs, by name or number"}.Or(kNone),
+    TTag{"labels", kWords, "the columns that label the rows"}.Or(kNone),
+    TTag{"ignore", kWords, "columns that are left out"}.Or(kNone),
+    TTag{"words", kWords, "columns of numbers that are one 0/1 column for each"}.Or(kNone),
+    TTag{"missing", kChoice, "what becomes of a row with a cell that says nothing"}.Of("skip").Or(
+        "it is an error"),
+};
 
 // The word for a network does not matter: what it is decides what is written and read.
 constexpr TForm kSavers[] = {
@@ -164,6 +225,8 @@ constexpr TForm kSavers[] = {
      kSavedLabelsTags, SaveTarnLabels},
     {"FuzzyRules", "writes rules to a file", "save FuzzyRules alias found filename (wind.rules)",
      kSavedRulesTags, SaveFuzzyRules},
+    {"CSV", "writes a data set as a table with commas", "save CSV alias d filename (d.csv)",
+     kSavedDataTags, SaveCsv},
     {"C", "writes a network as a function in C", "save C alias net filename (net.c)",
      kSavedNetworkTags, SaveC},
     {"FCL", "writes rules in the fuzzy control language",
@@ -173,6 +236,8 @@ constexpr TForm kSavers[] = {
 constexpr TForm kLoaders[] = {
     {"Data", "reads a data set from a file", "load Data alias d filename (d.dat)", kLoadedTags,
      LoadData},
+    {"CSV", "reads a table with commas, semicolons or tabs",
+     "load CSV alias new filename (d.csv) outputs {output0} labels {label}", kTableTags, LoadCsv},
     {"MLP", "reads a network from a file", "load MLP alias net filename (net.net)", kLoadedTags,
      LoadNetwork},
     {"Tarn", "reads a network from a file", "load Tarn alias fuzzy filename (fuzzy.net)",

@@ -53,27 +53,6 @@ std::size_t SizeOf(const std::string& path) {
   return no_size ? 0 : size;
 }
 
-// The whole file. What does not tell its size is read until it ends, which a device may never do.
-std::string ReadWholeFile(const std::string& path) {
-  const TDescriptor file = TDescriptor::Open(path, O_RDONLY);
-  if (!file.IsOpen()) throw OpenError(path);
-  // One byte more than the file has: the first read meets its end, and the buffer need not grow.
-  std::string text(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
-  std::size_t size = 0;
-  for (;;) {
-    if (size == text.size()) {
-      if (size >= kMaxStream) throw std::length_error("a file without an end");
-      text.resize(2 * size);
-    }
-    const ssize_t count = ReadSome(file.Number(), text.data() + size, text.size() - size);
-    if (count < 0) throw OpenError(path);
-    if (count == 0) break;
-    size += static_cast<std::size_t>(count);
-  }
-  text.resize(size);
-  return text;
-}
-
 // "[KEYWORD = WHAT] expected"
 std::string StatementExpected(std::string_view keyword, std::string_view what) {
   std::string message("[");
@@ -95,6 +74,27 @@ Error::Error(std::string message, std::string file_name, std::size_t line)
 
 OpenError::OpenError(const std::string& path)
     : TException("Unable to open file " + path, "File Error", "FileTools::Reader::FromFile") {}
+
+std::string ReadWholeFile(const std::string& path) {
+  const TDescriptor file = TDescriptor::Open(path, O_RDONLY);
+  if (!file.IsOpen()) throw OpenError(path);
+  // One more than the file holds: the first read meets the end, and nothing is moved. What does not
+  // tell its size is read until it ends.
+  std::string text(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
+  std::size_t size = 0;
+  for (;;) {
+    if (size == text.size()) {
+      if (size >= kMaxStream) throw std::length_error("a file without an end");
+      text.resize(2 * size);
+    }
+    const ssize_t count = ReadSome(file.Number(), text.data() + size, text.size() - size);
+    if (count < 0) throw OpenError(path);
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+  }
+  text.resize(size);
+  return text;
+}
 
 bool IsWord(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), IsWordCharacter);

@@ -37,6 +37,10 @@ class OpenError : public TException {
   explicit OpenError(const std::string& path);
 };
 
+// The text of a file. Throws OpenError; std::length_error for a pipe or a device that gives 2^30
+// characters and has not ended.
+std::string ReadWholeFile(const std::string& path);
+
 // Whether `text` is a single word of the syntax, so that it can be written as a name or a value and
 // read back.
 bool IsWord(std::string_view text);

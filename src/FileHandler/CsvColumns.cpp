@@ -1,0 +1,139 @@
+#include "FileHandler/CsvColumns.h"
+
+#include <string_view>
+#include <unordered_map>
+
+#include "Shared/NumberScan.h"
+
+namespace kiln::CsvFile {
+
+namespace {
+
+struct TFirstLine {
+  std::vector<std::string> cells;
+  bool has_text = false;  // a cell that neither is a number nor says that there is none
+};
+
+TFirstLine ReadFirstLine(TScanner& scanner) {
+  TFirstLine line;
+  do {
+    const TCell cell = scanner.ReadCell();
+    double number = 0.0;
+    if (cell.quoted || (!cell.IsMissing() && !scanner.IsNumber(cell.text, number))) {
+      line.has_text = true;
+    }
+    line.cells.emplace_back(cell.text);
+  } while (scanner.ReadSeparator());
+  return line;
+}
+
+// Finds columns by what users call them.
+class TFinder {
+ public:
+  explicit TFinder(const std::vector<TColumn>& columns) : size_(columns.size()) {
+    for (std::size_t c = 0; c < size_; ++c) {
+      const auto [entry, is_new] = by_name_.emplace(columns[c].name, c);
+      if (!is_new) entry->second = kSeveral;
+    }
+  }
+
+  // The column called `word` in the header, else that of this number.
+  std::size_t Find(const std::string& word) const {
+    if (const auto named = by_name_.find(word); named != by_name_.end()) {
+      if (named->second == kSeveral) Fail("several columns are called " + word);
+      return named->second;
+    }
+    const bool is_number = word.find_first_not_of("0123456789") == word.npos;
+    const auto number = is_number ? ScanInteger(word) : std::nullopt;
+    if (!number || static_cast<std::size_t>(*number) >= size_) Fail("no column " + word);
+    return static_cast<std::size_t>(*number);
+  }
+
+  [[noreturn]] static void Fail(const std::string& message) { throw TFault(message, 0, kNoColumn); }
+
+ private:
+  static constexpr std::size_t kSeveral = static_cast<std::size_t>(-1);
+
+  std::size_t size_;
+  std::unordered_map<std::string_view, std::size_t> by_name_;
+};
+
+// Gives columns the parts that the options ask for.
+void AssignParts(TColumns& columns, const Options& options) {
+  const TFinder finder(columns.all);
+  std::vector<bool> taken(columns.all.size());  // is no input
+  const auto take = [&](const std::string& word) {
+    const std::size_t column = finder.Find(word);
+    if (taken[column]) TFinder::Fail("column " + word + " is named twice");
+    taken[column] = true;
+    return column;
+  };
+  for (const std::string& word : options.ignore) columns.all[take(word)].is_value = false;
+  for (const std::string& word : options.outputs) columns.outputs.push_back(take(word));
+  const std::vector<bool> before_labels = taken;
+  for (const std::string& word : options.labels) {
+    const std::size_t c = finder.Find(word);
+    TColumn& column = columns.all[c];
+    if (column.is_label || !column.is_value) TFinder::Fail("column " + word + " is named twice");
+    column.is_label = true;
+    column.is_value = before_labels[c];
+    taken[c] = true;
+    columns.labels.push_back(c);
+  }
+  for (const std::string& word : options.words) {
+    columns.all[finder.Find(word)].kind = TColumn::TKind::kClasses;
+  }
+  for (std::size_t c = 0; c < taken.size(); ++c) {
+    if (!taken[c]) columns.inputs.push_back(c);
+  }
+}
+
+// Looks at a row and tells whether it counts: it has a cell for each column and none that is read
+// says nothing. `kinds` has what its cells hold.
+bool LooksComplete(TScanner& scanner, const std::vector<TColumn>& columns,
+                   std::vector<TColumn::TKind>& kinds) {
+  bool complete = true;
+  std::size_t c = 0;
+  do {
+    const TCell cell = scanner.ReadCell();
+    if (c < columns.size()) {
+      double number = 0.0;
+      kinds[c] =
+          scanner.IsNumber(cell.text, number) ? TColumn::TKind::kNumbers : TColumn::TKind::kWords;
+      if (columns[c].IsRead() && cell.IsMissing()) complete = false;
+    }
+    ++c;
+  } while (scanner.ReadSeparator());
+  return complete && c == columns.size();
+}
+
+}  // namespace
+
+TColumns ReadColumns(TScanner& scanner, const Options& options) {
+  scanner.SkipEmptyLines();
+  if (scanner.AtEnd()) scanner.Fail("an empty file");
+  const TScanner start = scanner;
+  const TFirstLine first = ReadFirstLine(scanner);
+  TColumns columns;
+  columns.has_header = options.header.value_or(first.has_text);
+  columns.all.resize(first.cells.size());
+  for (std::size_t c = 0; c < columns.all.size(); ++c) {
+    columns.all[c].name = columns.has_header ? first.cells[c] : "column" + std::to_string(c);
+  }
+  if (!columns.has_header) scanner = start;
+  AssignParts(columns, options);
+  return columns;
+}
+
+void FindKinds(TScanner scanner, TColumns& columns) {
+  std::vector<TColumn::TKind> kinds(columns.all.size());
+  bool found = false;
+  while (!found && !scanner.AtEnd()) found = LooksComplete(scanner, columns.all, kinds);
+  for (std::size_t c = 0; c < kinds.size(); ++c) {
+    TColumn& column = columns.all[c];
+    if (found && column.kind == TColumn::TKind::kNumbers) column.kind = kinds[c];
+    if (column.is_label || column.IsOfWords()) column.words = columns.with_words++;
+  }
+}
+
+}  // namespace kiln::CsvFile
