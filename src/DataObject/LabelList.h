@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -14,12 +15,21 @@ struct LabelEntry {
   bool operator==(const LabelEntry&) const = default;
 };
 
+// A label that somebody else holds the name of.
+struct WeightedName {
+  std::string_view Name;
+  double Value;
+};
+
 // The labels of one row in the order in which they came, each name once. Names are compared with
 // regard to case.
 class LabelList {
  public:
   // Adds `value` to the entry called `name`, or appends one.
   void Append(std::string_view name, double value);
+
+  // The same with each of many, in time that grows with their number alone.
+  void Append(std::span<const WeightedName> labels);
 
   void Clear() { MbrDyaEntries.clear(); }
   bool Empty() const { return MbrDyaEntries.empty(); }

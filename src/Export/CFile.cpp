@@ -70,19 +70,20 @@ std::string Shape(const TBasicNetwork& network) {
   return text + '\n';
 }
 
-std::string Comment(const std::string& name, const TBasicNetwork& network, const TNames& names) {
+std::string Comment(const std::string& name, const TBasicNetwork& network,
+                    const ColumnNames& names) {
   std::string text = "void " + name + "(const double *input, double *output);\n";
   if (dynamic_cast<const TKohonenNetwork*>(&network)) {
     text += "int " + name + "_unit(const double *input);\n";
   }
   text += '\n' + std::string(network.KindName()) + ", written by Kiln: " + Shape(network);
-  return text + Listed(names.inputs, "input") + Listed(names.outputs, "output");
+  return text + Listed(names.Inputs, "input") + Listed(names.Outputs, "output");
 }
 
 }  // namespace
 
 void Save(const std::string& path, std::string_view name, const TBasicNetwork& network,
-          const TNames& names) {
+          const ColumnNames& names) {
   const auto* map = dynamic_cast<const TKohonenNetwork*>(&network);
   if (!map) CheckLayers(network);
   CheckFinite(network);

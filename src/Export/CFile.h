@@ -2,7 +2,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "DataObject/Data.h"
 
 namespace kiln {
 
@@ -17,19 +18,13 @@ class TBasicNetwork;
 // int NAME_unit(const double *input), the number of the winner.
 namespace CFile {
 
-// What the columns of the data are called that the network works on: for the comment at the top. A
-// side without names has none there.
-struct TNames {
-  std::vector<std::string> inputs;
-  std::vector<std::string> outputs;
-};
-
-// Writes the file; `name` becomes an identifier. Throws TException for what cannot be written: a
+// Writes the file; `name` becomes an identifier, and the comment at the top lists what inputs and
+// outputs are called, where they have names. Throws TException for what cannot be written: a
 // network with connections that lead back, whose answers depend on the calls before, one with a
 // layer that nothing but Kiln can compute, or with weights that are no numbers. Throws
 // FileTools::SaveError.
 void Save(const std::string& path, std::string_view name, const TBasicNetwork& network,
-          const TNames& names);
+          const ColumnNames& names);
 
 }  // namespace CFile
 }  // namespace kiln

@@ -111,7 +111,7 @@ bool LooksComplete(TScanner& scanner, const std::vector<TColumn>& columns,
 
 TColumns ReadColumns(TScanner& scanner, const Options& options) {
   scanner.SkipEmptyLines();
-  if (scanner.AtEnd()) scanner.Fail("an empty file");
+  if (scanner.AtEnd()) scanner.FailRow("an empty file");
   const TScanner start = scanner;
   const TFirstLine first = ReadFirstLine(scanner);
   TColumns columns;

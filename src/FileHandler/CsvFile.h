@@ -14,12 +14,13 @@ namespace kiln::CsvFile {
 // How a table is to be read. Columns go by their names in the header or, from 0, by their numbers;
 // those that are not named are inputs.
 struct Options {
-  std::optional<bool> header;  // whether the first line has the names; without it the line decides
-  std::vector<std::string> outputs;
-  std::vector<std::string> labels;
-  std::vector<std::string> ignore;
-  std::vector<std::string> words;  // columns of numbers that stand for classes
-  bool skip_missing = false;       // leave out rows with a cell that says nothing
+  std::optional<bool>
+      header{};  // whether the first line has the names; without it the line decides
+  std::vector<std::string> outputs{};
+  std::vector<std::string> labels{};
+  std::vector<std::string> ignore{};
+  std::vector<std::string> words{};  // columns of numbers that stand for classes
+  bool skip_missing = false;         // leave out rows with a cell that says nothing
 };
 
 struct Table {

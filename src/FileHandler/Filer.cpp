@@ -67,8 +67,8 @@ std::unique_ptr<Data> MakeSet(int rows, int inputs, int outputs) {
 }
 
 // "[up down=0.5 ]": a label without a number weighs 1, and a label given twice weighs the sum.
-void ReadLabels(Reader& reader, LabelList& labels) {
-  labels.Clear();
+void ReadLabels(Reader& reader, std::vector<WeightedName>& labels) {
+  labels.clear();
   std::string_view token = reader.ReadToken();
   if (token.empty()) reader.Fail("Unexpected end of file");
   if (token == "[~") reader.Fail("Unexpected End Tag");
@@ -84,7 +84,7 @@ void ReadLabels(Reader& reader, LabelList& labels) {
       weight = FileTools::ParseNumber(reader.ReadToken(), reader);
       token = reader.ReadToken();
     }
-    labels.Append(name, weight);
+    labels.push_back({name, weight});
   }
 }
 
@@ -97,7 +97,11 @@ class RowGroup {
         has_labels_(count == kLabels) {}
 
   void Read(Reader& reader) {
-    if (has_labels_) ReadLabels(reader, labels_);
+    if (has_labels_) {
+      ReadLabels(reader, names_);
+      labels_.Clear();
+      labels_.Append(names_);
+    }
     for (double& value : values_) value = ExpectNumberToken(reader.ReadItem("Data"), reader);
   }
 
@@ -106,6 +110,7 @@ class RowGroup {
 
  private:
   std::vector<double> values_;
+  std::vector<WeightedName> names_;  // in the text
   LabelList labels_;
   bool has_labels_;
 };

@@ -95,11 +95,25 @@ TAnswer SaveFuzzyRules(TInterpreter& interpreter, const TCommandLine& line) {
   return kDone;
 }
 
+// The names of the columns of the data set that the line names; none where it names none.
+ColumnNames NamedColumns(const TInterpreter& interpreter, const TCommandLine& line,
+                         const TBasicNetwork& network) {
+  if (line.Word("data").code != TReadCode::kRead) return {};
+  const std::string_view alias = RequiredAlias(line, "data");
+  const auto set = RequiredObject<Data>(interpreter, alias, " is not of type Data");
+  ColumnNames names = set->Names();
+  if (names.Inputs.size() != network.NumInputs()) names.Inputs.clear();
+  if (names.Outputs.size() != network.NumOutputs()) names.Outputs.clear();
+  return names;
+}
+
 TAnswer SaveC(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias");
   const auto network = AsNetwork(SavedEntry(interpreter, line));
   if (!network) Fail("object not an ANN type");
-  SaveTo(SavedPath(line), [&](const std::string& path) { CFile::Save(path, alias, *network, {}); });
+  const std::string to = SavedPath(line);
+  const ColumnNames names = NamedColumns(interpreter, line, *network);
+  SaveTo(to, [&](const std::string& path) { CFile::Save(path, alias, *network, names); });
   return kDone;
 }
 
@@ -193,6 +207,10 @@ constexpr TTag kNewTag = {"alias", kNewAlias, "the name for what is read"};
 
 constexpr TTag kSavedNetworkTags[] = {
     TTag{"alias", kAlias, "a network of any kind"}.Of("MLP Tarn Kohonen"), kToTag};
+constexpr TTag kSavedCTags[] = {
+    kSavedNetworkTags[0], kToTag,
+    TTag{"data", kAlias, "a set whose columns have the names of inputs and outputs"}.Of("Data").Or(
+        "they have none")};
 constexpr TTag kSavedDataTags[] = {TTag{"alias", kAlias, "a data set"}.Of("Data"), kToTag};
 constexpr TTag kSavedLabelsTags[] = {TTag{"alias", kAlias, "labels"}.Of("TarnLabels"), kToTag};
 constexpr TTag kSavedRulesTags[] = {TTag{"alias", kAlias, "rules"}.Of("FuzzyRules"), kToTag};
@@ -227,8 +245,8 @@ constexpr TForm kSavers[] = {
      kSavedRulesTags, SaveFuzzyRules},
     {"CSV", "writes a data set as a table with commas", "save CSV alias d filename (d.csv)",
      kSavedDataTags, SaveCsv},
-    {"C", "writes a network as a function in C", "save C alias net filename (net.c)",
-     kSavedNetworkTags, SaveC},
+    {"C", "writes a network as a function in C", "save C alias net filename (net.c) data d",
+     kSavedCTags, SaveC},
     {"FCL", "writes rules in the fuzzy control language",
      "save FCL alias found filename (wind.fcl)", kSavedRulesTags, SaveFcl},
 };

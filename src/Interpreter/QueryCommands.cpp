@@ -127,6 +127,20 @@ std::string StepToNextRow(Data& set) {
          AnswerArray(names) + " labelweights " + AnswerArray(weights);
 }
 
+std::string ColumnList(const std::vector<std::string>& names, int columns, const char* side) {
+  if (!names.empty()) return AnswerArray(names);
+  std::vector<std::string> numbered;
+  for (int c = 0; c < columns; ++c) numbered.push_back(side + std::to_string(c));
+  return AnswerArray(numbered);
+}
+
+TAnswer Columns(TInterpreter& interpreter, const TCommandLine& line) {
+  const TSubject subject = Subject(interpreter, line, "columns");
+  const auto set = RequiredObject<Data>(subject.node, subject.alias, " is not of type Data");
+  return "inputs " + ColumnList(set->Names().Inputs, set->Inputs(), "input") + " outputs " +
+         ColumnList(set->Names().Outputs, set->Outputs(), "output");
+}
+
 TAnswer GetNextRow(TInterpreter& interpreter, const TCommandLine& line) {
   const TSubject subject = Subject(interpreter, line, "getnextrow");
   const auto set = RequiredObject<Data>(subject.node, subject.alias, " is not of type Data");
@@ -203,6 +217,7 @@ constexpr TTag kStructureOfTags[] = {
     TTag{"structureof", kAlias, "a data set, a network, labels or rules"}.Of(
         "Data MLP Tarn Kohonen TarnLabels FuzzyRules")};
 constexpr TTag kGetNextRowTags[] = {TTag{"getnextrow", kAlias, "a data set"}.Of("Data")};
+constexpr TTag kColumnsTags[] = {TTag{"columns", kAlias, "a data set"}.Of("Data")};
 constexpr TTag kGetStatsTags[] = {
     TTag{"getstats", kChoice, "which figure of each column"}.Of("max min average"),
     TTag{"alias", kAlias, "statistics"}.Of("DataStats"),
@@ -223,6 +238,7 @@ constexpr TForm kQueries[] = {
     {"structureof", "the size of an object", "query structureof net", kStructureOfTags,
      StructureOf},
     {"getnextrow", "the next row of a data set", "query getnextrow d", kGetNextRowTags, GetNextRow},
+    {"columns", "the names of the columns of a data set", "query columns d", kColumnsTags, Columns},
     {"getstats", "figures of the columns of a data set",
      "query getstats max alias s inputs on outputs on", kGetStatsTags, GetStats},
     {"fired", "how much each rule applies", "query fired rules found inputs {0.1, 0.5}", kFiredTags,

@@ -108,6 +108,7 @@ TAnswer Label(TInterpreter& interpreter, const TCommandLine& line) {
     }
   });
   auto result = std::make_unique<Data>(asked->DataRows(), asked->Inputs(), asked->Outputs(), true);
+  result->SetNames(asked->Names());
   asked_rows.ForEach([&](const DataRow& row, std::size_t unit) {
     const auto found = labels.find(unit);
     result->AddRow(row.Inputs, row.Outputs, found != labels.end() ? &found->second : nullptr);

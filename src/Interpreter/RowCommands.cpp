@@ -34,12 +34,14 @@ LabelList RowLabels(const TCommandLine& line) {
   std::vector<std::string_view> names;
   if (line.Contains("labels")) names = Required(line.Words("labels"), kBadArray);
   const std::vector<double> weights = LabelWeights(line, names.size());
-  LabelList labels;
+  std::vector<WeightedName> given;
   for (std::size_t i = 0; i < names.size(); ++i) {
     const std::string_view name = TrimBlanks(names[i]);
     if (!FileTools::IsWord(name)) Fail(kBadArray);
-    labels.Append(name, weights[i]);
+    given.push_back({name, weights[i]});
   }
+  LabelList labels;
+  labels.Append(given);
   return labels;
 }
 

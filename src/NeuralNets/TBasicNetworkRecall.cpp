@@ -23,6 +23,12 @@ void CheckColumns(int columns, std::size_t needed, const char* side, const char*
                    "Invalid Parameter", function);
 }
 
+// What the outputs of a network are called: as those that the set expects, where these are as many.
+std::vector<std::string> OutputNames(const Data& set, std::size_t outputs) {
+  const std::vector<std::string>& names = set.Names().Outputs;
+  return names.size() == outputs ? names : std::vector<std::string>();
+}
+
 }  // namespace
 
 void TBasicNetwork::RecallPattern(std::span<const double> input, std::span<double> output) {
@@ -44,6 +50,7 @@ std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
   CheckInputsFit(*in, "TBasicNetwork::Recall");
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), outputs, false);
+  result->SetNames({in->Names().Inputs, OutputNames(*in, NumOutputs())});
   TRecall(*this).ForEachRow(*in, [&](const DataRow& row, std::span<const double> output) {
     result->AddRow(row.Inputs, output);
   });
@@ -59,6 +66,7 @@ std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
   CheckInputsFit(*in, kFunction);
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), 0, outputs, false);
+  result->SetNames({{}, OutputNames(*in, NumOutputs())});
   TRecall(*this).ForEachRow(
       *in, [&](const DataRow&, std::span<const double> output) { result->AddRow({}, output); });
   return result;

@@ -23,6 +23,26 @@ void Pick(std::span<const double> row, std::span<const int> columns, std::span<d
                  [row](int column) { return row[static_cast<std::size_t>(column)]; });
 }
 
+std::vector<std::string> PickNames(const std::vector<std::string>& names,
+                                   std::span<const int> columns) {
+  std::vector<std::string> picked;
+  if (names.empty()) return picked;
+  for (const int column : columns) picked.push_back(names[static_cast<std::size_t>(column)]);
+  return picked;
+}
+
+// The names of inputs at `steps` steps side by side: "x", "x-1", "x-2" back in time, "x+1" forward.
+std::vector<std::string> StepNames(const std::vector<std::string>& names, int steps,
+                                   int direction) {
+  std::vector<std::string> all;
+  for (int k = 0; k < steps; ++k) {
+    for (const std::string& name : names) {
+      all.push_back(k == 0 ? name : name + (direction > 0 ? '+' : '-') + std::to_string(k));
+    }
+  }
+  return all;
+}
+
 // The rows of the source from which there are `steps` rows in `direction` (1 forward, -1 back), the
 // row itself counted, each with the inputs of these rows side by side.
 std::unique_ptr<Data> StackRows(const Data& source, int steps, int direction,
@@ -34,6 +54,7 @@ std::unique_ptr<Data> StackRows(const Data& source, int steps, int direction,
   const int rows = source.DataRows() - (steps - 1);
   auto result = std::make_unique<Data>(rows, std::int64_t{source.Inputs()} * steps,
                                        source.Outputs(), source.HasLabels());
+  result->SetNames({StepNames(source.Names().Inputs, steps, direction), source.Names().Outputs});
   std::vector<double> inputs(static_cast<std::size_t>(result->Inputs()));
   for (int n = first; n < first + rows; ++n) {
     auto block = inputs.begin();
@@ -72,6 +93,8 @@ std::unique_ptr<Data> TDataManip::Extract(const Data* source, std::span<const in
   std::vector<double> outputs(output_columns.size());
   auto result = std::make_unique<Data>(from.Rows(), std::ssize(inputs), std::ssize(outputs),
                                        from.HasLabels());
+  result->SetNames({PickNames(from.Names().Inputs, input_columns),
+                    PickNames(from.Names().Outputs, output_columns)});
   for (int n = 0; n < from.DataRows(); ++n) {
     const DataRow row = from.Row(n);
     Pick(row.Inputs, input_columns, inputs);
@@ -84,7 +107,7 @@ std::unique_ptr<Data> TDataManip::Extract(const Data* source, std::span<const in
 std::unique_ptr<Data> TDataManip::GetFirstRows(int n, const Data* source) {
   const Data& from = CheckedSource(source, "GetFirstRows");
   if (from.DataRows() < n) ThrowManip("Insufficient rows", "GetFirstRows");
-  auto result = std::make_unique<Data>(n, from.Inputs(), from.Outputs(), from.HasLabels());
+  auto result = from.MakeAlike(n);
   result->AddRows(from, 0, n);
   return result;
 }
@@ -102,6 +125,7 @@ std::vector<std::unique_ptr<Data>> TDataManip::Divide(const Data* source,
   int first = 0;
   for (const int rows : rows_per_subset) {
     subsets.push_back(std::make_unique<Data>(rows, from.Inputs(), from.Outputs(), false));
+    subsets.back()->SetNames(from.Names());
     subsets.back()->AddRows(from, first, rows);
     first += rows;
   }

@@ -15,8 +15,7 @@ std::unique_ptr<Data> Map(const Data* source, const TColumnBounds& input_bounds,
   const Data& from = CheckedSource(source, operation);
   if (!input_bounds.Fits(from.Inputs()) || !output_bounds.Fits(from.Outputs()))
     ThrowManip("Invalid number of bounds", operation);
-  auto result =
-      std::make_unique<Data>(from.DataRows(), from.Inputs(), from.Outputs(), from.HasLabels());
+  auto result = from.MakeAlike(from.DataRows());
   std::vector<double> inputs, outputs;
   for (int n = 0; n < from.DataRows(); ++n) {
     const DataRow row = from.Row(n);

@@ -23,7 +23,8 @@ std::vector<int> RandomOrder(int n) {
   return order;
 }
 
-// The samples one after the other, in a set with labels if any of them has some.
+// The samples one after the other, in a set with labels if any of them has some, and the names of
+// the first.
 std::unique_ptr<Data> Concatenate(std::span<const std::unique_ptr<Data>> samples) {
   const Data& model = *samples.front();
   std::int64_t rows = 0;
@@ -35,6 +36,7 @@ std::unique_ptr<Data> Concatenate(std::span<const std::unique_ptr<Data>> samples
     has_labels = has_labels || sample->HasLabels();
   }
   auto result = std::make_unique<Data>(rows, model.Inputs(), model.Outputs(), has_labels);
+  result->SetNames(model.Names());
   for (const auto& sample : samples) result->AddRows(*sample, 0, sample->DataRows());
   return result;
 }
@@ -44,7 +46,7 @@ std::unique_ptr<Data> Concatenate(std::span<const std::unique_ptr<Data>> samples
 std::unique_ptr<Data> TDataManip::Shuffle(const Data* source) {
   const Data& from = CheckedSource(source, "Shuffle", "Null data source");
   const int rows = from.DataRows();
-  auto result = std::make_unique<Data>(rows, from.Inputs(), from.Outputs(), from.HasLabels());
+  auto result = from.MakeAlike(rows);
   // Rows are set in any order below, so every position must hold one.
   for (int n = 0; n < rows; ++n) result->AddRow({}, {});
   int n = 0;

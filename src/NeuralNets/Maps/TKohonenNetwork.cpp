@@ -102,6 +102,7 @@ void TKohonenNetwork::RecallPattern(std::span<const double> input, std::span<dou
 std::unique_ptr<Data> TKohonenNetwork::Recall(const Data* in) {
   Assert(in != nullptr, "in != nil", kModule);
   auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), in->Inputs(), in->HasLabels());
+  result->SetNames({in->Names().Inputs, in->Names().Inputs});
   ForEachWinner(*this, *in, "TKohonenNetwork::Recall", [&](const DataRow& row, std::size_t unit) {
     result->AddRow(row.Inputs, Prototype(unit), row.Labels);
   });
@@ -111,6 +112,7 @@ std::unique_ptr<Data> TKohonenNetwork::Recall(const Data* in) {
 std::unique_ptr<Data> TKohonenNetwork::RecallOutputOnly(const Data* in) {
   Assert(in != nullptr, "in != nil", kModule);
   auto result = std::make_unique<Data>(in->DataRows(), 0, in->Inputs(), in->HasLabels());
+  result->SetNames({{}, in->Names().Inputs});
   ForEachWinner(*this, *in, "TKohonenNetwork::RecallOutputOnly",
                 [&](const DataRow& row, std::size_t unit) {
                   result->AddRow({}, Prototype(unit), row.Labels);
@@ -124,6 +126,7 @@ std::unique_ptr<Data> TKohonenNetwork::RecallCoordinates(const Data* in) const {
   std::vector<double> output(coordinates.size());
   auto result =
       std::make_unique<Data>(in->DataRows(), in->Inputs(), std::ssize(output), in->HasLabels());
+  result->SetNames({in->Names().Inputs, {}});
   ForEachWinner(*this, *in, "TKohonenNetwork::RecallCoordinates",
                 [&](const DataRow& row, std::size_t unit) {
                   grid_.CoordinatesOf(unit, coordinates);
