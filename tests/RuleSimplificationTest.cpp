@@ -170,7 +170,7 @@ TEST(RuleSimplification, FitsDegrees) {
     return model.Error() * model.Error() + kDegreePull * squares;
   };
   double least = objective();
-  FitDegrees(model, [&](int, double) {
+  FitDegrees(model, 200, [&](int, double) {
     least = std::min(least, objective());
     return true;
   });
@@ -181,6 +181,17 @@ TEST(RuleSimplification, FitsDegrees) {
   for (std::size_t k = 0; k < degrees.size(); ++k) {
     EXPECT_GT(degrees[k], 0.0);
     EXPECT_NEAR((gradient[k] + 2 * kDegreePull * degrees[k]) * degrees[k], 0.0, 1e-4);
+  }
+}
+
+TEST(RuleSimplification, KeepsToAtomsWhateverTheyCost) {
+  for (unsigned seed = 1; seed <= 6; ++seed) {
+    const TCase c(seed);
+    const TSimplification options = {
+        .data = *c.data, .tolerance = 0.0, .refit = seed % 2 == 0, .rounds = 2, .atoms = 2};
+    for (const TFlatRule& rule : Simplified(c.rules, c.terms, options)) {
+      EXPECT_LE(rule.conditions.size(), 2u);
+    }
   }
 }
 

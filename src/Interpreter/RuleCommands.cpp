@@ -61,7 +61,13 @@ TSimplification SimplificationOf(const TCommandLine& line, const Data& set) {
   TSimplification simplification = {.data = set};
   ReadTolerance(line, simplification.tolerance);
   if (line.Word("fit").code == TReadCode::kRead) simplification.fit = RequiredBoolean(line, "fit");
+  if (line.Word("refit").code == TReadCode::kRead) {
+    simplification.refit = RequiredBoolean(line, "refit");
+  }
   simplification.rounds = AtLeast(1, Optional(line.Long("rounds"), std::int64_t{1}), "rounds");
+  if (line.Word("atoms").code == TReadCode::kRead) {
+    simplification.atoms = AtLeast(1, line.Long("atoms").value, "atoms");
+  }
   return simplification;
 }
 
@@ -120,6 +126,8 @@ constexpr TTag kRETarnTags[] = {
     TTag{"tolerance", kDouble, "share of the error that simpler rules may add"}.Or("0.1"),
     TTag{"fit", kBoolean, "whether the degrees that are left are fitted"}.Or("on"),
     TTag{"rounds", kLong, "how often to simplify and fit"}.Or("1"),
+    TTag{"refit", kBoolean, "whether to fit first, and after each part that goes"}.Or("off"),
+    TTag{"atoms", kLong, "conditions that a rule may have"}.Or("any number"),
 };
 constexpr TForm kRETarn[] = {
     {"", "reads rules from a fuzzy network",

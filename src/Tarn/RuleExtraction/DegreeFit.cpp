@@ -46,17 +46,17 @@ double Objective(const TRuleModel& model, const std::vector<double>& degrees) {
 
 }  // namespace
 
-void FitDegrees(TRuleModel& model, const TEpochObserver& observer) {
+void FitDegrees(TRuleModel& model, int steps, const TEpochObserver& observer) {
   std::vector<double> degrees = model.Degrees();
   std::vector<double> best = degrees;
   double least = Objective(model, degrees);
-  TResilientSteps steps(degrees.size());
-  for (int step = 0; step < kFitSteps; ++step) {
+  TResilientSteps changes(degrees.size());
+  for (int step = 0; step < steps; ++step) {
     const std::vector<double> gradient = model.Gradient();
     for (std::size_t k = 0; k < degrees.size(); ++k) {
       if (!(degrees[k] > 0.0)) continue;
       const double derivative = gradient[k] + 2.0 * kDegreePull * degrees[k];
-      degrees[k] *= std::exp(steps.Next(k, derivative * degrees[k]));
+      degrees[k] *= std::exp(changes.Next(k, derivative * degrees[k]));
     }
     model.SetDegrees(degrees);
     const double objective = Objective(model, degrees);

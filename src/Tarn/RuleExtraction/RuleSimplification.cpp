@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <string>
 #include <utility>
 
@@ -23,37 +24,52 @@ void CheckOptions(const TTarn& terms, const TSimplification& options) {
   Check(options.tolerance >= 0.0 && std::isfinite(options.tolerance),
         "tolerance must be a number of at least 0");
   Check(options.rounds >= 1, "rounds must be at least 1");
+  Check(options.atoms >= 0, "atoms must be at least 0");
 }
 
-// Takes parts out of rules while that costs little.
+// Takes parts out of rules, the one that is missed least first.
 class TPruning {
  public:
   // REQUIRES: the model outlives the object.
   TPruning(TRuleModel& model, double tolerance, double error_of_means)
-      : model_(model),
-        tolerance_(tolerance),
-        error_of_means_(error_of_means),
-        lowest_(model.Error()) {}
+      : model_(model), tolerance_(tolerance), error_of_means_(error_of_means) {}
 
-  // Takes one part out; false when every one costs too much.
-  bool Step() {
+  // Takes one part out; false when every one costs more than is tolerated.
+  bool Tolerated() {
     lowest_ = std::min(lowest_, model_.Error());
-    const std::vector<TRuleModel::TPart> parts = model_.Parts();
-    const std::vector<double> errors = ErrorsWithout(parts);
-    const auto least = std::ranges::min_element(errors);
-    if (least == errors.end() || !(*least <= Limit(*least))) return false;
-    model_.Remove(parts[static_cast<std::size_t>(least - errors.begin())]);
+    const auto [part, error] = LeastMissed(model_.Parts());
+    if (!(error <= Limit(error))) return false;
+    model_.Remove(part);
+    return true;
+  }
+
+  // Takes a condition out of a rule that has more than so many; false when none has.
+  bool Above(std::size_t conditions) {
+    std::vector<TRuleModel::TPart> parts = model_.Parts();
+    std::erase_if(parts, [&](const TRuleModel::TPart& part) {
+      return part.kind != TRuleModel::TPart::kCondition ||
+             model_.Rules()[part.rule].conditions.size() <= conditions;
+    });
+    if (parts.empty()) return false;
+    model_.Remove(LeastMissed(parts).part);
     return true;
   }
 
  private:
-  // The error of each part is a piece of work of its own.
-  std::vector<double> ErrorsWithout(const std::vector<TRuleModel::TPart>& parts) const {
+  struct TTrial {
+    TRuleModel::TPart part;
+    double error;  // without the part; infinite when there is no part at all
+  };
+
+  // The first of equals. The error of each part is a piece of work of its own.
+  TTrial LeastMissed(const std::vector<TRuleModel::TPart>& parts) const {
     std::vector<double> errors(parts.size());
     std::ranges::transform(parts, errors.begin(), [this](const TRuleModel::TPart& part) {
       return model_.ErrorWithout(part);
     });
-    return errors;
+    const auto least = std::ranges::min_element(errors);
+    if (least == errors.end()) return {{}, std::numeric_limits<double>::infinity()};
+    return {parts[static_cast<std::size_t>(least - errors.begin())], *least};
   }
 
   // What the error may become, once `error` counts among those seen.
@@ -65,23 +81,63 @@ class TPruning {
   TRuleModel& model_;
   double tolerance_;
   double error_of_means_;
-  double lowest_;
+  double lowest_ = std::numeric_limits<double>::infinity();
 };
 
-// Counts the steps of the whole work for an observer, and remembers that one asked for its end.
-class TProgress {
+// The whole work on one model, which tells an observer of each step.
+class TSimplifier {
  public:
-  explicit TProgress(const TEpochObserver& observer) : observer_(observer) {}
+  // REQUIRES: everything given outlives the object.
+  TSimplifier(TRuleModel& model, TPruning& pruning, const TSimplification& options)
+      : model_(model), pruning_(pruning), options_(options) {}
 
-  // Whether the work goes on.
-  bool Report(double error) {
-    if (goes_on_ && observer_) goes_on_ = observer_(steps_++, error);
-    return goes_on_;
+  void Run() {
+    if (options_.refit) Fit(kFitSteps);
+    RunRounds();
+    if (options_.atoms == 0) return;
+    const auto limit = static_cast<std::size_t>(options_.atoms);
+    if (!TakeOut([&] { return pruning_.Above(limit); })) return;
+    if (options_.fit) Fit(kFitSteps);
+    RunRounds();
   }
-  bool GoesOn() const { return goes_on_; }
 
  private:
-  const TEpochObserver& observer_;
+  void RunRounds() {
+    for (int round = 0; round < options_.rounds && goes_on_; ++round) {
+      const bool has_changed = TakeOut([&] { return pruning_.Tolerated(); });
+      if (round > 0 && !has_changed) break;
+      if (options_.fit) Fit(kFitSteps);
+    }
+  }
+
+  // Takes parts out while `step` can; whether it could at all.
+  template <typename TStep>
+  bool TakeOut(const TStep& step) {
+    bool has_changed = false;
+    while (goes_on_ && step()) {
+      has_changed = true;
+      Report(model_.Error());
+      if (options_.refit) Fit(kRefitSteps);
+    }
+    return has_changed;
+  }
+
+  void Fit(int steps) {
+    if (!goes_on_) return;
+    FitDegrees(model_, steps, [this](int, double error) { return Report(error); });
+  }
+
+  bool Report(double error) {
+    if (options_.observer) goes_on_ = options_.observer(steps_++, error);
+    return goes_on_;
+  }
+
+  static constexpr int kFitSteps = 200;
+  static constexpr int kRefitSteps = 20;
+
+  TRuleModel& model_;
+  TPruning& pruning_;
+  const TSimplification& options_;
   int steps_ = 0;
   bool goes_on_ = true;
 };
@@ -94,17 +150,7 @@ TFlatRules Simplified(TFlatRules rules, const TTarn& terms, const TSimplificatio
   const TRuleTask task(terms, options.data, rules);
   TRuleModel model(task, std::move(rules));
   TPruning pruning(model, options.tolerance, task.ErrorOfMeans());
-  TProgress progress(options.observer);
-  bool has_changed = true;
-  for (int round = 0; round < options.rounds && has_changed && progress.GoesOn(); ++round) {
-    has_changed = round == 0;
-    while (progress.GoesOn() && pruning.Step()) {
-      has_changed = true;
-      progress.Report(model.Error());
-    }
-    if (!options.fit || !has_changed || !progress.GoesOn()) continue;
-    FitDegrees(model, [&](int, double error) { return progress.Report(error); });
-  }
+  TSimplifier(model, pruning, options).Run();
   return model.Rules();
 }
 

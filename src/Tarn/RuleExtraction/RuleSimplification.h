@@ -10,9 +10,11 @@ namespace kiln {
 // How rules are made simpler by what they answer to a data set.
 struct TSimplification {
   const Data& data;
-  double tolerance = 0.1;  // what an atom fewer may cost, see Simplified
-  bool fit = true;         // whether the degrees that are left are fitted
-  int rounds = 1;          // how often both are done, while there is still something to take out
+  double tolerance = 0.1;        // what an atom fewer may cost, see Simplified
+  bool fit = true;               // whether the degrees that are left are fitted
+  bool refit = false;            // whether they are fitted first, too, and a little after each part
+  int rounds = 1;                // how often parts go and degrees are fitted, while any part goes
+  int atoms = 0;                 // how many conditions a rule may have; 0: any number
   TEpochObserver observer = {};  // called after each part taken out and each step of a fit; false
                                  // ends the work with what it has reached
 };
@@ -26,8 +28,12 @@ struct TSimplification {
 // where `lowest` is the least error seen and E that of answering every row with the means of the
 // outputs. Then the degrees that are left are fitted (see FitDegrees).
 //
+// If rules have more conditions than `atoms` allows after all rounds, conditions of these go in the
+// same order, whatever that costs, and the rounds begin once more.
+//
 // Throws TException unless the set fits the network and has rows, the tolerance is a number of at
-// least 0 and there is a round. REQUIRES: there are the terms that the rules name.
+// least 0, there is a round, and `atoms` is not negative. REQUIRES: there are the terms that the
+// rules name.
 TFlatRules Simplified(TFlatRules rules, const TTarn& terms, const TSimplification& options);
 
 }  // namespace kiln
