@@ -22,6 +22,9 @@ class TErrorObj {
   // The error so far.
   virtual double Value() const = 0;
 
+  // The sum over the patterns, and of penalties once they have been added.
+  double Sum() const { return sum_; }
+
   // Adds Penalty(weights, description, 1.0) to the sum.
   void AddPenalty(std::span<const double> weights, const TKQstructure* description);
 
@@ -40,7 +43,6 @@ class TErrorObj {
 
   std::size_t Outputs() const { return outputs_; }
   std::size_t Patterns() const { return patterns_; }
-  double Sum() const { return sum_; }
 
  private:
   std::size_t outputs_;

@@ -56,6 +56,14 @@ void OrderBetween(std::span<double> centres, std::span<const double> distances, 
   }
 }
 
+// The distance of a centre from its nearest neighbour.
+double GapAt(std::span<const double> centres, std::size_t k) {
+  const std::size_t last = centres.size() - 1;
+  const double left = std::abs(k > 0 ? centres[k] - centres[k - 1] : centres[1] - centres[0]);
+  const double right = k < last ? std::abs(centres[k + 1] - centres[k]) : left;
+  return std::min(left, right);
+}
+
 }  // namespace
 
 void PlaceCentresEvenly(std::span<double> centres) {
@@ -72,23 +80,24 @@ void MeasureCentreDistances(std::span<const double> centres, std::span<double> d
   distances[last] = 0.0;
 }
 
+void MeasureCentreGaps(std::span<const double> centres, std::span<double> gaps) {
+  for (std::size_t k = 0; k < centres.size(); ++k) gaps[k] = GapAt(centres, k);
+}
+
 void ScaleCentreGradients(std::span<const double> centres, std::span<double> gradients) {
-  const std::size_t last = centres.size() - 1;
-  for (std::size_t k = 0; k <= last; ++k) {
-    const double left = std::abs(k > 0 ? centres[k] - centres[k - 1] : centres[1] - centres[0]);
-    const double right = k < last ? std::abs(centres[k + 1] - centres[k]) : left;
-    const double gap = std::min(left, right);
+  for (std::size_t k = 0; k < centres.size(); ++k) {
+    const double gap = GapAt(centres, k);
     gradients[k] *= gap * gap;
   }
 }
 
-void LimitCentreSteps(std::span<const double> before, std::span<double> centres) {
+void LimitCentreSteps(std::span<const double> before, std::span<double> centres, double share) {
   const std::size_t last = centres.size() - 1;
   for (std::size_t k = 0; k <= last; ++k) {
     const double from_left = k > 0 ? before[k] - before[k - 1] : before[1] - before[0];
     const double to_right = k < last ? before[k + 1] - before[k] : from_left;
-    const double least = before[k] - kCentreStep * std::abs(from_left);
-    const double most = before[k] + kCentreStep * std::abs(to_right);
+    const double least = before[k] - share * std::abs(from_left);
+    const double most = before[k] + share * std::abs(to_right);
     centres[k] = std::min(std::max(centres[k], least), most);
   }
 }

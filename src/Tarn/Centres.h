@@ -31,19 +31,23 @@ inline constexpr double kCentreDistance = 0.1;
 // centre has none. REQUIRES: at least two centres, a distance for each.
 void MeasureCentreDistances(std::span<const double> centres, std::span<double> distances);
 
+// The distance of each centre from its nearest neighbour. REQUIRES: at least two centres, a gap for
+// each.
+void MeasureCentreGaps(std::span<const double> centres, std::span<double> gaps);
+
 // Multiplies the derivative of an error by each centre with the square of the gap to its nearest
 // neighbour. The slopes of a membership are one over such a gap, so that steps down the gradient
 // itself would grow as centres near each other, and throw them together at any rate that moves the
 // weights of rules. REQUIRES: at least two centres, a gradient for each.
 void ScaleCentreGradients(std::span<const double> centres, std::span<double> gradients);
 
-// The share of the way to a neighbour that LimitCentreSteps lets a centre go.
+// The share of the way to a neighbour that a step down the gradient may take an input's centre.
 inline constexpr double kCentreStep = 1e-2;
 
-// Shortens the steps that have led from `before` to `centres`: a centre goes at most kCentreStep of
-// the way to its neighbour of before, and an outer one as far outwards as inwards.
+// Shortens the steps that have led from `before` to `centres`: a centre goes at most `share` of the
+// way to its neighbour of before, and an outer one as far outwards as inwards.
 // REQUIRES: as many centres in `before` as in `centres`, at least two.
-void LimitCentreSteps(std::span<const double> before, std::span<double> centres);
+void LimitCentreSteps(std::span<const double> before, std::span<double> centres, double share);
 
 // Puts centres back in ascending order within [0, 1] after a step has moved them. From the first to
 // the last each is lifted to its distance above its left neighbour and to 0; then, from the last to

@@ -20,6 +20,13 @@ void TCentreConnections::MeasureDistances(std::span<double> distances) const {
   }
 }
 
+void TCentreConnections::MeasureGaps(std::span<double> gaps) const {
+  for (const TPatchShape& shape : Patches()) {
+    MeasureCentreGaps(Weights().subspan(shape.offset, shape.Size()),
+                      gaps.subspan(shape.offset, shape.Size()));
+  }
+}
+
 void TCentreConnections::ScaleGradients(std::span<double> gradients) const {
   for (const TPatchShape& shape : Patches()) {
     ScaleCentreGradients(Weights().subspan(shape.offset, shape.Size()),
@@ -27,10 +34,10 @@ void TCentreConnections::ScaleGradients(std::span<double> gradients) const {
   }
 }
 
-void TCentreConnections::LimitSteps(std::span<const double> before) {
+void TCentreConnections::LimitSteps(std::span<const double> before, double share) {
   for (const TPatchShape& shape : Patches()) {
     LimitCentreSteps(before.subspan(shape.offset, shape.Size()),
-                     Weights().subspan(shape.offset, shape.Size()));
+                     Weights().subspan(shape.offset, shape.Size()), share);
   }
 }
 

@@ -14,12 +14,14 @@ class TCentreConnections : public TBasicConnections {
   bool IsResizable() const override { return false; }
 
   // Apply to the centres of each variable, with its part of spans over the whole block, what
-  // PlaceCentresEvenly, heedless of flags, MeasureCentreDistances, ScaleCentreGradients,
-  // LimitCentreSteps and PutCentresInOrder say. REQUIRES: spans have a value for each weight.
+  // PlaceCentresEvenly, heedless of flags, MeasureCentreDistances, MeasureCentreGaps,
+  // ScaleCentreGradients, LimitCentreSteps and PutCentresInOrder say. REQUIRES: spans have a value
+  // for each weight.
   void PlaceEvenly();
   void MeasureDistances(std::span<double> distances) const;
+  void MeasureGaps(std::span<double> gaps) const;
   void ScaleGradients(std::span<double> gradients) const;
-  void LimitSteps(std::span<const double> before);
+  void LimitSteps(std::span<const double> before, double share);
   void PutInOrder(std::span<const double> distances);
 
  protected:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "Tarn/Centres.h"
 #include "Tarn/TTarn.h"
 
 namespace kiln {
@@ -21,7 +22,7 @@ void TCentreSteps::Begin() {
 }
 
 void TCentreSteps::End() {
-  inputs_.LimitSteps(before_);
+  inputs_.LimitSteps(before_, kCentreStep);
   inputs_.PutInOrder(input_distances_);
   outputs_.PutInOrder(output_distances_);
 }

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Tarn/TTarnLevenberg.h"
 #include "Tarn/TTarnPass.h"
 
 namespace kiln {
@@ -29,9 +30,16 @@ std::unique_ptr<TTrainPass> TTarnBP::MakePass(const TTrainRun& run) {
   return std::make_unique<TTarnPass>(State(), run, *steps_);
 }
 
-void TTarnBP::Update(const TTrainRun& run, double share) {
+std::unique_ptr<TTrainPass> TTarnBP::MakeLevenbergPass(const TTrainRun& run) {
+  steps_.emplace(Tarn());
+  auto derivatives = std::make_unique<TTarnPass>(State(), run, *steps_);
+  return std::make_unique<TTarnLevenberg>(State(), run, std::move(derivatives));
+}
+
+void TTarnBP::Update(const TTrainRun& run, int rows, const TErrorObj& error) {
   steps_->Begin();
-  TBackpropModule::Update(run, share);
+  steps_->ScaleGradients(State().gradients.Block(TTarn::kConditionLayer, TTarn::kInputLayer));
+  TBackpropModule::Update(run, rows, error);
   steps_->End();
 }
 

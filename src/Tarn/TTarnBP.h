@@ -32,7 +32,8 @@ class TTarnBP : public TBackpropModule {
  protected:
   void CheckLayers(const TTrainRun& run) const override;
   std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override;
-  void Update(const TTrainRun& run, double share) override;
+  std::unique_ptr<TTrainPass> MakeLevenbergPass(const TTrainRun& run) override;
+  void Update(const TTrainRun& run, int rows, const TErrorObj& error) override;
 
  private:
   std::optional<TCentreSteps> steps_;  // of the latest run

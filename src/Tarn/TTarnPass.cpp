@@ -50,7 +50,7 @@ void TTarnPass::TrainConditionLayer() {
   const auto& layer = static_cast<const TConditionLayer&>(tarn_.Layer(TTarn::kConditionLayer));
   std::ranges::fill(centre_gradients_, 0.0);
   layer.AddGradients(State().Errors(TTarn::kConditionLayer), centre_gradients_);
-  steps_.ScaleGradients(centre_gradients_);
+  if (Kind() == TKind::kMovesWeights) steps_.ScaleGradients(centre_gradients_);
   TrainBlock(TTarn::kConditionLayer, TTarn::kInputLayer, {centre_gradients_, ones_, {}});
 }
 

@@ -1,8 +1,11 @@
 #include "NeuralNets/Training/TBackpropModule.h"
 
+#include <utility>
+
 #include "NeuralNets/Training/ActDerivatives.h"
 #include "NeuralNets/Training/TBlockPass.h"
 #include "NeuralNets/Training/TLayerwisePass.h"
+#include "NeuralNets/Training/TLevenbergPass.h"
 #include "NeuralNets/Training/TPatternPass.h"
 #include "NeuralNets/Training/TSmallPass.h"
 #include "Shared/TAssertion.h"
@@ -40,6 +43,7 @@ void TBackpropModule::CheckLayer(const TTrainRun& run, std::size_t layer) const 
 //                 and trainable, at most 2048 weights
 //   at once       plain                                                    TPatternPass
 //   any           any                                                      TLayerwisePass
+//   levenberg     any                                                      TLevenbergPass
 //
 // "At once" is TTrainRun::at_once, "plain" is IsPlain. Within TPatternPass those patches over
 // the inputs that are at least 16 rows high and 48 to 65536 columns wide, with no connection absent
@@ -52,6 +56,11 @@ std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
     return std::make_unique<TPatternPass>(State(), run);
   }
   return std::make_unique<TLayerwisePass>(State(), run);
+}
+
+std::unique_ptr<TTrainPass> TBackpropModule::MakeLevenbergPass(const TTrainRun& run) {
+  auto derivatives = std::make_unique<TLayerwisePass>(State(), run);
+  return std::make_unique<TLevenbergPass>(State(), run, std::move(derivatives));
 }
 
 }  // namespace kiln

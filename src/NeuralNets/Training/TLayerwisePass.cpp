@@ -21,14 +21,34 @@ void TLayerwisePass::Run(const Data& data, int first, int last, TErrorObj& error
 }
 
 void TLayerwisePass::TrainPattern(const DataRow& row, TErrorObj& error) {
-  TBasicNetwork& network = *state_.network;
-  network.RecallPattern(row.Inputs, output_);
+  Recall(row);
   ends_.AddError(row, error);
-  for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
+  ClearErrors();
+  ends_.SetErrors(row);
+  GoBack();
+}
+
+std::span<const double> TLayerwisePass::Recall(const DataRow& row) {
+  state_.network->RecallPattern(row.Inputs, output_);
+  return output_;
+}
+
+void TLayerwisePass::AddDerivatives(std::size_t output) {
+  ClearErrors();
+  const std::span<double> errors = state_.Errors(state_.network->OutputLayer());
+  std::ranges::fill(errors, 0.0);
+  errors[output] = 1.0;
+  GoBack();
+}
+
+void TLayerwisePass::ClearErrors() {
+  for (std::size_t layer = 0; layer < state_.network->NumLayers(); ++layer) {
     std::ranges::fill(state_.ErrorsBelow(layer), 0.0);
   }
-  ends_.SetErrors(row);
-  for (std::size_t layer = network.NumLayers(); layer-- > 0;) TrainLayer(layer);
+}
+
+void TLayerwisePass::GoBack() {
+  for (std::size_t layer = state_.network->NumLayers(); layer-- > 0;) TrainLayer(layer);
 }
 
 void TLayerwisePass::TrainLayer(std::size_t layer) {

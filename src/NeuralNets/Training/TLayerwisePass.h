@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "NeuralNets/Training/TPatternEnds.h"
@@ -25,8 +26,15 @@ class TLayerwisePass : public TTrainPass {
 
   void Run(const Data& data, int first, int last, TErrorObj& error) override;
 
+  // Recalls one pattern and returns the outputs.
+  std::span<const double> Recall(const DataRow& row);
+
+  // Adds to the gradients the derivative of one output, for the pattern of the last Recall, by each
+  // weight. REQUIRES: the pass adds gradients.
+  void AddDerivatives(std::size_t output);
+
  protected:
-  // Recalls one pattern and goes back through the layers with its errors.
+  // Takes one pattern through the network and goes back through the layers with its errors.
   virtual void TrainPattern(const DataRow& row, TErrorObj& error);
 
   // Turns the error terms of a layer into deltas, hands TrainBlock its blocks from lower layers,
@@ -41,6 +49,9 @@ class TLayerwisePass : public TTrainPass {
   TTrainState& State() { return state_; }
 
  private:
+  void ClearErrors();
+  void GoBack();
+
   TTrainState& state_;
   const TTrainRun& run_;
   TPatternEnds ends_;

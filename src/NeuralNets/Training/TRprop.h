@@ -9,8 +9,8 @@
 namespace kiln {
 
 // Resilient propagation with backing out of steps that raise the error (iRprop+). Each weight has a
-// step size of its own, and only the sign of its gradient counts. With g the gradient and g' that of
-// the update before:
+// step size of its own, and only the sign of its gradient counts. With g the gradient and g' that
+// of the update before:
 //   g g' > 0   the step size grows, and the weight goes a step down the gradient
 //   g g' < 0   the step size shrinks; where the error has risen as well, the weight goes back to
 //              where it was before its last step, otherwise it stays; then g counts as 0

@@ -22,6 +22,20 @@ void CheckData(const Data& data, const TBasicNetwork& network) {
   }
 }
 
+// Moves weights by a rule that keeps numbers of its own for each of them.
+template <typename TRule>
+class TRuleUpdate : public TIterateObj2 {
+ public:
+  TRuleUpdate(TRule& rule, const double* gradients) : rule_(rule), gradients_(gradients) {}
+  void Patch(const TWeightPatch& patch, double* gradients) override {
+    rule_.Move(static_cast<std::size_t>(gradients - gradients_), patch, gradients);
+  }
+
+ private:
+  TRule& rule_;
+  const double* gradients_;  // of all weights
+};
+
 }  // namespace
 
 TTrainModule::TTrainModule(std::shared_ptr<TBasicNetwork> network) : state_(std::move(network)) {}
@@ -31,7 +45,9 @@ double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
   CheckData(data, Network());
   const TTrainRun run(params, data);
   CheckLayers(run);
-  const std::unique_ptr<TTrainPass> pass = MakePass(run);
+  const bool is_levenberg = run.method.kind == TMethodKind::kLevenberg;
+  const std::unique_ptr<TTrainPass> pass = is_levenberg ? MakeLevenbergPass(run) : MakePass(run);
+  StartMethod(run.method);
   const std::unique_ptr<TErrorObj> error = run.MakeError(Network().NumOutputs());
   double last = 0.0;
   for (int epoch = 0; epoch < epochs; ++epoch) {
@@ -62,8 +78,14 @@ void TTrainModule::RunEpoch(const Data& data, const TTrainRun& run, TTrainPass& 
     const int last = std::min(first + run.batch, run.patterns);
     state_.gradients.Clear();
     pass.Run(data, first, last, error);
-    Update(run, static_cast<double>(last - first) / run.patterns);
+    Update(run, last - first, error);
   }
+}
+
+void TTrainModule::StartMethod(const TMethodSettings& method) {
+  if (state_.method.index() == static_cast<std::size_t>(method.kind)) return;
+  state_.changes.Clear();
+  state_.method = NewMemory(method, state_.changes.Values().size());
 }
 
 void TTrainModule::CheckLayers(const TTrainRun&) const {
@@ -74,17 +96,33 @@ std::unique_ptr<TTrainPass> TTrainModule::MakePass(const TTrainRun&) {
   AssertFalse(kModule, 79);
 }
 
-// The one place where gradients become an update.
-void TTrainModule::Update(const TTrainRun& run, double share) {
-  AddPenaltyGradients(run.penalty, share);
-  MoveWeights(run.rates);
+std::unique_ptr<TTrainPass> TTrainModule::MakeLevenbergPass(const TTrainRun&) {
+  AssertFalse(kModule, 79);
 }
 
-void TTrainModule::AddPenaltyGradients(const TPenaltyTerm& penalty, double share) {
+// The one place where gradients become an update.
+void TTrainModule::Update(const TTrainRun& run, int rows, const TErrorObj& error) {
+  AddPenaltyGradients(run, static_cast<double>(rows) / run.patterns);
+  if (auto* const rprop = std::get_if<TRprop>(&state_.method)) {
+    rprop->Begin(run.PriceOf(error) + PriceOfPenalty(run.penalty), run.method.rprop);
+    MoveWeightsBy(*rprop);
+  } else if (auto* const adam = std::get_if<TAdam>(&state_.method)) {
+    adam->Begin(rows, run.method.adam);
+    MoveWeightsBy(*adam);
+  } else {
+    MoveWeights(run.rates);
+  }
+}
+
+// Under the plain gradient, forgetting takes the same from a weight at every update, however many
+// rows that is for; the other methods follow the slope of the price for the whole set.
+void TTrainModule::AddPenaltyGradients(const TTrainRun& run, double share) {
+  const TPenaltyTerm& penalty = run.penalty;
   if (penalty.kind == TPenaltyTerm::TKind::kNone) return;
   TIterateObj2CalcPenaltyTerm quadratic(share * penalty.epsilon1, share * penalty.epsilon2,
                                         penalty.beta);
-  TIterateObjLWFCalcPenaltyTerm forgetting(penalty.forgetting);
+  const bool is_gradient = run.method.kind == TMethodKind::kGradient;
+  TIterateObjLWFCalcPenaltyTerm forgetting((is_gradient ? 1.0 : share) * penalty.forgetting);
   const bool is_quadratic = penalty.kind == TPenaltyTerm::TKind::kQuadratic;
   TIterateObj2& term = is_quadratic ? static_cast<TIterateObj2&>(quadratic) : forgetting;
   state_.ForEachBlock([&](std::size_t to, std::size_t from) {
@@ -113,6 +151,25 @@ void TTrainModule::MoveWeights(const TRates& rates) {
       block.Iterate3(gradients, state_.changes.Block(to, from), with_momentum);
     }
   });
+}
+
+template <typename TRule>
+void TTrainModule::MoveWeightsBy(TRule& rule) {
+  TRuleUpdate update(rule, state_.gradients.Values().data());
+  state_.ForEachBlock([&](std::size_t to, std::size_t from) {
+    Network().Connections(to, from).Iterate2(state_.gradients.Block(to, from), update);
+  });
+}
+
+double TTrainModule::PriceOfPenalty(const TPenaltyTerm& penalty) const {
+  double sum = 0.0;
+  if (penalty.kind == TPenaltyTerm::TKind::kNone) return sum;
+  state_.ForEachBlock([&](std::size_t to, std::size_t from) {
+    const TBasicConnections& block = Network().Connections(to, from);
+    if (!block.IsPenalised()) return;
+    for (const double weight : block.Weights()) sum += penalty.Price(weight);
+  });
+  return sum;
 }
 
 }  // namespace kiln

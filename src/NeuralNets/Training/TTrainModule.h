@@ -21,13 +21,17 @@ class TKQstructure;
 //   LEARNINGRATE   size of a step: 0 in updates, 1 in the gradient of a penalty
 //   MOMENTUM       share of the last change in the next one: 0, the plain update
 //   THRESHOLD      training ends after an epoch whose error is below it: 0, that is never
-//   BATCH          TRUE for one update an epoch: else there is one a pattern
+//   BATCH          TRUE for one update an epoch, a number for one after so many rows: else there is
+//                  one a pattern. RPROP and LEVENBERG always make one an epoch
 //   ERRORFUNCTION  MEANSQUAREDERROR or CROSSENTROPY: the first
+//   METHOD         how gradients change weights: GRADIENT, RPROP, ADAM or LEVENBERG: the first (see
+//                  TMethodSettings, also for the constants of the others)
 //   WEIGHTPENALTY  message headed NONE, QUADPENALTY or LWF (see TErrorObj::Penalty): the first
 // The words are read in any case.
 //
 // The trainer shares its network, whose structure must not change meanwhile, and keeps two numbers
-// for each of its weights (see TTrainState).
+// for each of its weights, with what the method remembers (see TTrainState). A call with another
+// method than the one before begins without memory.
 class TTrainModule {
  public:
   explicit TTrainModule(std::shared_ptr<TBasicNetwork> network);
@@ -58,19 +62,27 @@ class TTrainModule {
   // outlive it.
   virtual std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run);
 
-  // Changes the weights by the gradients of the state, which stand for the part `share` of the data
-  // set, and those of the penalty. A trainer whose weights have to obey a rule overrides this, and
-  // sees to the rule before and after.
-  virtual void Update(const TTrainRun& run, double share);
+  // The pass of a run by levenberg, likewise.
+  virtual std::unique_ptr<TTrainPass> MakeLevenbergPass(const TTrainRun& run);
+
+  // Changes the weights by the gradients of the state, which are sums over `rows` rows of the set,
+  // and those of the penalty, as the method of the run has it; `error` is that of these rows. A
+  // trainer whose weights have to obey a rule overrides this, and sees to the rule before and
+  // after.
+  virtual void Update(const TTrainRun& run, int rows, const TErrorObj& error);
 
   TBasicNetwork& Network() { return *state_.network; }
   TTrainState& State() { return state_; }
 
  private:
   void RunEpoch(const Data& data, const TTrainRun& run, TTrainPass& pass, TErrorObj& error);
-  void AddPenaltyGradients(const TPenaltyTerm& penalty, double share);
+  void StartMethod(const TMethodSettings& method);
+  void AddPenaltyGradients(const TTrainRun& run, double share);
   void AddPenaltyToError(const TPenaltyTerm& penalty, TErrorObj& error) const;
+  double PriceOfPenalty(const TPenaltyTerm& penalty) const;
   void MoveWeights(const TRates& rates);
+  template <typename TRule>
+  void MoveWeightsBy(TRule& rule);
 
   TTrainState state_;
 };

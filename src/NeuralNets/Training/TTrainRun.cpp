@@ -1,5 +1,8 @@
 #include "NeuralNets/Training/TTrainRun.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "DataObject/Data.h"
 #include "NeuralNets/Parameters.h"
 #include "NeuralNets/TBasicNetwork.h"
@@ -27,9 +30,23 @@ const TKQstructure& PenaltyOf(TKQstructure& params) {
   return params.DerefAssert("WEIGHTPENALTY");
 }
 
-bool IsBatch(const TKQstructure& params) {
+bool IsWholeBatch(const TKQstructure& params) {
   const TKQstructure* batch = params.Deref("BATCH");
   return batch != nullptr && EqualNoCase(batch->Name(), "TRUE");
+}
+
+// The rows of an update: all, a number of them, or, for any other word, 1.
+int BatchOf(const TKQstructure& params, TMethodKind method, int patterns) {
+  if (method == TMethodKind::kRprop || method == TMethodKind::kLevenberg) return patterns;
+  const TKQstructure* batch = params.Deref("BATCH");
+  if (batch == nullptr) return 1;
+  if (IsWholeBatch(params)) return patterns;
+  const bool is_number = batch->Name().find_first_not_of("0123456789") == std::string::npos;
+  return is_number ? std::clamp(str2longThrow(batch->Name()), 1, patterns) : 1;
+}
+
+double PenaltyRate(const TKQstructure& params, TMethodKind method) {
+  return method == TMethodKind::kGradient ? NumberOr(params, "LEARNINGRATE", 1.0) : 1.0;
 }
 
 bool IsCrossEntropy(const TKQstructure& params) {
@@ -54,15 +71,45 @@ TPenaltyTerm::TPenaltyTerm(const TKQstructure& message, double learning_rate)
   }
 }
 
+double TPenaltyTerm::Price(double weight) const {
+  if (kind == TKind::kForgetting) return forgetting * std::abs(weight);
+  const double square = weight * weight;
+  return epsilon1 * beta * square / (beta * square + 1.0) + epsilon2 * square;
+}
+
+double TPenaltyTerm::Slope(double weight) const {
+  if (kind == TKind::kForgetting) {
+    return weight > 0.0 ? forgetting : weight < 0.0 ? -forgetting : 0.0;
+  }
+  const double root = beta * weight * weight + 1.0;
+  return (epsilon1 * beta / (root * root) + epsilon2) * 2.0 * weight;
+}
+
+double TPenaltyTerm::Residual(double weight) const {
+  return weight * std::sqrt(2.0 * (epsilon1 * beta / (beta * weight * weight + 1.0) + epsilon2));
+}
+
+double TPenaltyTerm::ResidualSlope(double weight) const {
+  const double root = beta * weight * weight + 1.0;
+  const double factor = std::sqrt(2.0 * (epsilon1 * beta / root + epsilon2));
+  return factor > 0.0 ? 2.0 * (epsilon1 * beta / (root * root) + epsilon2) / factor : 0.0;
+}
+
 TTrainRun::TTrainRun(TKQstructure& params, const Data& data)
     : rates{.rate = NumberOr(params, "LEARNINGRATE", 0.0),
             .momentum = NumberOr(params, "MOMENTUM", 0.0)},
       threshold(NumberOr(params, "THRESHOLD", 0.0)),
       cross_entropy(IsCrossEntropy(params)),
       patterns(data.DataRows()),
-      batch(IsBatch(params) ? patterns : 1),
-      penalty(PenaltyOf(params), NumberOr(params, "LEARNINGRATE", 1.0)),
-      at_once(!IsBatch(params) && penalty.kind != TPenaltyTerm::TKind::kQuadratic) {}
+      method(params),
+      batch(BatchOf(params, method.kind, patterns)),
+      penalty(PenaltyOf(params), PenaltyRate(params, method.kind)),
+      at_once(method.kind == TMethodKind::kGradient && batch == 1 && !IsWholeBatch(params) &&
+              penalty.kind != TPenaltyTerm::TKind::kQuadratic) {}
+
+double TTrainRun::PriceOf(const TErrorObj& error_of_set) const {
+  return cross_entropy ? error_of_set.Sum() : 0.5 * error_of_set.Sum();
+}
 
 TRates TTrainRun::ForgettingRates() const {
   TRates with_pull = rates;

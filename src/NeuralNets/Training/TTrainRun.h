@@ -5,6 +5,7 @@
 
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TErrorObj.h"
+#include "NeuralNets/Training/TTrainMethod.h"
 
 namespace kiln {
 
@@ -16,11 +17,21 @@ class TKQstructure;
 // rate and k the part of the data set that a gradient stands for, its gradient is
 //   quadratic   (e1 beta / (beta w^2 + 1)^2 + e2) 2 w, with e1 = k r EPSILON1 and e2 = k r EPSILON2
 //   forgetting  sign(w) f (f / r), or nothing when r is 0
+// For methods other than the plain gradient, which have no such rate, r is 1.
 struct TPenaltyTerm {
   enum class TKind { kNone, kQuadratic, kForgetting };
 
   // Throws TAssertion when the head of the description is unknown.
   TPenaltyTerm(const TKQstructure& message, double learning_rate);
+
+  // The price of a weight, and its derivative: the gradient above, for the whole set.
+  double Price(double weight) const;
+  double Slope(double weight) const;
+
+  // A number of the sign of the weight, half the square of which is the price, and its derivative.
+  // REQUIRES: the kind is quadratic.
+  double Residual(double weight) const;
+  double ResidualSlope(double weight) const;
 
   const TKQstructure* description;  // in the parameters of the caller
   TKind kind;
@@ -43,6 +54,10 @@ struct TTrainRun {
   // cross entropy.
   bool ErrorsAreDeltas(const TBasicNetwork& network, std::size_t layer) const;
 
+  // What gradients are the derivatives of, before penalties: the sum of cross entropies, or half
+  // that of squares.
+  double PriceOf(const TErrorObj& error) const;
+
   // A new measure of the error of so many outputs.
   std::unique_ptr<TErrorObj> MakeError(std::size_t outputs) const;
 
@@ -50,10 +65,11 @@ struct TTrainRun {
   double threshold;
   bool cross_entropy;
   int patterns;  // rows of the data set
-  int batch;     // rows whose gradients make one update: all of them, or 1
+  TMethodSettings method;
+  int batch;  // rows whose gradients make one update
   TPenaltyTerm penalty;
-  bool at_once;  // a pass may change weights by the gradient of one pattern: there is no batch, and
-                 // no penalty whose gradient has to be added first
+  bool at_once;  // a pass may change weights by the gradient of one pattern: no method, batch or
+                 // penalty asks for the gradient itself
 };
 
 }  // namespace kiln

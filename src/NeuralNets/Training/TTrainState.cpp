@@ -14,13 +14,14 @@ TTrainState::TTrainState(std::shared_ptr<TBasicNetwork> trained)
 }
 
 TTrainCheckpoint::TTrainCheckpoint(const TTrainState& state)
-    : weights_(*state.network), changes_(state.changes) {
+    : weights_(*state.network), changes_(state.changes), method_(state.method) {
   weights_.CopyFrom(*state.network);
 }
 
 void TTrainCheckpoint::Restore(TTrainState& state) const {
   weights_.CopyTo(*state.network);
   state.changes = changes_;
+  state.method = method_;
 }
 
 }  // namespace kiln

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "NeuralNets/TBasicNetwork.h"
+#include "NeuralNets/Training/TTrainMethod.h"
 #include "NeuralNets/Training/TWeightBuffer.h"
 
 namespace kiln {
@@ -41,10 +42,12 @@ struct TTrainState {
   std::shared_ptr<TBasicNetwork> network;
   TWeightBuffer gradients;                       // of the error by each weight
   TWeightBuffer changes;                         // the last change of each weight
+  TMethodMemory method;                          // what a method other than the gradient remembers
   std::vector<std::vector<double>> error_terms;  // of each layer
 };
 
-// The weights and last changes at one moment, for a training that fails on its way.
+// The weights, and what is remembered of updates, at one moment, for a training that fails on its
+// way.
 class TTrainCheckpoint {
  public:
   explicit TTrainCheckpoint(const TTrainState& state);
@@ -55,6 +58,7 @@ class TTrainCheckpoint {
  private:
   TWeightBuffer weights_;
   TWeightBuffer changes_;
+  TMethodMemory method_;
 };
 
 }  // namespace kiln
