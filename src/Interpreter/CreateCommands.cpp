@@ -10,6 +10,7 @@
 #include "Interpreter/Commands.h"
 #include "NeuralNets/Maps/TKohonenModule.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "NeuralNets/Training/ActDerivatives.h"
 #include "NeuralNets/Training/TBackpropModule.h"
 #include "Shared/Narrowing.h"
 #include "Tarn/TTarn.h"
@@ -30,6 +31,23 @@ std::vector<int> ToInts(const std::vector<std::int64_t>& numbers) {
   return ints;
 }
 
+// The functions of the layers behind the first; none when the line has none.
+std::vector<TActFunction> ReadFunctions(const TCommandLine& line, std::size_t layers) {
+  const auto names = line.ListBehind("functions");
+  if (!names) return {};
+  std::vector<TActFunction> functions;
+  for (const std::string_view name : *names) {
+    const TFnRegistry& registry = TFnRegistry::Instance();
+    if (!registry.Contains(name) || !HasDerivative(registry.Lookup(name))) {
+      Fail("unknown function ", name,
+           ": linear, sigmoid, tanh, linear-gain, sigmoid-gain or tanh-gain");
+    }
+    functions.push_back(registry.Lookup(name));
+  }
+  if (functions.size() != layers) Fail("functions must name one for each layer behind the first");
+  return functions;
+}
+
 TAnswer CreateMLP(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view alias = RequiredAlias(line, "alias", "alias tag not found");
   if (interpreter.Exists(alias)) Fail("alias already exists");
@@ -44,7 +62,11 @@ TAnswer CreateMLP(TInterpreter& interpreter, const TCommandLine& line) {
   std::vector<int> sizes = {AtLeast(1, inputs, "inputs")};
   for (const std::int64_t size : hidden) sizes.push_back(AtLeast(1, size, "hidden"));
   sizes.push_back(AtLeast(1, outputs, "outputs"));
+  const std::vector<TActFunction> functions = ReadFunctions(line, sizes.size() - 1);
   auto network = std::make_unique<TMLPNetwork>(sizes, bias);
+  for (std::size_t i = 0; i < functions.size(); ++i) {
+    network->Layer(TMLPNetwork::kInputLayer + 1 + i).SetActivation(functions[i]);
+  }
   StartRandom(line);
   network->Randomize(-1.0, 1.0);
   interpreter.Insert({alias, std::move(network)});

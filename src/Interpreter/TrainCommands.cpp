@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 #include "Bramble/Status.h"
 #include "DataObject/Data.h"
@@ -85,11 +86,29 @@ std::string Exact(double value) {
   return text;
 }
 
+// The method, which is put into the parameters with such of its constants as the line has.
+TMethodKind ReadMethod(const TCommandLine& line, TKQstructure& params) {
+  const TReading<std::string_view> word = line.Word("method");
+  if (word.code != TReadCode::kRead) return TMethodKind::kGradient;
+  const std::optional<TMethodKind> method = FindMethod(word.value);
+  if (!method) Fail("unknown method ", word.value, ": ", kMethodWords);
+  params.SetString("Method", std::string(word.value));
+  for (const char* const tag : {"FirstStep", "LargestStep", "Beta1", "Beta2", "Epsilon"}) {
+    const TReading<double> constant = line.Double(tag);
+    if (constant.code == TReadCode::kRead) params.SetString(tag, Exact(constant.value));
+  }
+  return *method;
+}
+
 // The parameters of a gradient trainer. Only one that `forgets` takes a decay of the weights.
 TKQstructure GradientParams(const TCommandLine& line, bool forgets) {
   TKQstructure params("Params");
-  const double learning_rate = Optional(line.Double("LearningRate"), 0.8);
+  const TMethodKind method = ReadMethod(line, params);
+  const bool is_adam = method == TMethodKind::kAdam;
+  const double default_rate = is_adam ? TAdam::TConstants().rate : 0.8;
+  const double learning_rate = Optional(line.Double("LearningRate"), default_rate);
   params.SetDouble("LearningRate", learning_rate);
+  if (is_adam) params.SetString("LearningRate", Exact(learning_rate));
   params.SetDouble("Momentum", Optional(line.Double("Momentum"), 0.5));
   params.SetString("Threshold", Exact(Optional(line.Double("terminating"), 0.0)));
   const TReading<double> decay = line.Double("decay");
@@ -101,6 +120,11 @@ TKQstructure GradientParams(const TCommandLine& line, bool forgets) {
   }
   const std::string_view mode = Optional(line.Word("mode"), std::string_view("pattern"));
   if (EqualNoCase(mode, "batch")) params.SetString("batch", "true");
+  if (const std::optional<std::int64_t> rows = line.WholeNumber("batch")) {
+    if (method != TMethodKind::kGradient && !is_adam)
+      Fail("batch is for the methods gradient and adam");
+    params.SetLong("batch", AtLeast(1, *rows, "batch"));
+  }
   return params;
 }
 

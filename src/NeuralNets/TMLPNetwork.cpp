@@ -13,8 +13,6 @@ namespace kiln {
 
 namespace {
 
-constexpr std::size_t kBiasLayer = 0;
-constexpr std::size_t kInputLayer = 1;
 constexpr char kConstructor[] = "TMLPNetwork::TMLPNetwork";
 
 [[noreturn]] void FailSize(const std::string& message) {

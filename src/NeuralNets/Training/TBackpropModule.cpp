@@ -43,7 +43,8 @@ void TBackpropModule::CheckLayer(const TTrainRun& run, std::size_t layer) const 
 //                 and trainable, at most 2048 weights
 //   at once       plain                                                    TPatternPass
 //   any           any                                                      TLayerwisePass
-//   levenberg     any                                                      TLevenbergPass
+//
+// Levenberg steps are a pass of their own, by MakeLevenbergPass.
 //
 // "At once" is TTrainRun::at_once, "plain" is IsPlain. Within TPatternPass those patches over
 // the inputs that are at least 16 rows high and 48 to 65536 columns wide, with no connection absent
