@@ -7,6 +7,8 @@
 
 #include "../Networks.h"
 #include "GA-Apps/GenTrain/TMLPGA.h"
+#include "KQmessage/TKQstructure.h"
+#include "Tarn/TTarnBP.h"
 
 static std::size_t allocations = 0;
 
@@ -43,6 +45,29 @@ TEST(Allocations, OfGeneticTrainingDoNotGrowWithItsGenerations) {
       return allocations - before;
     };
     EXPECT_EQ(train(50), train(200)) << pruned;
+  }
+}
+
+TEST(Allocations, OfTrainingByAnyMethodDoNotGrowWithItsEpochs) {
+  const auto set = MakePatterns(40, 3, 2, 0.0, 1.0);
+  const auto train = [&](TTrainModule&& trainer, const std::string& settings, int epochs) {
+    TKQstructure params = TKQstructure::Parse("(P " + settings + ")");
+    const std::size_t before = allocations;
+    trainer.Train(*set, params, epochs);
+    return allocations - before;
+  };
+  for (const char* settings :
+       {":LearningRate 0.1", ":LearningRate 0.1 :batch 5", ":Method rprop", ":Method adam",
+        ":Method levenberg", ":Method levenberg :WeightPenalty (LWF :ForgettingRate 0.1)"}) {
+    const auto perceptron = [&](int epochs) {
+      return train(TBackpropModule(MakePerceptron({3, 4, 2}, true)), settings, epochs);
+    };
+    const auto tarn = [&](int epochs) {
+      const auto network = std::make_shared<TTarn>(TSizes{3, 3, 3}, 4, TSizes{3, 3});
+      return train(TTarnBP(network), settings, epochs);
+    };
+    EXPECT_EQ(perceptron(3), perceptron(30)) << settings;
+    EXPECT_EQ(tarn(3), tarn(30)) << settings;
   }
 }
 
