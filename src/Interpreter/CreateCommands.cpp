@@ -231,6 +231,7 @@ constexpr TTag kMLPTags[] = {
     {"hidden", kLongs, "neurons of each layer in between"},
     {"outputs", kLong, "neurons of the last layer"},
     {"bias", kBoolean, "whether every layer behind the first has a constant input"},
+    TTag{"functions", kWords, "the function of each layer behind the first"}.Or("sigmoid for all"),
     kSeedTag,
 };
 
