@@ -242,7 +242,7 @@ TEST(TrainMethodTest, EachGivesTheWeightsOfASlowTranscriptionStepByStep) {
         if (word == "levenberg") slow.Levenberg();
         const TValues weights = network->GetWeights(FMaskAll);
         for (std::size_t i = 0; i < weights.size(); ++i) {
-          ASSERT_NEAR(slow.Weights()[i], weights[i], 1e-6) << settings << ", epoch " << epoch;
+          ASSERT_NEAR(weights[i], slow.Weights()[i], 1e-6) << settings << ", epoch " << epoch;
         }
       }
     }
@@ -272,7 +272,7 @@ void ExpectDerivatives(TTrainState& state, TLayerwisePass& pass, const Data& dat
             return outputs[o];
           };
           const double slope = (output_at(weight + 1e-6) - output_at(weight - 1e-6)) / 2e-6;
-          ASSERT_NEAR(slope, state.gradients.Block(to, from)[i], 1e-6) << name << ", place " << i;
+          ASSERT_NEAR(state.gradients.Block(to, from)[i], slope, 1e-6) << name << ", place " << i;
         }
       });
     }
@@ -378,8 +378,8 @@ TEST(TrainMethodTest, WhatAMethodRemembersStaysUntilTheMethodChanges) {
   for (const char* method : {":Method rprop", ":Method ADAM", ":Method levenberg", kGradient}) {
     const char* other = method == kGradient ? ":Method rprop" : kGradient;
     const TValues whole = weights_after({{method, 8}});
-    EXPECT_EQ(whole, weights_after({{method, 4}, {method, 4}})) << method;
-    EXPECT_NE(whole, weights_after({{method, 4}, {other, 0}, {method, 4}})) << method;
+    EXPECT_EQ(weights_after({{method, 4}, {method, 4}}), whole) << method;
+    EXPECT_NE(weights_after({{method, 4}, {other, 0}, {method, 4}}), whole) << method;
   }
 }
 
@@ -390,19 +390,18 @@ TEST(TrainMethodTest, RefusesWhatItCannotDoBeforeAnythingChanges) {
     TBackpropModule trainer(network);
     const TValues before = network->GetWeights(FMaskAll);
     const std::string text = Failure([&] { TrainFor(trainer, *data, settings, 1); });
-    EXPECT_EQ(before, network->GetWeights(FMaskAll)) << settings;
+    EXPECT_EQ(network->GetWeights(FMaskAll), before) << settings;
     return text.substr(0, text.find(" Invalid Parameter"));
   };
-  // 4 n + 1 weights: 11585 rows of as many numbers, in whole registers, are beyond 2^27.
-  EXPECT_EQ(
-      "method levenberg would take a matrix of 11589 x 11589 numbers for 11589 weights: use "
-      "rprop or adam",
-      refusal({2, 2897, 1}, ":Method levenberg"));
-  EXPECT_EQ("method levenberg minimises squares, not cross entropy: use rprop or adam",
-            refusal({2, 3, 1}, ":Method levenberg :ErrorFunction CrossEntropy"));
-  EXPECT_EQ("Beta2 must be at least 0 and below 1", refusal({2, 3, 1}, ":Method adam :Beta2 1"));
-  EXPECT_EQ("unknown method newton: gradient, rprop, adam or levenberg",
-            refusal({2, 3, 1}, ":Method newton"));
+  // 4 n + 1 weights: 11589 rows of as many numbers are more than 2^27.
+  EXPECT_EQ(refusal({2, 2897, 1}, ":Method levenberg"),
+            "method levenberg would take a matrix of 11589 x 11589 numbers for 11589 weights: use "
+            "rprop or adam");
+  EXPECT_EQ(refusal({2, 3, 1}, ":Method levenberg :ErrorFunction CrossEntropy"),
+            "method levenberg minimises squares, not cross entropy: use rprop or adam");
+  EXPECT_EQ(refusal({2, 3, 1}, ":Method adam :Beta2 1"), "Beta2 must be at least 0 and below 1");
+  EXPECT_EQ(refusal({2, 3, 1}, ":Method newton"),
+            "unknown method newton: gradient, rprop, adam or levenberg");
 }
 
 }  // namespace
