@@ -5,7 +5,9 @@
 #include <cstring>
 #include <exception>
 #include <iostream>
+#include <memory>
 
+#include "Console/LineEditor.h"
 #include "Console/Options.h"
 #include "Console/Signals.h"
 #include "Console/TConsole.h"
@@ -17,20 +19,47 @@ namespace {
 constexpr int kWrongOptions = 2;
 constexpr int kInterrupted = 130;  // as a shell tells of a program that SIGINT has ended
 
+// Whether a person sits at both ends.
+bool IsAtTerminal() {
+  const char* const kind = std::getenv("TERM");
+  return isatty(STDIN_FILENO) && isatty(STDOUT_FILENO) && kind && *kind &&
+         std::strcmp(kind, "dumb") != 0;
+}
+
+kiln::TManner MannerFor(const kiln::TOptions& options, bool at_terminal) {
+  const char* const no_colour = std::getenv("NO_COLOR");
+  return {.is_quiet = options.is_quiet,
+          .has_pages = at_terminal,
+          .has_colour = at_terminal && !(no_colour && *no_colour)};
+}
+
+std::unique_ptr<kiln::TLineSource> Lines(kiln::TConsole& console, bool at_terminal) {
+  std::unique_ptr<kiln::TLineSource> lines;
+  if (at_terminal) lines = kiln::MakeLineEditor(console.Interpreter(), std::cout);
+  if (!lines) lines = std::make_unique<kiln::TPlainLines>(STDIN_FILENO, std::cout);
+  return lines;
+}
+
+// Holds the conversation. Returns whether all went well, as far as that matters.
+bool Converse(kiln::TConsole& console, const kiln::TOptions& options, bool at_terminal) {
+  const std::unique_ptr<kiln::TLineSource> lines = Lines(console, at_terminal);
+  if (at_terminal && isatty(STDERR_FILENO) && !options.is_quiet) {
+    std::cerr << "Kiln " KILN_VERSION ": type help, or quit to end.\n";
+  }
+  if (options.ends_at_failure) return console.ConverseUntilFailure(*lines);
+  console.Converse(*lines);
+  return true;
+}
+
 // Carries out all tasks and then, where one is wanted, holds the conversation. Returns the status
 // of the program.
-int Run(kiln::TConsole& console, const kiln::TOptions& options) {
+int Run(kiln::TConsole& console, const kiln::TOptions& options, bool at_terminal) {
   const bool converses = options.tasks.empty() || options.talks_on;
   bool went_well = std::ranges::all_of(
       options.tasks, [&](const kiln::TTask& task) { return console.CarryOut(task); });
   if (!converses && kiln::Interruption::IsRequested()) return kInterrupted;
-  if (converses) {
-    kiln::TPlainLines lines(STDIN_FILENO, std::cout);
-    if (!options.ends_at_failure) {
-      console.Converse(lines);
-    } else {
-      went_well = went_well && console.ConverseUntilFailure(lines);
-    }
+  if (converses && (went_well || !options.ends_at_failure)) {
+    went_well = Converse(console, options, at_terminal) && went_well;
   }
   return went_well ? EXIT_SUCCESS : EXIT_FAILURE;
 }
@@ -65,9 +94,11 @@ int main(int argc, char* argv[]) {
   std::ios::sync_with_stdio(false);
   kiln::Signals::Install();
   if (isatty(STDIN_FILENO) || options->talks_on) kiln::Signals::CatchInterrupts();
-  kiln::TConsole console(std::cout, {.is_quiet = options->is_quiet});
+  const bool at_terminal = !options->is_plain && IsAtTerminal();
+  kiln::TConsole console(std::cout, MannerFor(*options, at_terminal));
   console.Interpreter().Define(options->definitions);
   if (options->is_strict) console.Interpreter().BeStrict();
-  const int status = Run(console, *options);
+  if (at_terminal && isatty(STDERR_FILENO)) console.Guide();
+  const int status = Run(console, *options, at_terminal);
   return Close(console) ? status : EXIT_FAILURE;
 }

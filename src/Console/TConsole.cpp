@@ -23,25 +23,33 @@ TConsole::TConsole(std::ostream& out, TManner manner) : out_(out), manner_(manne
 
 bool TConsole::CarryOut(const TTask& task) {
   const Signals::TCommandScope command;
+  std::string failure;
+  if (guide_) guide_->Begin({});
   try {
-    const auto answer = [this](int code) { Answer(code); };
-    if (task.kind == TTask::TKind::kFile) {
-      interpreter_.RunScript(task.text, answer);
-      return true;
-    }
-    const std::string_view line = TrimBlanks(task.text);
-    if (line.empty() || line.starts_with('#')) return true;
-    const int code = interpreter_.ExecuteOfScript(line);
-    if (code < 0) Fail(interpreter_.GetError(), " (-e ", line, ")");
-    answer(code);
-    return true;
+    Perform(task);
   } catch (const std::bad_alloc&) {
-    Complain("not enough memory", std::cerr);
-  } catch (const std::exception& failure) {
-    out_.flush();
-    Complain(failure.what(), std::cerr);
+    failure = "not enough memory";
+  } catch (const std::exception& exception) {
+    failure = exception.what();
   }
+  if (guide_) guide_->End();
+  if (failure.empty()) return true;
+  out_.flush();
+  Complain(failure, std::cerr);
   return false;
+}
+
+// Throws what is wrong.
+void TConsole::Perform(const TTask& task) {
+  if (task.kind == TTask::TKind::kFile) {
+    interpreter_.RunScript(task.text, [this](int code) { Answer(code); });
+    return;
+  }
+  const std::string_view line = TrimBlanks(task.text);
+  if (line.empty() || line.starts_with('#')) return;
+  const int code = interpreter_.ExecuteOfScript(line);
+  if (code < 0) Fail(interpreter_.GetError(), " (-e ", line, ")");
+  Answer(code);
 }
 
 void TConsole::Converse(TLineSource& lines) {
@@ -91,12 +99,19 @@ TConsole::TOutcome TConsole::Obey() {
 
 // Carries out the line, says how it went, and remembers it if all went well.
 TConsole::TOutcome TConsole::Execute() {
+  if (guide_) guide_->Begin(line_);
   const int code = interpreter_.Execute(line_);
+  if (guide_) guide_->End();
   if (code < 0) {
     Complain(interpreter_.GetError(), out_);
-    return TOutcome::kFailed;
+  } else {
+    Answer(code);
   }
-  Answer(code);
+  if (guide_) {
+    out_.flush();
+    guide_->Remark(line_, code);
+  }
+  if (code < 0) return TOutcome::kFailed;
   remembered_.swap(line_);
   return TOutcome::kDone;
 }
@@ -111,6 +126,14 @@ TConsole::TOutcome TConsole::RunSystemCommand() {
 
 // Says how it went with a command that has not failed.
 void TConsole::Answer(int code) {
+  if (!guide_) return WriteAnswer(code);
+  guide_->MakeRoom([&] {
+    WriteAnswer(code);
+    out_.flush();
+  });
+}
+
+void TConsole::WriteAnswer(int code) {
   if (manner_.is_quiet && code == 0) return;
   if (code == 0) {
     out_ << "OK\n";

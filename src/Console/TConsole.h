@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
 
 #include "Console/Options.h"
+#include "Console/TGuide.h"
 #include "Console/TLineSource.h"
 #include "Interpreter/TInterpreter.h"
 
@@ -24,6 +26,9 @@ class TConsole {
   TConsole(std::ostream& out, TManner manner);
 
   TInterpreter& Interpreter() { return interpreter_; }
+
+  // From now on shows a person at a terminal the progress of commands, and gives hints.
+  void Guide() { guide_.emplace(interpreter_, out_); }
 
   // Carries out a file or a command, as "run" does with a script, and writes the answer of each
   // line. Returns whether all went well; if not, the standard error says what was wrong.
@@ -45,16 +50,19 @@ class TConsole {
   // How it went with a line of a conversation.
   enum class TOutcome { kDone, kFailed, kEnd };
 
+  void Perform(const TTask& task);
   TOutcome TakeLine(TLineSource& lines);
   TOutcome Obey();
   TOutcome Execute();
   TOutcome RunSystemCommand();
   void Answer(int code);
+  void WriteAnswer(int code);
   void Complain(std::string_view why, std::ostream& out) const;
   TOutcome Refuse(std::string_view fault);
 
   TInterpreter interpreter_;
   std::ostream& out_;
+  std::optional<TGuide> guide_;
   TManner manner_;
   std::string line_;
   std::string remembered_;  // the last line that was carried out

@@ -1,0 +1,149 @@
+#include "Console/TProgress.h"
+
+#include <pthread.h>
+#include <signal.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "Interpreter/TCommandLine.h"
+#include "Shared/NumberFormat.h"
+#include "Shared/Text.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr auto kPatience = std::chrono::milliseconds(500);
+constexpr auto kRepeat = std::chrono::milliseconds(100);
+constexpr char kEraseLine[] = "\r\033[K";
+
+// A thread that no signal is delivered to: they shall interrupt the one that works.
+template <typename TFunction>
+std::thread ThreadWithoutSignals(TFunction function) {
+  sigset_t all;
+  sigset_t present;
+  sigfillset(&all);
+  pthread_sigmask(SIG_SETMASK, &all, &present);
+  std::thread thread(function);
+  pthread_sigmask(SIG_SETMASK, &present, nullptr);
+  return thread;
+}
+
+std::size_t Columns(int descriptor) {
+  winsize size = {};
+  constexpr std::size_t kUsual = 80;
+  return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
+// "12 s", "3 min", "5 h".
+std::string Duration(double seconds) {
+  constexpr double kMinute = 60.0;
+  constexpr double kHour = 3600.0;
+  if (seconds < 2 * kMinute) return FormatFixed(std::ceil(seconds), 0) + " s";
+  if (seconds < 2 * kHour) return FormatFixed(seconds / kMinute, 0) + " min";
+  return FormatFixed(seconds / kHour, 0) + " h";
+}
+
+double SecondsSince(std::chrono::steady_clock::time_point start) {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+}  // namespace
+
+TProgress::TProgress(int descriptor)
+    : descriptor_(descriptor), thread_(ThreadWithoutSignals([this] { Work(); })) {}
+
+TProgress::~TProgress() {
+  {
+    const std::lock_guard lock(mutex_);
+    is_ending_ = true;
+  }
+  changed_.notify_one();
+  thread_.join();
+}
+
+void TProgress::Begin(std::string_view line) {
+  {
+    const std::lock_guard lock(mutex_);
+    is_running_ = true;
+    script_.clear();
+    StartLine(line);
+    command_start_ = line_start_;
+  }
+  changed_.notify_one();
+}
+
+void TProgress::End() {
+  const std::lock_guard lock(mutex_);
+  is_running_ = false;
+  Erase();
+}
+
+void TProgress::EnterLine(const std::string& path, std::int64_t number, std::string_view line) {
+  const std::lock_guard lock(mutex_);
+  script_.assign(path).append(" line ").append(std::to_string(number)).append("   ");
+  StartLine(line);
+}
+
+void TProgress::Interrupt(const std::function<void()>& write) {
+  const std::lock_guard lock(mutex_);
+  Erase();
+  write();
+}
+
+// REQUIRES of this and all below: the mutex is held.
+void TProgress::StartLine(std::string_view line) {
+  constexpr std::size_t kEnough = 1000;  // to find the tags of a training in
+  line_.assign(line.substr(0, kEnough));
+  line_start_ = TClock::now();
+  done_ = 0;
+}
+
+void TProgress::Work() {
+  std::unique_lock lock(mutex_);
+  while (!is_ending_) {
+    if (!is_running_) {
+      changed_.wait(lock);
+      continue;
+    }
+    changed_.wait_for(lock, kRepeat);
+    if (is_running_ && TClock::now() - command_start_ >= kPatience) Draw();
+  }
+}
+
+std::string TProgress::Text() const {
+  const TCommandLine line(line_);
+  const int done = done_.load(std::memory_order_relaxed);
+  const double seconds = SecondsSince(line_start_);
+  if (done == 0) return script_ + std::string(line.CommandWord()) + "   " + Duration(seconds);
+
+  const bool breeds = line.Word("generations").code == TReadCode::kRead;
+  const std::string_view unit = breeds ? "generation" : "epoch";
+  const std::int64_t all = line.Long(breeds ? "generations" : "epochs").value;
+  std::string text = script_ + std::string(unit).append(" ").append(std::to_string(done));
+  if (all > 0) text.append(" of ").append(std::to_string(all));
+  text.append("   error ").append(FormatGeneral(error_.load(std::memory_order_relaxed), 3));
+  if (all >= done) {
+    const double left = seconds / done * static_cast<double>(all - done);
+    text.append("   ").append(Duration(left)).append(" left");
+  }
+  return text;
+}
+
+void TProgress::Draw() {
+  const std::string text = kEraseLine + Text().substr(0, Columns(descriptor_) - 1);
+  is_drawn_ = true;
+  // What cannot be drawn is not missed.
+  [[maybe_unused]] const ssize_t written = write(descriptor_, text.data(), text.size());
+}
+
+void TProgress::Erase() {
+  if (!is_drawn_) return;
+  is_drawn_ = false;
+  [[maybe_unused]] const ssize_t written = write(descriptor_, kEraseLine, sizeof kEraseLine - 1);
+}
+
+}  // namespace kiln

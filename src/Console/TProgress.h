@@ -1,0 +1,69 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <thread>
+
+namespace kiln {
+
+// Shows on a terminal how far a command has come: one line, from half a second on, written anew ten
+// times a second and gone at the end. A thread of its own draws it, so that whoever works has
+// nothing to do but to store where he stands.
+class TProgress {
+ public:
+  // Draws on an open descriptor of a terminal, which stays its owner's.
+  explicit TProgress(int descriptor);
+  ~TProgress();
+
+  TProgress(const TProgress&) = delete;
+  TProgress& operator=(const TProgress&) = delete;
+
+  // A command begins, or ends.
+  void Begin(std::string_view line);
+  void End();
+
+  // The command has come to this line of a script.
+  void EnterLine(const std::string& path, std::int64_t number, std::string_view line);
+
+  // A training has done so many epochs or generations, and its error.
+  void Step(int done, double error) {
+    error_.store(error, std::memory_order_relaxed);
+    done_.store(done, std::memory_order_relaxed);
+  }
+
+  // Calls `write` while the line is gone.
+  void Interrupt(const std::function<void()>& write);
+
+ private:
+  using TClock = std::chrono::steady_clock;
+
+  void Work();
+  void StartLine(std::string_view line);
+  std::string Text() const;
+  void Draw();
+  void Erase();
+
+  const int descriptor_;
+  std::atomic<int> done_ = 0;
+  std::atomic<double> error_ = 0.0;
+
+  std::mutex mutex_;  // for all below
+  std::condition_variable changed_;
+  bool is_running_ = false;  // a command
+  bool is_ending_ = false;   // the thread
+  bool is_drawn_ = false;
+  TClock::time_point command_start_;
+  TClock::time_point line_start_;
+  std::string line_;    // that is carried out
+  std::string script_;  // the place of the line, where it is one of a script
+
+  std::thread thread_;  // the last member, since it uses the others
+};
+
+}  // namespace kiln
