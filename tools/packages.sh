@@ -5,6 +5,7 @@ have() {
   case $1 in
     ninja-build) command -v ninja ;;
     libgtest-dev) have_header gtest/gtest.h ;;
+    libedit-dev) have_header histedit.h ;;
     libfuzzylite-dev) have_header fl/Headers.h ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1

@@ -33,7 +33,7 @@ TTyped Split(std::string_view line) {
   }
 }
 
-// Collects what begins like a word, in any case.
+// Collects what begins like a word: exactly so or, where there is no such thing, in any case.
 class TChoices {
  public:
   TChoices(std::string_view line, std::string_view word) : word_(word) {
@@ -50,6 +50,10 @@ class TChoices {
   }
 
   TCompletion Take() {
+    const auto differs = [this](const std::string& word) { return !word.starts_with(word_); };
+    if (!std::ranges::all_of(completion_.words, differs)) {
+      std::erase_if(completion_.words, differs);
+    }
     std::ranges::sort(completion_.words);
     const auto doubles = std::ranges::unique(completion_.words);
     completion_.words.erase(doubles.begin(), doubles.end());

@@ -151,6 +151,7 @@ bool TLineEditor::Next(std::string_view prompt) {
   Interruption::Forget();
   out_.flush();
   el_resize(editor_.get());
+  el_set(editor_.get(), EL_PREP_TERM, 1);  // or else keys pressed at once would be echoed twice
   int count = 0;
   const char* const text = el_gets(editor_.get(), &count);
   if (is_interrupted_) {
@@ -190,7 +191,7 @@ unsigned char TLineEditor::Complete() {
   const TCompletion completion = kiln::Complete(interpreter_, before);
   if (completion.words.empty()) return CC_REFRESH_BEEP;
   const std::string start = CommonStart(completion.words);
-  if (start == before.substr(completion.begin)) {
+  if (start.size() <= before.size() - completion.begin) {
     Show(completion.words);
     return CC_REDISPLAY;
   }

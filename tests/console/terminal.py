@@ -1,57 +1,14 @@
 #!/usr/bin/python3
-"""Talks to kiln through a terminal, as a person does: interruptions, and what a terminal is shown.
+"""Interrupts kiln at a terminal.
 
     terminal.py PROGRAM SCRATCH_FOLDER
 """
 import os
-import pty
-import re
-import select
 import shutil
 import signal
 import sys
-import time
 
-PROMPT = b"Kiln>>"
-PATIENCE = 20  # seconds
-
-
-class Session:
-    def __init__(self, program):
-        self.pid, self.terminal = pty.fork()
-        if self.pid == 0:
-            os.execv(program, [program])
-        self.read()
-
-    def read(self, until=PROMPT):
-        """What is shown until this text stands at the end; the end of the program ends it too."""
-        shown, deadline = b"", time.monotonic() + PATIENCE
-        while not shown.endswith(until):
-            ready, _, _ = select.select([self.terminal], [], [], max(0, deadline - time.monotonic()))
-            if not ready:
-                sys.exit(f"no {until} behind: {shown}")
-            try:
-                shown += os.read(self.terminal, 4096)
-            except OSError:
-                break
-        return shown.replace(b"\r\n", b"\n").decode("latin-1")
-
-    def type(self, line):
-        os.write(self.terminal, line.encode() + b"\n")
-
-    def say(self, line):
-        """Types a line and returns the answer, without the echo of the line."""
-        self.type(line)
-        return self.read()[len(line) + 1:-len(PROMPT)]
-
-    def interrupt(self, after=0.3):
-        time.sleep(after)
-        os.write(self.terminal, b"\x03")
-
-
-def expect(got, pattern):
-    if not re.fullmatch(pattern, got, re.DOTALL):
-        sys.exit(f"expected {pattern}\ngot      {got!r}")
+from terminal_session import PROMPT, Session, expect
 
 
 def interrupted(session, line, pattern):
@@ -72,7 +29,7 @@ def main(program, folder):
         script.write("query aliasexists d\n")
     os.mkfifo("fifo")
 
-    session = Session(program)
+    session = Session(program, NO_COLOR="1")
     for line in ("create Data alias d inputs 1 outputs 1 rows 1 labels false",
                  "append alias d inputs {1} outputs {0.25}",
                  "create MLP alias net inputs 1 layers 3 hidden {1} outputs 1 bias true seed 1",

@@ -1,0 +1,84 @@
+#!/usr/bin/python3
+"""What a person at a terminal gets beside the answers: editing, completion, history, hints, progress.
+
+    editing.py PROGRAM SCRATCH_FOLDER
+"""
+import os
+import shutil
+import stat
+import sys
+import time
+
+from terminal_session import Session, expect
+
+NETWORK = "create MLP alias network1 inputs 1 layers 3 hidden {1} outputs 1 bias on seed 1"
+
+
+def main(program, folder):
+    shutil.rmtree(folder, ignore_errors=True)
+    os.makedirs(os.path.join(folder, "a folder"))
+    os.chdir(folder)
+    with open("a folder/rain.kiln", "w") as script:
+        script.write("create Data alias rain inputs 1 outputs 1 rows 1 labels on\npurge\n")
+
+    session = Session(program)
+    expect(session.greeting, r"Kiln 0\.9: type help, or quit to end\.\n\r?.*Kiln>>")
+
+    # Answers: several lines, a red error, and a hint behind it or behind what is odd.
+    expect(session.say("help destroy"), "Result: destroys an object\ndestroy NAME\n.*example: destroy net\n")
+    for line, answer in (
+            ("creat Data", "\x1b[31mError:\x1b[0m Unknown command\ndid you mean create?\n"),
+            ("create mpl", "\x1b[31mError:\x1b[0m unknown argument to create\ndid you mean MLP?\n"),
+            (NETWORK, "OK\n"),
+            ("create BPTrainer alias teacher network network1", "OK\n"),
+            ("query classof teachr", "\x1b[31mError:\x1b[0m teachr does not exist\ndid you mean teacher?\n"),
+            ("create Data alias set1 inputs 1 outputs 1 rows 1.5 labels off", "OK\nrows 1.5 is read as 1\n"),
+            ("append alias set1 inputs {1} output {0.25}", "OK\noutput is no tag of append: outputs?\n")):
+        got = session.say(line)
+        if got != answer:
+            sys.exit(f"{line}\nexpected {answer!r}\ngot      {got!r}")
+
+    # A command word, an alias of the right kind, a word, a file in a folder with a blank.
+    session.press("que\tcla\tteac\t\n")
+    expect(session.read(), r".*Result: BP\n\r?Kiln>>")
+    session.press("tra\tal\tteac\tda\tset\tep\t1 mo\tba\t\n")
+    expect(session.read(), r".*tch \nResult: 0\.\d{8}\n\r?Kiln>>")
+    session.press("run fi\t\ta f\tra\t\n")
+    expect(session.read(), r".*in\.kiln\).*\nOK\n\r?Kiln>>")
+
+    # Editing: a word in the middle is mended; the history reaches over the end of a session.
+    session.press("query aliaseists x")
+    session.press(["\x1b[D"] * 6 + ["x", "\n"])
+    expect(session.read(), r".*Result: false\n\r?Kiln>>")
+    expect(str(session.end()), r".*\\n', 0\)")
+    history = os.stat(".kiln_history")
+    expect(stat.filemode(history.st_mode), "-rw-------")
+    session = Session(program, NO_COLOR="1")
+    session.press(["\x1b[A", "\n"])
+    expect(session.read(), r".*query aliasexists x.*Result: false\n\r?Kiln>>")
+    expect(session.say("creat"), r"Error: Unknown command\ndid you mean create\?\n")
+
+    # Progress is shown after a while, by steps and by time, and gone at the end.
+    for line in (NETWORK, "create BPTrainer alias teacher network network1",
+                 "create Data alias set1 inputs 1 outputs 1 rows 1 labels off",
+                 "append alias set1 inputs {1} outputs {0.25}"):
+        expect(session.say(line), "OK\n")
+    session.type("train alias teacher data set1 epochs 2000000000")
+    session.interrupt(1.0)
+    shown = session.read()
+    expect(shown, r".*\r\x1b\[Kepoch \d+ of 2000000000   error \S+   \d+ (s|min|h) left.*"
+                  r"\r\x1b\[KResult: \S+\n\r?Kiln>>")
+    with open("slow.kiln", "w") as script:
+        script.write("train alias teacher data set1 epochs 200000000\n")
+    session.type("run filename (slow.kiln)")
+    session.interrupt(1.0)
+    expect(session.read(), r".*\r\x1b\[Kslow.kiln line 1   epoch \d+ of 200000000 .*Result: \S+\n\r?Kiln>>")
+
+    # Nothing of it where a terminal is to be treated like a pipe.
+    for arguments, environment in (("--plain",), {}), ((), {"TERM": "dumb"}):
+        session = Session(program, *arguments, **environment)
+        expect(session.greeting, "Kiln>>")
+        expect(session.say("creat\ttrue"), r"Error: Unknown command\n")
+
+
+main(os.path.abspath(sys.argv[1]), sys.argv[2])
