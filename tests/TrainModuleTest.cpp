@@ -302,13 +302,14 @@ class TPassAsker : public TBackpropModule {
     if (dynamic_cast<TSmallPass*>(pass.get())) return "small";
     const auto* listed = dynamic_cast<TPatternPass*>(pass.get());
     if (listed) return "pattern " + std::to_string(listed->NumDelayed());
-    return dynamic_cast<TLayerwisePass*>(pass.get()) ? "layerwise" : "unknown";
+    const bool moves = pass->Kind() == TTrainPass::TKind::kMovesWeights;
+    return moves ? "layerwise at once" : "layerwise";
   }
 };
 
 // Limits, each from both sides.
 TEST(TBackpropModuleTest, TakesTheFastestPassThatFits) {
-  const auto ask = [](const std::shared_ptr<TMLPNetwork>& network, const char* settings,
+  const auto ask = [](const std::shared_ptr<TBasicNetwork>& network, const char* settings,
                       int patterns) { return TPassAsker(network).Ask(settings, patterns); };
   const auto small = [] { return MakePerceptron({3, 4, 2}, true); };
   EXPECT_EQ("small", ask(small(), kMomentum, 1));
@@ -336,6 +337,8 @@ TEST(TBackpropModuleTest, TakesTheFastestPassThatFits) {
   const auto lead_back = [](TMLPNetwork& n) { n.Connect(3, 2); };
   EXPECT_EQ("layerwise", altered(lead_back, kPlain));
   EXPECT_EQ("layerwise", altered(lead_back, kBatch));
+  const auto unusual = std::make_shared<TConnectedNetwork>(3);  // not a TSimpleInputLayer first
+  EXPECT_EQ("layerwise at once", ask(unusual, kPlain, 9));
 
   const auto wide = [](int inputs, int hidden) {
     return MakePerceptron({inputs, hidden, 90}, true);
