@@ -24,7 +24,8 @@ struct TTrainState {
     return {error_terms[layer].data(), network->Layer(layer).NumNeurons()};
   }
 
-  // The same for a layer to pass errors back to; empty where no connection below it is trained.
+  // Errors(layer), for a layer that errors are passed back to: empty where the layer has no lower
+  // sources, since nothing would use its error terms.
   std::span<double> ErrorsBelow(std::size_t layer) {
     return network->HasLowerSources(layer) ? Errors(layer) : std::span<double>();
   }
@@ -46,13 +47,13 @@ struct TTrainState {
   std::vector<std::vector<double>> error_terms;  // of each layer
 };
 
-// The weights, and what is remembered of updates, at one moment, for a training that fails on its
-// way.
+// The weights, and what updates remember of them, at one moment, to go back to when a training
+// fails half-way.
 class TTrainCheckpoint {
  public:
   explicit TTrainCheckpoint(const TTrainState& state);
 
-  // Puts both back. REQUIRES: the state of the constructor.
+  // Puts them back. REQUIRES: the state of the constructor.
   void Restore(TTrainState& state) const;
 
  private:
