@@ -117,7 +117,8 @@ TEST_F(CommandTable, HasExamplesThatWorkAndTagsThatAreRequired) {
 }
 
 // More lines for forms that do not read all of their tags in each.
-constexpr std::string_view kMoreExamples[] = {"query fired network fuzzy inputs {0.1, 0.5}",
+constexpr std::string_view kMoreExamples[] = {"divide source d destination {one} rows {1}",
+                                              "query fired network fuzzy inputs {0.1, 0.5}",
                                               "train alias teacher data d epochs 5 method rprop"};
 
 // A handler cannot read what its row does not list; here, that it reads all that the row lists.

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <functional>
 #include <map>
+#include <set>
 
 #include "DataRings.h"
 #include "DataTools/DataManip/TDataManip.h"
 #include "DataTools/DataManip/TDataStats.h"
+#include "DataTools/DataManip/TDivision.h"
 #include "Shared/Random.h"
 
 namespace kiln {
@@ -48,6 +50,42 @@ TEST(DataManipTest, StacksTimeStepsFromTheOldestRowOn) {
       EXPECT_EQ(advanced->Row(n).Outputs[0], -i);
     }
     EXPECT_EQ(RowsOf(*TDataManip::TimeStepLag(ring.get(), 1)), RowsOf(*ring));
+  }
+}
+
+// Every class has its share of every part, rounded; rows go into parts in order.
+TEST(DataManipTest, StratifiesAnyClassesIntoAnyParts) {
+  Random::Seed(11);
+  for (int round = 0; round < 300; ++round) {
+    const int rows = 1 + static_cast<int>(Random::Below(200));
+    const auto kinds = 1 + Random::Below(round % 2 == 0 ? 5 : 90);
+    TSizes classes, sizes;
+    std::map<int, int> numbers;
+    for (int n = 0; n < rows; ++n) {
+      const int kind = static_cast<int>(Random::Below(kinds));
+      classes.push_back(numbers.try_emplace(kind, static_cast<int>(numbers.size())).first->second);
+    }
+    int left = rows;
+    for (auto parts = 1 + Random::Below(6); parts > 0; --parts) {
+      sizes.push_back(static_cast<int>(Random::Below(static_cast<unsigned>(left) + 1)));
+      left -= sizes.back();
+    }
+    std::set<int> seen;
+    const TParts parts = DivideByClass(classes, sizes);
+    for (std::size_t part = 0; part < parts.size(); ++part) {
+      ASSERT_EQ(std::ssize(parts[part]), sizes[part]);
+      EXPECT_TRUE(std::ranges::is_sorted(parts[part]));
+      TSizes counts(numbers.size());
+      for (const int n : parts[part]) {
+        EXPECT_TRUE(seen.insert(n).second);
+        ++counts[static_cast<std::size_t>(classes[static_cast<std::size_t>(n)])];
+      }
+      for (std::size_t c = 0; c < counts.size(); ++c) {
+        const auto members = std::ranges::count(classes, static_cast<int>(c));
+        const double share = static_cast<double>(members) * sizes[part] / rows;
+        EXPECT_LT(std::abs(counts[c] - share), 1.0);
+      }
+    }
   }
 }
 

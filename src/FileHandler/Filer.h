@@ -37,8 +37,8 @@ DataSets Load(const std::string& path);
 
 // Writes a data file of the rows that the sets hold, the oldest first. Either set may be null. If
 // `expected` carries labels, they are written in place of its outputs. Throws TException when the
-// sets have different numbers of rows, and FileTools::SaveError; in both cases a file that was at
-// `path` before is left as it was.
+// sets have different numbers of rows or a label is not one word, and FileTools::SaveError; in all
+// cases a file that was at `path` before is left as it was.
 void Save(const std::string& path, const Data* expected, const Data* generated = nullptr);
 
 // Reads the statements behind "[DataSet]"; `next` becomes the item behind the last of them. Throws

@@ -2,6 +2,7 @@
 #include <string_view>
 
 #include "FileHandler/Filer.h"
+#include "FileHandler/Syntax/ParseTools.h"
 #include "FileHandler/Syntax/SafeFile.h"
 #include "FileHandler/Syntax/Writer.h"
 #include "Shared/TException.h"
@@ -83,6 +84,15 @@ void WriteRow(Writer& writer, const DataRow& row, int inputs, int outputs) {
   WriteGroup(writer, outputs, row.Outputs, row.Labels);
 }
 
+void CheckLabels(const Data& set) {
+  for (int n = 0; n < set.DataRows(); ++n) {
+    for (const LabelEntry& label : set.Row(n).Labels->Entries()) {
+      if (FileTools::IsWord(label.Name)) continue;
+      throw TException("Label \"" + label.Name + "\" is not one word", "Bad Format", "Filer::Save");
+    }
+  }
+}
+
 void WriteFile(Writer& writer, const Data* expected, const Data* generated) {
   const DataHeader header = MakeHeader(expected, generated);
   writer.WriteFormatVersion();
@@ -108,6 +118,9 @@ void WriteFile(Writer& writer, const Data* expected, const Data* generated) {
 void Save(const std::string& path, const Data* expected, const Data* generated) {
   if (expected && generated && expected->DataRows() != generated->DataRows()) {
     throw TException("Numbers of rows differ", "Bad Parameter", "Filer::Save");
+  }
+  for (const Data* set : {expected, generated}) {
+    if (set && set->HasLabels()) CheckLabels(*set);
   }
   FileTools::SaveFile(path, [=](Writer& writer) { WriteFile(writer, expected, generated); });
 }

@@ -18,16 +18,27 @@ void CheckColumns(std::span<const int> columns, int available) {
     ThrowManip("Invalid data column", "Extract");
 }
 
-void Pick(std::span<const double> row, std::span<const int> columns, std::span<double> out) {
-  std::transform(columns.begin(), columns.end(), out.begin(),
-                 [row](int column) { return row[static_cast<std::size_t>(column)]; });
+std::vector<ColumnPlace> Places(std::span<const int> columns,
+                                std::span<const double> DataRow::*side) {
+  std::vector<ColumnPlace> places;
+  for (const int column : columns) places.push_back({side, column});
+  return places;
 }
 
-std::vector<std::string> PickNames(const std::vector<std::string>& names,
-                                   std::span<const int> columns) {
+void Pick(const DataRow& row, std::span<const ColumnPlace> places, std::span<double> out) {
+  std::ranges::transform(places, out.begin(), [&](const ColumnPlace& place) {
+    return (row.*place.Side)[static_cast<std::size_t>(place.Column)];
+  });
+}
+
+// The names of the columns at the places; none where one of them has none.
+std::vector<std::string> NamesAt(const ColumnNames& names, std::span<const ColumnPlace> places) {
   std::vector<std::string> picked;
-  if (names.empty()) return picked;
-  for (const int column : columns) picked.push_back(names[static_cast<std::size_t>(column)]);
+  for (const ColumnPlace& place : places) {
+    const auto& side = place.Side == &DataRow::Inputs ? names.Inputs : names.Outputs;
+    if (side.empty()) return {};
+    picked.push_back(side[static_cast<std::size_t>(place.Column)]);
+  }
   return picked;
 }
 
@@ -89,18 +100,36 @@ std::unique_ptr<Data> TDataManip::Extract(const Data* source, std::span<const in
   const Data& from = CheckedSource(source, "Extract");
   CheckColumns(input_columns, from.Inputs());
   CheckColumns(output_columns, from.Outputs());
-  std::vector<double> inputs(input_columns.size());
-  std::vector<double> outputs(output_columns.size());
+  auto result = Rearrange(source, Places(input_columns, &DataRow::Inputs),
+                          Places(output_columns, &DataRow::Outputs));
+  if (result->HasLabels()) {
+    for (int n = 0; n < result->DataRows(); ++n) result->ClearLabels(result->Row(n).Position);
+  }
+  return result;
+}
+
+std::unique_ptr<Data> TDataManip::Rearrange(const Data* source,
+                                            std::span<const ColumnPlace> input_places,
+                                            std::span<const ColumnPlace> output_places) {
+  const Data& from = CheckedSource(source, "Rearrange");
+  std::vector<double> inputs(input_places.size());
+  std::vector<double> outputs(output_places.size());
   auto result = std::make_unique<Data>(from.Rows(), std::ssize(inputs), std::ssize(outputs),
                                        from.HasLabels());
-  result->SetNames({PickNames(from.Names().Inputs, input_columns),
-                    PickNames(from.Names().Outputs, output_columns)});
+  result->SetNames({NamesAt(from.Names(), input_places), NamesAt(from.Names(), output_places)});
   for (int n = 0; n < from.DataRows(); ++n) {
     const DataRow row = from.Row(n);
-    Pick(row.Inputs, input_columns, inputs);
-    Pick(row.Outputs, output_columns, outputs);
-    result->AddRow(inputs, outputs);
+    Pick(row, input_places, inputs);
+    Pick(row, output_places, outputs);
+    result->AddRow(inputs, outputs, row.Labels);
   }
+  return result;
+}
+
+std::unique_ptr<Data> TDataManip::Rows(const Data* source, std::span<const int> rows) {
+  const Data& from = CheckedSource(source, "Rows");
+  auto result = from.MakeAlike(std::ssize(rows));
+  for (const int n : rows) result->AddRows(from, n, 1);
   return result;
 }
 

@@ -9,6 +9,12 @@
 
 namespace kiln {
 
+// Where a column stands in a data set.
+struct ColumnPlace {
+  std::span<const double> DataRow::*Side;  // the inputs or the outputs
+  int Column;
+};
+
 // Makes new data sets out of others.
 //
 // Every operation reads its source from the oldest row to the newest, also where the ring has
@@ -40,6 +46,15 @@ class TDataManip {
   static std::unique_ptr<Data> Extract(const Data* source, std::span<const int> columns);
   static std::unique_ptr<Data> Extract(const Data* source, std::span<const int> input_columns,
                                        std::span<const int> output_columns);
+
+  // The columns at the listed places, of either side, in the listed order, with all labels. The
+  // result has as many positions as the source.
+  // REQUIRES: the places exist.
+  static std::unique_ptr<Data> Rearrange(const Data* source, std::span<const ColumnPlace> inputs,
+                                         std::span<const ColumnPlace> outputs);
+
+  // The listed rows in the listed order, with their labels. REQUIRES: the rows exist.
+  static std::unique_ptr<Data> Rows(const Data* source, std::span<const int> rows);
 
   // The first n rows with their labels. Throws "Insufficient rows" if there are fewer, and "Invalid
   // Data Size" for a negative n.
