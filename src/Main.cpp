@@ -1,3 +1,4 @@
+#include <kiln/kiln.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 #include <exception>
 #include <iostream>
 #include <memory>
+#include <string>
 
 #include "Console/LineEditor.h"
 #include "Console/Options.h"
@@ -44,7 +46,7 @@ std::unique_ptr<kiln::TLineSource> Lines(kiln::TConsole& console, bool at_termin
 bool Converse(kiln::TConsole& console, const kiln::TOptions& options, bool at_terminal) {
   const std::unique_ptr<kiln::TLineSource> lines = Lines(console, at_terminal);
   if (at_terminal && isatty(STDERR_FILENO) && !options.is_quiet) {
-    std::cerr << "Kiln " KILN_VERSION ": type help, or quit to end.\n";
+    std::cerr << "Kiln " << kiln::Version() << ": type help, or quit to end.\n";
   }
   if (options.ends_at_failure) return console.ConverseUntilFailure(*lines);
   console.Converse(*lines);
@@ -85,7 +87,7 @@ int main(int argc, char* argv[]) {
   const auto options = kiln::ReadOptions(argc, argv);
   if (!options) return kWrongOptions;
   if (options->asks_for_help) return Tell(kiln::HelpOnOptions());
-  if (options->asks_for_version) return Tell("Kiln " KILN_VERSION "\n");
+  if (options->asks_for_version) return Tell("Kiln " + std::string(kiln::Version()) + "\n");
   if (!options->folder.empty() && chdir(options->folder.c_str()) != 0) {
     std::cerr << "kiln: cannot work in " << options->folder << ": " << std::strerror(errno) << '\n';
     return kWrongOptions;

@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/../src"
 
 # From top to bottom; a folder uses only itself and those below it. "." holds main().
-layers=(. Console Interpreter Plot Export GA-Apps/GenTrain Tarn/RuleExtraction RuleObject FileHandler
+layers=(. Console Library Interpreter Plot Export GA-Apps/GenTrain Tarn/RuleExtraction RuleObject FileHandler
   Tarn NeuralNets/Maps NeuralNets/Training NeuralNets NeuralNets/Kernels DataTools/DataManip DataObject
   Membership Bramble KQmessage FileHandler/Syntax Shared)
 

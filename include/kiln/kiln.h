@@ -1,0 +1,53 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+// Kiln inside another program. This is all of the library that is promised to stay.
+namespace kiln {
+
+// A session: what is typed at the console, as calls. A session belongs to one thread at a time, and
+// all sessions of a process share one generator of random numbers.
+class TSession {
+ public:
+  struct TReply {
+    bool ok;           // whether the command succeeded
+    std::string text;  // its value, empty where it has none, or what was wrong
+  };
+
+  // Follows a training: called after each epoch or generation, counted from 0, with the error that
+  // it ended with. Training goes on as long as it returns true. Must not throw.
+  using TObserver = std::function<bool(int step, double error)>;
+
+  // Takes what Kiln has to say besides replies, such as warnings: a line each, without its end.
+  using TListener = std::function<void(std::string_view line)>;
+
+  TSession();
+  ~TSession();
+
+  TSession(TSession&& other) noexcept;
+  TSession& operator=(TSession&& other) noexcept;
+
+  // Carries out a command, "create MLP alias net ..."; see the reference of commands. Whatever is
+  // wrong with it is in the reply, and has changed nothing; nothing is thrown.
+  TReply Execute(std::string_view command);
+
+  // From now on refuses commands with anything odd in them, such as a tag that there is not.
+  void BeStrict();
+
+  void SetObserver(TObserver observer);
+
+  // For all sessions; without a listener such lines go to the standard output.
+  static void SetListener(TListener listener);
+
+ private:
+  class TImplementation;
+  std::unique_ptr<TImplementation> implementation_;
+};
+
+// The version of the library, "0.9".
+std::string_view Version();
+
+}  // namespace kiln

@@ -1,0 +1,55 @@
+// Writes a syntax file for vim to the standard output: what the table of commands knows is
+// coloured.
+#include <iostream>
+#include <set>
+#include <string_view>
+
+#include "Interpreter/TCommand.h"
+
+namespace {
+
+void WriteKeywords(const char* group, const std::set<std::string_view>& words) {
+  std::cout << "syntax keyword " << group;
+  for (const std::string_view word : words) std::cout << ' ' << word;
+  std::cout << '\n';
+}
+
+}  // namespace
+
+int main() {
+  std::set<std::string_view> commands;
+  std::set<std::string_view> forms;
+  std::set<std::string_view> tags;
+  for (const kiln::TFamily* family : kiln::Families()) {
+    for (const kiln::TCommand& command : family->commands) {
+      commands.insert(command.word);
+      for (const kiln::TForm& form : command.forms) {
+        if (!form.word.empty()) forms.insert(form.word);
+        for (const kiln::TTag& tag : form.tags) tags.insert(tag.name);
+      }
+    }
+  }
+  std::cout << "\" Vim syntax file: commands of Kiln\n"
+               "if exists('b:current_syntax')\n  finish\nendif\n";
+  WriteKeywords("kilnTag", tags);
+  WriteKeywords("kilnForm", forms);
+  std::cout << R"(syntax match kilnComment /^\s*#.*/
+syntax match kilnFile /([^)]*)/
+syntax match kilnName /\$\w\+/
+syntax match kilnNumber /[-+]\?\<\d\+\(\.\d*\)\?\([eE][-+]\?\d\+\)\?\>/
+syntax match kilnCommand /^\s*\c\%()";
+  for (const char* separator = ""; const std::string_view command : commands) {
+    std::cout << separator << command;
+    separator = "\\|";
+  }
+  std::cout << R"(\)\>/
+highlight default link kilnCommand Statement
+highlight default link kilnForm Type
+highlight default link kilnTag Identifier
+highlight default link kilnComment Comment
+highlight default link kilnFile String
+highlight default link kilnName PreProc
+highlight default link kilnNumber Number
+let b:current_syntax = 'kiln'
+)";
+}

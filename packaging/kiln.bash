@@ -1,0 +1,16 @@
+# Completes the command line of kiln in bash.
+_kiln() {
+  local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]}
+  case $before in
+    -e | --execute | -D | --define) return ;;
+    -C | --directory) mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
+  esac
+  if [[ $word == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W '--execute --interactive --quiet --batch --strict --define
+      --directory --plain --help --version' -- "$word")
+  else
+    mapfile -t COMPREPLY < <(compgen -f -X '!*.kiln' -- "$word"; compgen -d -S / -- "$word")
+    [[ ${COMPREPLY[0]} == */ ]] && compopt -o nospace
+  fi
+}
+complete -F _kiln kiln
