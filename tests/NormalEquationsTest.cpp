@@ -15,8 +15,8 @@ TEST(NormalEquationsTest, SumsAndSolutionAgreeWithPlainLoops) {
   for (const TKernelLevel level :
        {TKernelLevel::kBaseline, TKernelLevel::kAvx2, TKernelLevel::kAvx512}) {
     if (!ForceKernels(level)) continue;
-    for (const std::size_t size : {1, 5, 8, 31, 33, 64, 77}) {
-      for (const std::size_t count : {1, 90, 128, 300}) {
+    for (const std::size_t size : {1U, 5U, 8U, 31U, 33U, 64U, 77U}) {
+      for (const std::size_t count : {1U, 90U, 128U, 300U}) {
         TNormalEquations equations(size);
         std::vector<TValues> rows(count, TValues(size));
         TValues residuals(count);

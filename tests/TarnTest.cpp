@@ -299,7 +299,9 @@ TEST(TTarnBPTest, DescendsTheGradientOfEveryWeight) {
       TValues gradient = Gradient(*tarn, *data);
       std::size_t begin = 0;
       for (const int terms : tarn->InputMF()) {
-        for (int k = 0; k < terms; ++k) gradient[begin + k] *= SquaredGap(&before[begin], k, terms);
+        for (int k = 0; k < terms; ++k) {
+          gradient[begin + static_cast<std::size_t>(k)] *= SquaredGap(&before[begin], k, terms);
+        }
         begin += static_cast<std::size_t>(terms);
       }
       for (std::size_t i = 0; i < weights.size(); ++i) {

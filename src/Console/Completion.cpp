@@ -54,9 +54,9 @@ class TChoices {
     if (!std::ranges::all_of(completion_.words, differs)) {
       std::erase_if(completion_.words, differs);
     }
-    std::ranges::sort(completion_.words);
-    const auto doubles = std::ranges::unique(completion_.words);
-    completion_.words.erase(doubles.begin(), doubles.end());
+    std::vector<std::string>& words = completion_.words;
+    std::ranges::sort(words);
+    words.erase(std::unique(words.begin(), words.end()), words.end());
     return std::move(completion_);
   }
 

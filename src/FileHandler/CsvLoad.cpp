@@ -196,8 +196,7 @@ class TAssembly {
       }
     }
     std::ranges::sort(words);
-    const auto behind = std::ranges::unique(words);
-    words.erase(behind.begin(), behind.end());
+    words.erase(std::unique(words.begin(), words.end()), words.end());
   }
 
   std::vector<std::string> Names(std::span<const std::size_t> side) const {

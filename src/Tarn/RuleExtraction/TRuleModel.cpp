@@ -4,7 +4,6 @@
 #include <array>
 #include <cmath>
 #include <numeric>
-#include <ranges>
 #include <utility>
 
 #include "NeuralNets/Kernels/Kernels.h"
@@ -247,10 +246,10 @@ namespace {
 // output: the term's own and, where the others follow the degree, less theirs.
 double ByConsequence(const std::vector<TRuleAtom>& consequences, const TRuleAtom& atom,
                      std::span<const double> by_weight) {
-  const auto is_of_output = [&](const TRuleAtom& other) { return other.variable == atom.variable; };
   std::vector<bool> is_named(by_weight.size());
   const TRuleAtom* heaviest = nullptr;
-  for (const TRuleAtom& other : consequences | std::views::filter(is_of_output)) {
+  for (const TRuleAtom& other : consequences) {
+    if (other.variable != atom.variable) continue;
     is_named[static_cast<std::size_t>(other.mf)] = true;
     if (!heaviest || other.degree > heaviest->degree) heaviest = &other;
   }
