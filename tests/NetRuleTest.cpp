@@ -99,6 +99,24 @@ TEST(NetRule, ReadsRuleNodes) {
             "RETarn only works on Tarn Invalid Network Type TNetRule::RETarn");
 }
 
+TEST(NetRule, TellsWhichThresholdKeepsRulesOut) {
+  const TTarn network = MakeRuleNodes();
+  const auto obstacle = [&](const std::string& options) {
+    const auto found =
+        TNetRule::ObstacleToRules(network, TKQstructure::Parse("(Params " + options + ")"));
+    return found ? std::string(found->threshold) + ' ' + std::to_string(found->bound) : "none";
+  };
+  EXPECT_EQ(obstacle(""), "none");
+  EXPECT_EQ(obstacle(":threshold 99"), "ThresholdIn 2.000000");
+  EXPECT_EQ(obstacle(":thresholdin 1.5 :thresholdout 99"), "ThresholdOut 3.000000");
+  EXPECT_EQ(obstacle(":method vireo2 :thresholdin 1 :thresholdout 9"), "none");
+  EXPECT_EQ(obstacle(":method NodeLocation :thresholdin 0.55 :thresholdout 2"),
+            "ThresholdOut 1.000000");
+  EXPECT_EQ(obstacle(":method Vireo2 :thresholdin 9"), "ThresholdIn 1.500000");
+  EXPECT_EQ(TNetRule::ObstacleToRules(TTarn(kInputMF, 1, kOutputMF), TKQstructure()).has_value(),
+            false);
+}
+
 // A shift between the variables of a node changes no answer, and no rule of two methods.
 TEST(NetRule, ReadsWhatTheNetworkAnswers) {
   Random::Seed(5);

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "Interpreter/Checks.h"
+#include "Interpreter/Commands.h"
 #include "Interpreter/LineCheck.h"
 #include "Interpreter/TCommand.h"
 #include "Interpreter/TCommandLine.h"
@@ -71,11 +72,7 @@ std::string HintOn(const TInterpreter& interpreter, std::string_view text) {
 std::string HintBehind(const TInterpreter& interpreter, std::string_view text) {
   const TCommandLine line(text);
   if (!EqualNoCase(line.CommandWord(), "retarn")) return {};
-  const TRegistryNode* const node = interpreter.Find(line.Word("rules").value);
-  const auto rules = node ? node->As<TFuzzyRuleSet>() : nullptr;
-  if (!rules) return {};
-  const auto count = rules->Rules().Count();
-  return std::to_string(count) + (count == 1 ? " rule" : " rules");
+  return commands::RemarkOnRules(interpreter, line);
 }
 
 }  // namespace kiln

@@ -39,5 +39,9 @@ extern const TFamily kTraining;      // TrainCommands.cpp
 extern const TFamily kRecalls;       // RecallCommands.cpp: what networks make of data
 extern const TFamily kRules;         // RuleCommands.cpp: labels and rules of fuzzy networks
 
+// How many rules a "retarn" that has been carried out has made and, where there are none, which
+// threshold keeps them out. RuleCommands.cpp.
+std::string RemarkOnRules(const TInterpreter& interpreter, const TCommandLine& line);
+
 }  // namespace commands
 }  // namespace kiln

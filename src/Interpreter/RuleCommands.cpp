@@ -5,6 +5,7 @@
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "KQmessage/TKQstructure.h"
+#include "Shared/NumberFormat.h"
 #include "Shared/NumberScan.h"
 #include "Tarn/RuleExtraction/NetworkLabels.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
@@ -149,6 +150,21 @@ constexpr TCommand kCommands[] = {
 };
 
 }  // namespace
+
+std::string RemarkOnRules(const TInterpreter& interpreter, const TCommandLine& line) {
+  const TRegistryNode* const rules = interpreter.Find(line.Word("rules").value);
+  const auto rule_set = rules ? rules->As<TFuzzyRuleSet>() : nullptr;
+  if (!rule_set) return {};
+  const int count = rule_set->Rules().Count();
+  if (count > 0) return std::to_string(count) + (count == 1 ? " rule" : " rules");
+  const TRegistryNode* const network = interpreter.Find(line.Word("network").value);
+  const auto tarn = network ? network->As<TTarn>() : nullptr;
+  if (!tarn) return {};
+  const auto obstacle = TNetRule::ObstacleToRules(*tarn, ExtractionParams(line));
+  if (!obstacle) return "0 rules";
+  return "0 rules: there are some with " + std::string(obstacle->threshold) + " below " +
+         FormatGeneral(obstacle->bound, 4);
+}
 
 const TFamily kRules = {"rules", kCommands};
 

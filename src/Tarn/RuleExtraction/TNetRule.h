@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string_view>
 
 #include "KQmessage/TKQstructure.h"
 #include "Membership/TMFSetList.h"
@@ -41,6 +43,15 @@ namespace kiln::TNetRule {
 // not.
 TFuzzyRuleSet RETarn(const TBasicNetwork& network, const TKQstructure& options,
                      const TNetLabel* labels, const TSimplification* simplification = nullptr);
+
+// What keeps RETarn from finding any rule: the threshold, as a keyword of the options, that would
+// have to be below `bound` for the first one. Nothing when there are rules, or none at any
+// threshold. Throws as RETarn does.
+struct TObstacle {
+  std::string_view threshold;
+  double bound;
+};
+std::optional<TObstacle> ObstacleToRules(const TBasicNetwork& network, const TKQstructure& options);
 
 // --- Membership functions: TNetRuleMF.cpp ----------------------------------------------------
 

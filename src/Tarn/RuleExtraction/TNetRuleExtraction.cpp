@@ -138,17 +138,27 @@ std::vector<double> ActionWeights(const TTarn& network, std::size_t rule) {
   return weights;
 }
 
+// The weights of a node, as the method sees them.
+struct TNodeWeights {
+  TNodeWeights(const TTarn& network, const TMethod& method, std::size_t node)
+      : from_conditions(ConditionWeights(network, node)), to_actions(ActionWeights(network, node)) {
+    method.prepare(TMFGroups(network.InputMF()), from_conditions);
+    method.prepare(TMFGroups(network.OutputMF()), to_actions);
+  }
+
+  std::vector<double> from_conditions;
+  std::vector<double> to_actions;
+};
+
 TFlatRules ReadRules(const TTarn& network, const TMethod& method, const TThresholds& thresholds) {
   const TMFGroups conditions(network.InputMF());
   const TMFGroups actions(network.OutputMF());
   TFlatRules rules;
   for (std::size_t node = 0; node < network.NumRules(); ++node) {
-    std::vector<double> from_conditions = ConditionWeights(network, node);
-    std::vector<double> to_actions = ActionWeights(network, node);
-    method.prepare(conditions, from_conditions);
-    method.prepare(actions, to_actions);
-    TFlatRule rule = {HeaviestAbove(conditions, from_conditions, std::max(0.0, thresholds.in)),
-                      method.consequences(actions, to_actions, thresholds.out)};
+    const TNodeWeights weights(network, method, node);
+    TFlatRule rule = {
+        HeaviestAbove(conditions, weights.from_conditions, std::max(0.0, thresholds.in)),
+        method.consequences(actions, weights.to_actions, thresholds.out)};
     if (rule.conditions.empty() || rule.consequences.empty()) continue;
     rules.push_back(std::move(rule));
   }
@@ -173,19 +183,51 @@ TRuleList MakeRules(const TFlatRules& flat) {
 
 }  // namespace
 
-TFuzzyRuleSet RETarn(const TBasicNetwork& network, const TKQstructure& options,
-                     const TNetLabel* labels, const TSimplification* simplification) {
+namespace {
+
+const TTarn& RequiredTarn(const TBasicNetwork& network) {
   const auto* tarn = dynamic_cast<const TTarn*>(&network);
   if (!tarn) {
     throw TException("RETarn only works on Tarn", "Invalid Network Type", "TNetRule::RETarn");
   }
+  return *tarn;
+}
+
+}  // namespace
+
+TFuzzyRuleSet RETarn(const TBasicNetwork& network, const TKQstructure& options,
+                     const TNetLabel* labels, const TSimplification* simplification) {
+  const TTarn& tarn = RequiredTarn(network);
   const TThresholds thresholds = ThresholdsOf(options);
   std::optional<TNetLabel> default_labels;
   if (!labels) labels = &default_labels.emplace(MakeDefaultLabels(network));
-  TNetMF terms = GetNetMF(*tarn, *labels);
-  TFlatRules rules = ReadRules(*tarn, MethodOf(options), thresholds);
-  if (simplification) rules = Simplified(std::move(rules), *tarn, *simplification);
+  TNetMF terms = GetNetMF(tarn, *labels);
+  TFlatRules rules = ReadRules(tarn, MethodOf(options), thresholds);
+  if (simplification) rules = Simplified(std::move(rules), tarn, *simplification);
   return {std::move(terms.inputs), MakeRules(rules), std::move(terms.outputs)};
+}
+
+std::optional<TObstacle> ObstacleToRules(const TBasicNetwork& network,
+                                         const TKQstructure& options) {
+  const TTarn& tarn = RequiredTarn(network);
+  const TThresholds thresholds = ThresholdsOf(options);
+  const TMethod& method = MethodOf(options);
+  if (!ReadRules(tarn, method, thresholds).empty()) return std::nullopt;
+  double heaviest_condition = 0.0;
+  double heaviest_action = kPruned;
+  for (std::size_t node = 0; node < tarn.NumRules(); ++node) {
+    const TNodeWeights weights(tarn, method, node);
+    const double condition = std::ranges::max(weights.from_conditions);
+    heaviest_condition = std::max(heaviest_condition, condition);
+    if (condition <= std::max(0.0, thresholds.in)) continue;
+    heaviest_action = std::max(heaviest_action, std::ranges::max(weights.to_actions));
+  }
+  if (heaviest_action > kPruned) {
+    if (method.consequences == EveryPositive) return std::nullopt;
+    return TObstacle{"ThresholdOut", heaviest_action};
+  }
+  if (heaviest_condition > 0.0) return TObstacle{"ThresholdIn", heaviest_condition};
+  return std::nullopt;
 }
 
 }  // namespace kiln::TNetRule
