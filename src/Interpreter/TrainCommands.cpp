@@ -263,7 +263,7 @@ constexpr TTag kGeneticTags[] = {
     {"generations", kLong, "how many are evaluated, the first included"},
     TTag{"terminating", kDouble, "breeding ends at this error"}.Or("0"),
     TTag{"elitism", kBoolean, "whether the best network lives on unchanged"}.Or("on"),
-    TTag{"crossover", kLong, "places at which a child changes parents; any where negative"}.Or("1"),
+    TTag{"crossover", kLong, "places at which a child changes parents, any where negative"}.Or("1"),
     TTag{"mutation", kDouble, "probability with which a weight is drawn anew"}.Or("0.001"),
     TTag{"selection", kChoice, "parents: the better of two, or in proportion to fitness"}
         .Of("Tournament roulette")
