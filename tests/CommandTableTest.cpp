@@ -219,5 +219,14 @@ TEST_F(CommandTable, IsWhatTheReferenceDescribes) {
   }
 }
 
+TEST_F(CommandTable, FitsThePageOfTheReference) {
+  std::ifstream page(KILN_DOCS "/commands.md");
+  for (std::string line; std::getline(page, line);) {
+    if (!line.starts_with('|')) continue;
+    std::istringstream cells(line);
+    for (std::string cell; std::getline(cells, cell, '|');) EXPECT_LE(cell.size(), 122U) << cell;
+  }
+}
+
 }  // namespace
 }  // namespace kiln

@@ -44,6 +44,14 @@ TAnswer ClassOf(TInterpreter& interpreter, const TCommandLine& line) {
   return node.As<TKohonenModule>() ? interpreter.GetResult() : std::string(node.Kind());
 }
 
+TAnswer Objects(TInterpreter& interpreter, const TCommandLine& /*line*/) {
+  std::vector<std::string> names;
+  for (const TRegistryNode& node : interpreter) {
+    names.push_back(std::string(node.Alias()).append(" ").append(node.Kind()));
+  }
+  return AnswerArray(names);
+}
+
 std::string Structure(const Data& set) {
   std::ostringstream text;
   text << "inputs " << set.Inputs() << " outputs " << set.Outputs() << " rows " << set.Rows()
@@ -235,6 +243,7 @@ constexpr TForm kQueries[] = {
     {"aliasexists", "whether there is an object of this name", "query aliasexists net",
      kAliasExistsTags, AliasExists},
     {"classof", "the kind of an object", "query classof net", kClassOfTags, ClassOf},
+    {"objects", "all objects and their kinds", "query objects", {}, Objects},
     {"structureof", "the size of an object", "query structureof net", kStructureOfTags,
      StructureOf},
     {"getnextrow", "the next row of a data set", "query getnextrow d", kGetNextRowTags, GetNextRow},
