@@ -9,7 +9,6 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "Bramble/DeathCap";
 constexpr std::uint32_t kFirstGeneration = 1;
 
 }  // namespace
@@ -36,8 +35,8 @@ std::vector<std::span<GeneValue>> DeathCap::ExportCurrent() {
 }
 
 int DeathCap::Run(const RunSettings& settings, Evaluator& evaluator, Reporter& reporter) {
-  Assert(MbrPopCurrent.Size() != 0, "NdxPopSize != 0", kModule);
-  Assert(settings.NdxElites <= MbrPopCurrent.Size(), "NdxElites <= NdxPopSize", kModule);
+  Assert(MbrPopCurrent.Size() != 0, "NdxPopSize != 0");
+  Assert(settings.NdxElites <= MbrPopCurrent.Size(), "NdxElites <= NdxPopSize");
   MbrPopWorking = MbrPopCurrent;
   Crossover crossover(settings.IntCrossover);
   for (int generation = 1;; ++generation) {

@@ -11,10 +11,8 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "Membership/TBasicMFSet";
-
 std::size_t SlotsFor(int number_of_mf) {
-  Assert(number_of_mf >= 0, "number_of_mf >= 0", kModule);
+  Assert(number_of_mf >= 0, "number_of_mf >= 0");
   return static_cast<std::size_t>(number_of_mf) + 1;
 }
 
@@ -45,9 +43,9 @@ int TBasicMFSet::FindMF(std::string_view name) const {
 }
 
 void TBasicMFSet::GetMemberships(double x, std::span<double> out) const {
-  Assert(out.size() == members_.size() - 1, "out.size() == NumberOfMF", kModule);
+  Assert(out.size() == members_.size() - 1, "out.size() == NumberOfMF");
   for (std::size_t i = 0; i < out.size(); ++i) {
-    Assert(members_[i] != nullptr, "members[i] != NULL", kModule);
+    Assert(members_[i] != nullptr, "members[i] != NULL");
     out[i] = members_[i]->GetMembership(x);
   }
 }

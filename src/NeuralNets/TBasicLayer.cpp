@@ -11,8 +11,6 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "NeuralNets/TBasicLayer";
-
 std::size_t CheckedNeurons(std::size_t neurons) {
   CheckAtMost(TBasicLayer::kMaxNeurons, neurons, "a layer", "neurons", "TBasicLayer::TBasicLayer");
   return neurons;
@@ -64,7 +62,7 @@ TActFunction TBasicLayer::GetActivation() const {
 }
 
 void TBasicLayer::AddNeuron(std::size_t node) {
-  Assert(node <= neurons_.size(), "node<=numneurons", kModule);
+  Assert(node <= neurons_.size(), "node<=numneurons");
   CheckedNeurons(neurons_.size() + 1);
   const auto position = static_cast<std::ptrdiff_t>(node);
   neurons_.insert(neurons_.begin() + position, prototype_->Clone());
@@ -74,7 +72,7 @@ void TBasicLayer::AddNeuron(std::size_t node) {
 }
 
 void TBasicLayer::RemoveNeuron(std::size_t node) {
-  Assert(node < neurons_.size(), "node<numneurons", kModule);
+  Assert(node < neurons_.size(), "node<numneurons");
   const auto position = static_cast<std::ptrdiff_t>(node);
   neurons_.erase(neurons_.begin() + position);
   net_inputs_.erase(net_inputs_.begin() + position);

@@ -15,8 +15,6 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "NeuralNets/TBasicNetwork";
-
 std::size_t CheckedLayers(int layers) {
   const auto limit = static_cast<int>(TBasicNetwork::kMaxLayers);
   if (layers < 1 || layers > limit) {
@@ -63,7 +61,7 @@ TBasicNetwork& TBasicNetwork::operator=(const TBasicNetwork& other) {
 }
 
 void TBasicNetwork::Assign(const TBasicNetwork& x) {
-  Assert(NumLayers() == x.NumLayers(), "n_layers == x.n_layers", kModule);
+  Assert(NumLayers() == x.NumLayers(), "n_layers == x.n_layers");
   // Everything is copied before anything is replaced: memory may run out, and x may be *this.
   auto sources = x.sources_;
   std::vector<std::unique_ptr<TBasicLayer>> layers;
@@ -82,18 +80,18 @@ void TBasicNetwork::Assign(const TBasicNetwork& x) {
 // --- Layers ----------------------------------------------------------------------------------
 
 void TBasicNetwork::SetInputAndOutputLayer(std::size_t input_layer, std::size_t output_layer) {
-  Assert(input_layer < NumLayers(), "inLayer<numLayers", kModule);
-  Assert(output_layer < NumLayers(), "outLayer<numLayers", kModule);
+  Assert(input_layer < NumLayers(), "inLayer<numLayers");
+  Assert(output_layer < NumLayers(), "outLayer<numLayers");
   input_layer_ = input_layer;
   output_layer_ = output_layer;
 }
 
 void TBasicNetwork::SetLayer(std::size_t index, std::unique_ptr<TBasicLayer> layer) {
-  Assert(layer != nullptr, "layer != NULL", kModule);
+  Assert(layer != nullptr, "layer != NULL");
   for (std::size_t k = 0; k < NumLayers(); ++k) {
     const bool is_free =
         !Connections(index, k).IsConnected() && !Connections(k, index).IsConnected();
-    Assert(is_free, "!connected", kModule);
+    Assert(is_free, "!connected");
   }
   layers_[index] = std::move(layer);
   layers_[index]->Attach(*this, index);
@@ -106,8 +104,8 @@ int TBasicNetwork::GetNumNeurons() const {
 }
 
 TBasicNeuron& TBasicNetwork::Neuron(int index) {
-  Assert(index >= 0, "index>=0", kModule);
-  Assert(index < GetNumNeurons(), "index<GetNumNeurons()", kModule);
+  Assert(index >= 0, "index>=0");
+  Assert(index < GetNumNeurons(), "index<GetNumNeurons()");
   auto rest = static_cast<std::size_t>(index);
   auto layer = layers_.begin();
   for (; rest >= (*layer)->NumNeurons(); ++layer) rest -= (*layer)->NumNeurons();
@@ -115,23 +113,23 @@ TBasicNeuron& TBasicNetwork::Neuron(int index) {
 }
 
 std::size_t TBasicNetwork::CheckedHiddenLayer(int layer_num) const {
-  Assert(layer_num >= 0, "LayerNum>=0", kModule);
+  Assert(layer_num >= 0, "LayerNum>=0");
   const auto layer = static_cast<std::size_t>(layer_num);
-  Assert(layer < NumLayers(), "LayerNum<numLayers", kModule);
-  Assert(layer != input_layer_, "LayerNum!=inLayer", kModule);
-  Assert(layer != output_layer_, "LayerNum!=outLayer", kModule);
+  Assert(layer < NumLayers(), "LayerNum<numLayers");
+  Assert(layer != input_layer_, "LayerNum!=inLayer");
+  Assert(layer != output_layer_, "LayerNum!=outLayer");
   for (std::size_t k = 0; k < NumLayers(); ++k) {
     const bool is_resizable =
         Connections(layer, k).IsResizable() && Connections(k, layer).IsResizable();
-    Assert(is_resizable, "IsResizable()", kModule);
+    Assert(is_resizable, "IsResizable()");
   }
   return layer;
 }
 
 void TBasicNetwork::AddNeuron(int layer_num, int node) {
   const std::size_t layer = CheckedHiddenLayer(layer_num);
-  Assert(node >= 0, "node>=0", kModule);
-  Assert(node <= GetNumNeurons(), "node<=GetNumNeurons()", kModule);
+  Assert(node >= 0, "node>=0");
+  Assert(node <= GetNumNeurons(), "node<=GetNumNeurons()");
   // A neuron of a layer that is connected with itself has a connection with itself, too.
   std::uint64_t weights = NumPlaces() + (Connections(layer, layer).IsConnected() ? 1 : 0);
   for (std::size_t k = 0; k < NumLayers(); ++k) {
@@ -149,8 +147,8 @@ void TBasicNetwork::AddNeuron(int layer_num, int node) {
 
 void TBasicNetwork::RemoveNeuron(int layer_num, int node) {
   const std::size_t layer = CheckedHiddenLayer(layer_num);
-  Assert(node >= 0, "node>=0", kModule);
-  Assert(node < GetNumNeurons(), "node<GetNumNeurons()", kModule);
+  Assert(node >= 0, "node>=0");
+  Assert(node < GetNumNeurons(), "node<GetNumNeurons()");
   const auto position = static_cast<std::size_t>(node);
   layers_[layer]->RemoveNeuron(position);
   for (std::size_t k = 0; k < NumLayers(); ++k) {
@@ -162,12 +160,12 @@ void TBasicNetwork::RemoveNeuron(int layer_num, int node) {
 // --- Connections -----------------------------------------------------------------------------
 
 void TBasicNetwork::RefuseLayer() const {
-  throw TAssertion("index<numLayers", kModule, __LINE__);
+  throw TAssertion("index<numLayers", __FILE__, __LINE__);
 }
 
 void TBasicNetwork::SetConnections(std::size_t to, std::size_t from,
                                    std::unique_ptr<TBasicConnections> block) {
-  Assert(block != nullptr, "conns != NULL", kModule);
+  Assert(block != nullptr, "conns != NULL");
   const TBasicLayer& to_layer = Layer(to);
   const TBasicLayer& from_layer = Layer(from);
   const std::uint64_t others = NumPlaces() - Connections(to, from).Weights().size();
@@ -215,7 +213,7 @@ std::vector<double> TBasicNetwork::GetWeights(TMask val) const {
 }
 
 void TBasicNetwork::SetWeights(std::span<const double> weights, TMask val) {
-  Assert(weights.size() == GetNumWeights(val), "weights.size()==GetNumWeights(val)", kModule);
+  Assert(weights.size() == GetNumWeights(val), "weights.size()==GetNumWeights(val)");
   TIterateObjSetWeights set(weights, val);
   Iterate(set);
 }

@@ -14,8 +14,6 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "NeuralNets/TBasicNetworkRecall";
-
 void CheckColumns(int columns, std::size_t needed, const char* side, const char* function) {
   if (static_cast<std::size_t>(columns) == needed) return;
   throw TException("the data set has " + std::to_string(columns) + " " + side +
@@ -46,7 +44,7 @@ void TBasicNetwork::CheckFits(const Data& data, const char* function) const {
 }
 
 std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
-  Assert(in != nullptr, "in != nil", kModule);
+  Assert(in != nullptr, "in != nil");
   CheckInputsFit(*in, "TBasicNetwork::Recall");
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), outputs, false);
@@ -73,8 +71,8 @@ std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
 }
 
 double TBasicNetwork::RecallError(const Data* in, TErrorObj* err) {
-  Assert(in != nullptr, "in != nil", kModule);
-  Assert(err != nullptr, "err != nil", kModule);
+  Assert(in != nullptr, "in != nil");
+  Assert(err != nullptr, "err != nil");
   CheckFits(*in, "TBasicNetwork::RecallError");
   return TRecall(*this).Error(*in, *err);
 }

@@ -5,12 +5,6 @@
 
 namespace kiln {
 
-namespace {
-
-constexpr char kModule[] = "NeuralNets/TBasicNeuron";
-
-}  // namespace
-
 std::unique_ptr<TBasicNeuron> TBasicNeuron::Clone() const {
   return std::make_unique<TBasicNeuron>(*this);
 }
@@ -30,19 +24,19 @@ double& TBasicNeuron::Output() const {
 }
 
 double TBasicNeuron::Membership(double) const {
-  AssertFalse(kModule);
+  AssertFalse();
 }
 
 std::string_view TBasicNeuron::ParameterName(std::size_t) const {
-  AssertFalse(kModule);
+  AssertFalse();
 }
 
 double TBasicNeuron::GetParameter(std::size_t) const {
-  AssertFalse(kModule);
+  AssertFalse();
 }
 
 void TBasicNeuron::SetParameter(std::size_t, double) {
-  AssertFalse(kModule);
+  AssertFalse();
 }
 
 }  // namespace kiln

@@ -38,7 +38,7 @@ class TIterateObjSet : public TIterateObj {
 
   void Connection(TConnection& connection) override {
     if (!connection.IsSelected(val_)) return;
-    Assert(!values_.empty(), "n<numvalues", "NeuralNets/TIterateObjValues");
+    Assert(!values_.empty(), "n<numvalues");
     connection.*kField = values_.front();
     values_ = values_.subspan(1);
   }

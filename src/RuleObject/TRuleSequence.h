@@ -51,6 +51,7 @@ class TRuleSequence {
       : below_count_(below_count), at_most_count_(at_most_count) {}
 
  private:
+  // The name by which users know the assertions about every kind of these lists.
   static constexpr char kModule[] = "RuleObject/RuleObject";
 
   void CheckElement(int position) const {

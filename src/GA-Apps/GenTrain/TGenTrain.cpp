@@ -14,8 +14,6 @@ namespace kiln {
 
 namespace {
 
-constexpr char kModule[] = "GA-Apps/GenTrain/TGenTrain";
-
 void CheckParameters(const TBasicNetwork& network, const TWeightBounds& bounds,
                      std::size_t population) {
   const auto fail = [](const std::string& message) {
@@ -45,7 +43,7 @@ float TargetFitness(double error) {
 TGenTrain::TGenTrain(std::shared_ptr<TBasicNetwork> network, const TWeightBounds& bounds,
                      std::size_t population)
     : MbrPtrNetNetwork(std::move(network)), MbrBndWeights(bounds), MbrNdxPopulation(population) {
-  Assert(MbrPtrNetNetwork != nullptr, "PtrNetNetwork != 0", kModule);
+  Assert(MbrPtrNetNetwork != nullptr, "PtrNetNetwork != 0");
   CheckParameters(*MbrPtrNetNetwork, bounds, population);
 }
 
@@ -58,7 +56,7 @@ void TGenTrain::Initialise() {
 
 double TGenTrain::Train(RunSettings settings, double target_error,
                         std::span<const Data* const> sets, const TGenerationObserver& observer) {
-  Assert(MbrDtcTrainer.has_value(), "MbrPtrDtcTrainer != 0", kModule);
+  Assert(MbrDtcTrainer.has_value(), "MbrPtrDtcTrainer != 0");
   MbrPtrEvlEvaluator->SetData(sets);
   if (settings.IntGenerations < 1) return MbrPtrEvlEvaluator->Error();
   settings.FltTarget = TargetFitness(target_error);
@@ -74,7 +72,7 @@ double TGenTrain::Train(RunSettings settings, double target_error,
 double TGenTrain::Evolve(const RunSettings& settings, const TGenerationObserver& observer) {
   TGenTrainReport reporter(*MbrPtrEvlEvaluator, observer);
   const int status = MbrDtcTrainer->Run(settings, *MbrPtrEvlEvaluator, reporter);
-  Assert(status == SUCCESS, "IntReturn == SUCCESS", kModule);
+  Assert(status == SUCCESS, "IntReturn == SUCCESS");
   if (!(MbrDtcTrainer->Working().Best().FltFitness > 0.0F)) {
     throw TException("no individual has an error that is a number", "Invalid Parameter",
                      "TGenTrain::Train");
@@ -86,7 +84,7 @@ double TGenTrain::Evolve(const RunSettings& settings, const TGenerationObserver&
 }
 
 std::span<const GeneValue> TGenTrain::ExportBest() const {
-  Assert(MbrDtcTrainer.has_value(), "MbrPtrDtcTrainer != 0", kModule);
+  Assert(MbrDtcTrainer.has_value(), "MbrPtrDtcTrainer != 0");
   const Population& current = MbrDtcTrainer->Current();
   return current.At(current.Best().NdxPosition).Genes().Values();
 }

@@ -105,7 +105,7 @@ const TMethod& MethodOf(const TKQstructure& options) {
   if (!name) return kMethods[0];
   if (const TMethod* method = FindNoCase(kMethods, name->Name(), &TMethod::name)) return *method;
   SayLine(name->Name());
-  AssertFalse("Tarn/RuleExtraction/TTarnRule");
+  AssertFalse("Tarn/RuleExtraction/TTarnRule");  // users quote this source
 }
 
 struct TThresholds {
