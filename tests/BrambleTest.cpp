@@ -47,6 +47,14 @@ Population WithFitness(const std::vector<float>& fitness) {
   return population;
 }
 
+using Identifiers = std::vector<std::uint32_t>;
+
+Identifiers IdentifiersOf(const Population& population) {
+  Identifiers identifiers;
+  for (const Individual& one : population.Individuals()) identifiers.push_back(one.Identifier());
+  return identifiers;
+}
+
 // What the k-th kind of gene of the next test mutates to.
 GeneValue LiteralValue(Literal& literal, std::size_t k) {
   if (k == 0) return GeneValue::OfReal(static_cast<float>(-2 + 5 * (literal.Next() / 32767.0)));
@@ -185,9 +193,21 @@ TEST(GeneticFitness, IsScaledAndRanked) {
 
   Population elites(2, 0, population.Genome());
   EXPECT_EQ(elites.AddElites(nullptr, 1), kNoElites);
-  EXPECT_EQ(elites.AddElites(&population, 1) + elites.AddElites(&population, 3), SUCCESS);
-  EXPECT_TRUE(std::ranges::equal(elites.Individuals(), std::vector<std::uint32_t>{4, 5, 2, 4}, {},
-                                 &Individual::Identifier));
+  EXPECT_EQ(elites.AddElites(&population, 1), SUCCESS);
+  EXPECT_EQ(elites.AddElites(&population, 3), SUCCESS);
+  EXPECT_EQ(IdentifiersOf(elites), (Identifiers{4, 5, 2, 4}));
+}
+
+TEST(GeneticPopulation, IsCutAndPutTogether) {
+  const Population whole = WithFitness({3, 1, 2});
+  const Population part = whole.SubPopulation(2, 3);
+  EXPECT_EQ(IdentifiersOf(part), (Identifiers{2, 3}));
+  EXPECT_EQ(part.Statistics().DblAverage, 1.5);
+  Population sum(2, 0, whole.Genome());
+  sum.AddAll(whole);
+  sum.AddAll(part);
+  EXPECT_EQ(IdentifiersOf(sum), (Identifiers{1, 2, 3, 2, 3}));
+  EXPECT_THROW(whole.SubPopulation(3, 4), TAssertion);
 }
 
 // Fitness is the sum of the genes; `OnGenes` sees them first.
@@ -265,6 +285,12 @@ TEST_F(GeneticRun, HandsRepairsDown) {
     genes[4] = GeneValue::OfReal(0.25F);
   };
   EXPECT_EQ(Bests({6, 100.0F, 1, 3, 0.0F}).size(), 6U);
+}
+
+TEST_F(GeneticRun, StartsFromGenesWrittenIntoTheExport) {
+  for (GeneValue& gene : driver.ExportCurrent().back()) gene = GeneValue::OfReal(2.0F);
+  EXPECT_EQ(Bests({.IntGenerations = 1}), std::vector<float>{24.0F});
+  EXPECT_EQ(driver.ExportGenome().size(), 12U);
 }
 
 TEST_F(GeneticRun, RefusesWhatItCannotBreed) {
