@@ -11,7 +11,7 @@ namespace kiln {
 namespace {
 
 std::size_t SlotsFor(int count) {
-  Assert(count >= 0, "count >= 0", "Membership/TMFSetList");
+  Assert(count >= 0, "count >= 0");
   return static_cast<std::size_t>(count);
 }
 

@@ -15,7 +15,7 @@ namespace kiln {
 namespace {
 
 TMFGroups CheckedGroups(std::span<const int> counts) {
-  for (const int count : counts) Assert(count >= 2, "NdxMF >= 2", "Tarn/TConditionLayer");
+  for (const int count : counts) Assert(count >= 2, "NdxMF >= 2");
   return TMFGroups(counts);
 }
 

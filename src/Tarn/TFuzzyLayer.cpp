@@ -9,7 +9,7 @@ std::size_t TFuzzyLayer::SourceLayer(std::string_view kind) const {
   const auto sources = Network().Sources(Index());
   const bool is_joined =
       sources.size() == 1 && Network().Connections(Index(), sources.front()).KindName() == kind;
-  Assert(is_joined, "attached", "Tarn/TFuzzyLayer");
+  Assert(is_joined, "attached");
   return sources.front();
 }
 

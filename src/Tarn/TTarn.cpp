@@ -209,7 +209,7 @@ void TTarn::SetWeightLayer(int weight_layer, std::span<const double> values) {
 }
 
 void TTarn::InitWeights(double minimum, double maximum) {
-  Assert(!(maximum < minimum), "Minimum <= Maximum", "Tarn/TTarn");
+  Assert(!(maximum < minimum), "Minimum <= Maximum");
   TIterateObjRandomize randomize(minimum, maximum);
   Centres(kConditionLayer).PlaceEvenly();
   Connections(kRuleLayer, kConditionLayer).Iterate(randomize);

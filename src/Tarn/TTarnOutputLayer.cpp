@@ -29,7 +29,7 @@ double CentreOfGravity(double numerator, double denominator, std::size_t terms) 
 void CheckRange(double value) {
   if (value >= 0.0 && value <= 1.0) return;
   SayLine(FormatGeneral(value, 6));
-  Assert(false, "(ActActivation >= 0) && (ActActivation <= 1)", "Tarn/TTarnOutputLayer");
+  Assert(false, "(ActActivation >= 0) && (ActActivation <= 1)");
 }
 
 }  // namespace
