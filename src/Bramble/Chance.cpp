@@ -4,7 +4,8 @@
 
 namespace kiln {
 
-// Passes over whole blocks without the event; draws one by one where it is, and what is no block.
+// Passes over the next kBlock draws at once when none of them is the event. Draws one by one
+// through a block that has the event in it, and where fewer than kBlock draws are left.
 std::size_t Chance::Misses(std::size_t limit) const {
   std::size_t drawn = 0;
   while (drawn < limit) {

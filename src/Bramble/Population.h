@@ -28,8 +28,8 @@ struct BestIndividual {
 // population clones it.
 //
 // Individuals rank by fitness; of equals the one that stands later ranks higher. Elites stand
-// behind the children, so that no child of equal fitness takes their place, which an evaluator
-// might know to be a shade worse than single precision shows.
+// behind the children, so that no child of equal fitness outranks them: in the double precision of
+// an evaluator that child may be a little worse.
 //
 // An emptied population keeps its individuals as spare room, so that two populations that take
 // turns as parents and children need no memory after the first turn.

@@ -11,7 +11,7 @@ namespace {
 
 struct TFirstLine {
   std::vector<std::string> cells;
-  bool has_text = false;  // a cell that neither is a number nor says that there is none
+  bool has_text = false;  // whether a cell is neither a number nor a sign for a missing value
 };
 
 TFirstLine ReadFirstLine(TScanner& scanner) {
@@ -88,8 +88,8 @@ void AssignParts(TColumns& columns, const Options& options) {
   }
 }
 
-// Looks at a row and tells whether it counts: it has a cell for each column and none that is read
-// says nothing. `kinds` has what its cells hold.
+// Reads a row and returns whether it has a cell for each column, and a value in each cell that goes
+// into the set. Fills `kinds` with what the cells hold.
 bool LooksComplete(TScanner& scanner, const std::vector<TColumn>& columns,
                    std::vector<TColumn::TKind>& kinds) {
   bool complete = true;

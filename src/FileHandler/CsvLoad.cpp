@@ -113,7 +113,7 @@ class TPieceReader {
     return counts;
   }
 
-  // Reads any cell of a column. Tells whether it says something, or need not.
+  // Reads any cell of a column. Returns false where a value is missing that the column needs.
   bool ReadCell(TScanner& scanner, std::size_t c, std::vector<TWords>& words, TRow& row) const {
     const TColumn& column = columns_.all[c];
     const TCell cell = scanner.ReadCell();

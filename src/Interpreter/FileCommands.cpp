@@ -229,7 +229,7 @@ constexpr TTag kTableTags[] = {
         "it is an error"),
 };
 
-// The word for a network does not matter: what it is decides what is written and read.
+// Whatever kind of network the word says, any network is written and read.
 constexpr TForm kSavers[] = {
     {"Data", "writes a data set to a file", "save Data alias d filename (d.dat)", kSavedDataTags,
      SaveData},

@@ -38,7 +38,7 @@ TAnswer AliasExists(TInterpreter& interpreter, const TCommandLine& line) {
   return std::string(AnswerBoolean(interpreter.Exists(alias)));
 }
 
-// A Kohonen trainer is not named: the latest value that a command has answered comes again.
+// For a Kohonen trainer the answer is frozen as the latest value that any command has answered.
 TAnswer ClassOf(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& node = Subject(interpreter, line, "classof").node;
   return node.As<TKohonenModule>() ? interpreter.GetResult() : std::string(node.Kind());

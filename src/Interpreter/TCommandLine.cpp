@@ -81,10 +81,10 @@ std::string_view TCommandLine::Arguments() const {
   return text_.substr(static_cast<std::size_t>(word.data() + word.size() - text_.data()));
 }
 
-// What a command does not list, its users are not told of.
+// Help, completion and hints show the tags of the form only: a handler that reads another one would
+// have a tag that nobody can learn of.
 void TCommandLine::CheckListed(std::string_view tag) const {
-  Assert(!form_ || FindTag(form_->tags, tag), "the row of the command lists the tag",
-         "Interpreter/TCommandLine");
+  Assert(!form_ || FindTag(form_->tags, tag), "the row of the command lists the tag");
 }
 
 bool TCommandLine::Contains(std::string_view tag) const {

@@ -37,8 +37,8 @@ class TInterpreter : public TObjectRegistry {
   const std::string& GetError() const { return error_message_; }
   const std::string& GetResult() const { return result_message_; }
 
-  // What trainings call after each epoch or generation; they end when it says so. Nobody by
-  // default.
+  // Trainings call the observer after each epoch or generation, and end when it returns false.
+  // There is none by default.
   void SetObserver(TEpochObserver observer) { observer_ = std::move(observer); }
   const TEpochObserver& Observer() const { return observer_; }
 
@@ -49,7 +49,7 @@ class TInterpreter : public TObjectRegistry {
   // What "$NAME" stands for in scripts from now on. Where nothing is defined a dollar is a dollar.
   void Define(TDefinitions definitions) { definitions_ = std::move(definitions); }
 
-  // What is called before each line of a script. Nobody by default.
+  // Scripts call the observer before each of their lines. There is none by default.
   void SetScriptObserver(TScriptObserver observer) { script_observer_ = std::move(observer); }
 
   // Takes note of a line that is not run. An open transcript has one comment, which says why, in
@@ -57,9 +57,9 @@ class TInterpreter : public TObjectRegistry {
   void Refuse(std::string_view why) { transcript_.Write("#Error: ", why); }
 
   // Executes the lines of a file and returns the answer of the last one; calls `answered` with the
-  // code of each that does not fail. Empty lines and those that
-  // begin with "#" are passed over. The first line that fails ends the script: its number and its
-  // message are those of the TCommandFailure. The open transcript cannot be run.
+  // code of each that does not fail. Empty lines and those that begin with "#" are passed over. The
+  // first line that fails ends the script by a TCommandFailure with the line's number and message.
+  // The open transcript cannot be run.
   TAnswer RunScript(const std::string& path, const std::function<void(int code)>& answered = {});
 
   // From now on writes every command but "log", and its answer, to the file, which must not be one

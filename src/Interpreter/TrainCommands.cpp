@@ -79,7 +79,7 @@ std::unique_ptr<TFrozenCentres> FreezeCentres(const TCommandLine& line, const TL
 
 // --- Gradient trainers -----------------------------------------------------------------------
 
-// A number with all of its digits, where six decimals would make nothing of a small one.
+// The number with all of its digits. SetDouble keeps six decimals, which turn a small one into 0.
 std::string Exact(double value) {
   std::string text;
   AppendShortest(text, value);

@@ -7,8 +7,8 @@ namespace kiln {
 // A layer of weighted sums: the net input of a neuron is the sum, over every layer that is
 // connected to this one, of weight times output; its output is the activation function of that.
 //
-// Used as the input layer of a network it warns on the console at every recall and takes the
-// pattern in place of zeros as the start of the sums.
+// As the input layer of a network, such a layer warns on the console at every recall, and its sums
+// start from the values of the pattern instead of zeros.
 class TSimpleLayer : public TBasicLayer {
  public:
   explicit TSimpleLayer(std::size_t neurons) : TSimpleLayer(neurons, TBasicNeuron()) {}

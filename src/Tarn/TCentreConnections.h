@@ -13,10 +13,9 @@ class TCentreConnections : public TBasicConnections {
   bool IsPenalised() const override { return false; }
   bool IsResizable() const override { return false; }
 
-  // Apply to the centres of each variable, with its part of spans over the whole block, what
-  // PlaceCentresEvenly, heedless of flags, MeasureCentreDistances, MeasureCentreGaps,
-  // ScaleCentreGradients, LimitCentreSteps and PutCentresInOrder say. REQUIRES: spans have a value
-  // for each weight.
+  // Apply the function of Centres.h with the longer name (PlaceCentresEvenly, MeasureCentreGaps)
+  // to the centres of each variable. PlaceEvenly moves frozen centres too.
+  // REQUIRES: spans have a value for each weight of the block.
   void PlaceEvenly();
   void MeasureDistances(std::span<double> distances) const;
   void MeasureGaps(std::span<double> gaps) const;

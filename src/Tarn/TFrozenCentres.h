@@ -8,7 +8,7 @@
 namespace kiln {
 
 // Freezes centres of a Tarn for as long as it lives: whatever trains the network meanwhile leaves
-// them where they are. Afterwards those are frozen that were so before.
+// them where they are. The destructor gives every centre the flags that it had before.
 class TFrozenCentres {
  public:
   // REQUIRES: the network is complete and outlives the object; its structure stays.

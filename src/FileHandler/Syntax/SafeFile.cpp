@@ -49,13 +49,14 @@ int FindOpen(const struct stat& file) {
   return -1;
 }
 
-// Only what the program opened itself is closed on exec: what it was handed has come through one.
+// Whatever the program opens itself is closed on exec, which no descriptor that it inherited can
+// be.
 bool WasHandedDown(int descriptor) {
   return (fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0;
 }
 
 TDescriptor Duplicate(int descriptor) {
-  std::cout.flush();  // of what has been said before nothing shall come later
+  std::cout.flush();  // so that earlier output stands in front of the text
   return TDescriptor(fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
 }
 
@@ -91,10 +92,10 @@ class TSignalsBlocked {
 class TemporaryFile {
  public:
   TemporaryFile(const fs::path& target, const std::optional<struct stat>& old) : target_(target) {
-    constexpr mode_t kPermissions = 0777;  // what a file is run as is not for its new text
+    constexpr mode_t kPermissions = 0777;  // without set-user-ID, set-group-ID and the sticky bit
     const mode_t mode = old ? old->st_mode & kPermissions : 0666;
     const std::string stem = target.parent_path() / (".kiln-save-" + std::to_string(getpid()));
-    // The number passes over what a program of the same process number has left behind.
+    // Another number where a killed program of the same process number has left a temporary.
     for (unsigned number = 0; !file_.IsOpen(); ++number) {
       path_ = stem + "-" + std::to_string(number);
       const TSignalsBlocked blocked;
@@ -186,7 +187,7 @@ void WriteTo(const TDescriptor& file, const std::function<void(Writer&)>& write)
   if (!out) Fail(buffer.Reason());
 }
 
-// Puts the text in the place of the file at `path`, or of nothing yet.
+// Replaces the regular file at `path`, or makes one where there is none.
 void Replace(const std::string& path, const std::optional<struct stat>& old,
              const std::function<void(Writer&)>& write) {
   // Renaming would get past the write protection of the old file.

@@ -18,10 +18,10 @@ class SaveError : public TException {
 
 // Makes `write` write the file at `path`. The text goes to a temporary beside it that takes its
 // place, its mode and where possible its owner only when all of the text is on the disk: a failed
-// save leaves the old file as it was. The target of a symbolic link is replaced, not the link. What
-// is no regular file, such as a device or a pipe, is written straight; so is a file that the
-// program was handed open, as "/dev/stdout" is, behind what has been written there before. A file
-// that the program itself writes at this time is refused.
+// save leaves the old file as it was. The target of a symbolic link is replaced, not the link. A
+// device or a pipe is written straight; so is a file that the program inherited open, such as
+// "/dev/stdout", behind what has been written there before. A file that the program itself is
+// writing, such as the transcript, is refused.
 //
 // Throws SaveError, TInterrupted, and whatever `write` throws.
 void SaveFile(const std::string& path, const std::function<void(Writer&)>& write);

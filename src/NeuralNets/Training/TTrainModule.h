@@ -14,8 +14,8 @@ class Data;
 class TKQstructure;
 
 // Gradient descent on the error of a network over a data set: the loop over epochs and updates,
-// with the weight penalties. How the patterns of an epoch give gradients is for the pass to know
-// that a derived trainer makes.
+// with the weight penalties. How the patterns of an epoch give gradients is up to the pass, which
+// the derived trainer makes.
 //
 // Parameters, by keyword, with their defaults:
 //   LEARNINGRATE   size of a step: 0 in updates, 1 in the gradient of a penalty
