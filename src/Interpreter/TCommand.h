@@ -1,10 +1,9 @@
 #pragma once
 
-#include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 
+#include "Interpreter/Answers.h"
 #include "Interpreter/TTag.h"
 
 // The table of commands. It says of every command what may be typed and what that means; handlers
@@ -18,8 +17,7 @@ class TInterpreter;
 // Carries out a command or one form of it and returns its answer; failures are thrown. A handler
 // checks its arguments in a fixed order, each failed check being a TCommandFailure, and changes
 // nothing before all of them have passed.
-using THandler = std::optional<std::string> (*)(TInterpreter& interpreter,
-                                                const TCommandLine& line);
+using THandler = TAnswer (*)(TInterpreter& interpreter, const TCommandLine& line);
 
 // One of the forms of a command, "create MLP". A command that has only one has no word for it.
 struct TForm {

@@ -17,19 +17,19 @@ TTarnGAEval::TTarnGAEval(TTarn& network, const TWeightBounds& bounds)
     : TGenTrainEval(network),
       MbrDyaIntInputGroups(network.InputMF()),
       MbrDyaIntOutputGroups(network.OutputMF()),
-      MbrNdxRules(SizeOf(network, TTarn::kInputLayer)),
-      MbrNdxOutputCentres(MbrNdxRules + SizeOf(network, TTarn::kConditionLayer) +
-                          SizeOf(network, TTarn::kRuleLayer)),
+      MbrNdxFirstRuleWeight(SizeOf(network, TTarn::kInputLayer)),
+      MbrNdxFirstOutputCentre(MbrNdxFirstRuleWeight + SizeOf(network, TTarn::kConditionLayer) +
+                              SizeOf(network, TTarn::kRuleLayer)),
       MbrMgnWeight(MetaGene::Real(bounds.FltMinimum, bounds.FltMaximum)) {}
 
 MetaGene TTarnGAEval::DefinitionOf(std::size_t gene) const {
-  const bool is_centre = gene < MbrNdxRules || gene >= MbrNdxOutputCentres;
+  const bool is_centre = gene < MbrNdxFirstRuleWeight || gene >= MbrNdxFirstOutputCentre;
   return is_centre ? MetaGene::Real(0.0F, 1.0F) : MbrMgnWeight;
 }
 
 bool TTarnGAEval::Repair(std::span<GeneValue> genes) {
-  OrderGroups(genes, 0, MbrNdxRules, MbrDyaIntInputGroups);
-  OrderGroups(genes, MbrNdxOutputCentres, genes.size(), MbrDyaIntOutputGroups);
+  OrderGroups(genes, 0, MbrNdxFirstRuleWeight, MbrDyaIntInputGroups);
+  OrderGroups(genes, MbrNdxFirstOutputCentre, genes.size(), MbrDyaIntOutputGroups);
   return true;
 }
 

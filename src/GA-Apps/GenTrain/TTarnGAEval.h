@@ -36,8 +36,8 @@ class TTarnGAEval : public TGenTrainEval {
 
   std::vector<int> MbrDyaIntInputGroups;  // centres of each variable
   std::vector<int> MbrDyaIntOutputGroups;
-  std::size_t MbrNdxRules;          // genes before the first rule's weight
-  std::size_t MbrNdxOutputCentres;  // genes before the first centre of an output
+  std::size_t MbrNdxFirstRuleWeight;  // places among the genes
+  std::size_t MbrNdxFirstOutputCentre;
   MetaGene MbrMgnWeight;
 };
 

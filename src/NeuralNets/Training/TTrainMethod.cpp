@@ -12,6 +12,7 @@ namespace kiln {
 
 namespace {
 
+// By the number of the method.
 constexpr std::array<std::string_view, 4> kNames = {"gradient", "rprop", "adam", "levenberg"};
 
 [[noreturn]] void Refuse(const std::string& message) {
@@ -44,10 +45,9 @@ double Share(const TKQstructure& params, const char* keyword, double fallback) {
 }  // namespace
 
 std::optional<TMethodKind> FindMethod(std::string_view name) {
-  for (std::size_t i = 0; i < kNames.size(); ++i) {
-    if (EqualNoCase(kNames[i], name)) return static_cast<TMethodKind>(i);
-  }
-  return std::nullopt;
+  const std::string_view* const found = FindNoCase(kNames, name);
+  if (found == nullptr) return std::nullopt;
+  return static_cast<TMethodKind>(found - kNames.data());
 }
 
 TMethodSettings::TMethodSettings(const TKQstructure& params) : kind(KindOf(params)) {
