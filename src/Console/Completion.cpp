@@ -86,14 +86,8 @@ void AddValues(TChoices& choices, const TInterpreter& interpreter, const TTag& t
     case TValueKind::kPath:
       choices.Add("(", "");
       break;
-    case TValueKind::kAliases:
-    case TValueKind::kWords:
-    case TValueKind::kBooleans:
-    case TValueKind::kLongs:
-    case TValueKind::kDoubles:
-      choices.Add("{", "");
-      break;
     default:
+      if (IsList(tag.kind)) choices.Add("{", "");
       break;
   }
 }

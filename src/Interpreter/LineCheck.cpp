@@ -126,19 +126,12 @@ class TLineCheck {
       return;
     }
     if (rest_.empty()) Odd(tag.name, " has no value");
-    switch (tag.kind) {
-      case TValueKind::kPath:
-        TakeBrackets(tag, '(', ')', "a file name in parentheses");
-        break;
-      case TValueKind::kAliases:
-      case TValueKind::kWords:
-      case TValueKind::kBooleans:
-      case TValueKind::kLongs:
-      case TValueKind::kDoubles:
-        CheckList(tag);
-        break;
-      default:
-        CheckWord(tag, TakeWord());
+    if (tag.kind == TValueKind::kPath) {
+      TakeBrackets(tag, '(', ')', "a file name in parentheses");
+    } else if (IsList(tag.kind)) {
+      CheckList(tag);
+    } else {
+      CheckWord(tag, TakeWord());
     }
   }
 

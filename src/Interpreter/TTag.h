@@ -18,13 +18,20 @@ enum class TValueKind {
   kSeed,  // a whole number; the tag counts only where one follows
   kDouble,
   kAnyCaseDouble,  // a number; the tag counts in any case, only where a number follows
-  kWords,          // the rest are lists in braces
+  kWords,          // a list in braces, as are the next three
   kBooleans,
   kLongs,
   kDoubles,
   kPath,    // a file name in parentheses
   kPhrase,  // whatever there is up to the end of the line
 };
+
+// Whether values of the kind stand in braces.
+constexpr bool IsList(TValueKind kind) {
+  using enum TValueKind;
+  return kind == kAliases || kind == kWords || kind == kBooleans || kind == kLongs ||
+         kind == kDoubles;
+}
 
 // A tag of a command, as its row in the table of commands has it: a command can read no other.
 struct TTag {
