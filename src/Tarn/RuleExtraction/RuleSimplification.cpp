@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -14,13 +15,29 @@ namespace kiln {
 
 namespace {
 
-void Check(bool holds, const std::string& message) {
-  if (!holds) throw TException(message, "Invalid Parameter", "TNetRule::RETarn");
+[[noreturn]] void Fail(const std::string& message) {
+  throw TException(message, "Invalid Parameter", "TNetRule::RETarn");
+}
+
+void Check(bool holds, const char* message) {
+  if (!holds) Fail(message);
+}
+
+void CheckFinite(std::span<const double> values, int row, const char* side) {
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    if (std::isfinite(values[k])) continue;
+    Fail("row " + std::to_string(row + 1) + ", column " + std::to_string(k + 1) + " of the " +
+         side + " is not a finite number");
+  }
 }
 
 void CheckOptions(const TTarn& terms, const TSimplification& options) {
   terms.CheckFits(options.data, "TNetRule::RETarn");
   Check(options.data.DataRows() > 0, "the data set has no rows");
+  for (int n = 0; n < options.data.DataRows(); ++n) {
+    CheckFinite(options.data.Row(n).Inputs, n, "inputs");
+    CheckFinite(options.data.Row(n).Outputs, n, "outputs");
+  }
   Check(options.tolerance >= 0.0 && std::isfinite(options.tolerance),
         "tolerance must be a number of at least 0");
   Check(options.rounds >= 1, "rounds must be at least 1");

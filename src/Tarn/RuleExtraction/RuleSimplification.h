@@ -31,9 +31,9 @@ struct TSimplification {
 // If rules have more conditions than `atoms` allows after all rounds, conditions of these go in the
 // same order, whatever that costs, and the rounds begin once more.
 //
-// Throws TException unless the set fits the network and has rows, the tolerance is a number of at
-// least 0, there is a round, and `atoms` is not negative. REQUIRES: there are the terms that the
-// rules name.
+// Throws TException unless the set fits the network, has rows and only finite values, the tolerance
+// is a number of at least 0, there is a round, and `atoms` is not negative. REQUIRES: there are the
+// terms that the rules name.
 TFlatRules Simplified(TFlatRules rules, const TTarn& terms, const TSimplification& options);
 
 }  // namespace kiln
