@@ -135,8 +135,10 @@ class TRules {
   void Write(Writer& out, const TRule& rule) {
     const std::string antecedent = Condition(rule.antecedent, false, 0);
     for (const auto& [degree, conclusions] : Conclusions(rule.consequences)) {
-      out.WriteText("  RULE " + std::to_string(++count_) + " : if " + antecedent + " then " +
-                    conclusions + (degree == 1.0 ? "" : " with " + Number(degree)) + ";\n");
+      std::string text = "  RULE " + std::to_string(++count_) + " : if ";
+      text.append(antecedent).append(" then ").append(conclusions);
+      if (degree != 1.0) text.append(" with ").append(Number(degree));
+      out.WriteText(text.append(";\n"));
     }
   }
 

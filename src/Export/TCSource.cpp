@@ -115,7 +115,7 @@ void TCSource::WriteComment(std::string_view text) {
 template <typename TValue>
 std::string TCSource::WriteTable(const std::string& what, std::span<const TValue> values,
                                  std::string_view type) {
-  const std::string table = name_ + '_' + what;
+  std::string table = name_ + '_' + what;
   std::string line = "static const ";
   line.append(type).append(" ").append(table);
   line += '[' + std::to_string(values.size()) + "] = {";

@@ -38,7 +38,7 @@ class TLineReader {
   void SkipRest();
   void ReadOn();
   bool Refill();
-  void TakeLine(std::size_t end);
+  void TakeLine(std::size_t length);
   bool GiveUp(std::string_view fault);
 
   int descriptor_;
