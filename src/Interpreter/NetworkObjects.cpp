@@ -5,6 +5,7 @@
 #include "GA-Apps/GenTrain/TMLPGA.h"
 #include "GA-Apps/GenTrain/TTarnGA.h"
 #include "Interpreter/Checks.h"
+#include "NeuralNets/Maps/TKohonenModule.h"
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "NeuralNets/Training/TBackpropModule.h"
@@ -43,6 +44,13 @@ TTarn* TrainedTarn(const TRegistryNode& node) {
   if (const auto trainer = node.As<TTarnLWF>()) return &trainer->Tarn();
   if (const auto trainer = node.As<TTarnGA>()) return &trainer->Tarn();
   return nullptr;
+}
+
+const TTrainHistory* TrainingHistory(const TRegistryNode& node) {
+  if (const auto trainer = AsGradientTrainer(node)) return &trainer->History();
+  if (const auto trainer = AsGeneticTrainer(node)) return &trainer->History();
+  const auto trainer = node.As<TKohonenModule>();
+  return trainer ? &trainer->History() : nullptr;
 }
 
 void InsertNetwork(TInterpreter& interpreter, std::string_view alias,

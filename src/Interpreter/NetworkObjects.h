@@ -10,6 +10,7 @@ namespace kiln {
 class TBasicNetwork;
 class TGenTrain;
 class TTarn;
+class TTrainHistory;
 class TTrainModule;
 
 // For handlers that treat several kinds of network, or of trainer, alike.
@@ -28,6 +29,9 @@ const TBasicNetwork* TrainedNetwork(const TRegistryNode& node);
 
 // The fuzzy network that a trainer trains; null when the entry holds no trainer of one.
 TTarn* TrainedTarn(const TRegistryNode& node);
+
+// What the trainer of an entry has seen; null when it holds no trainer.
+const TTrainHistory* TrainingHistory(const TRegistryNode& node);
 
 // Registers a network under the type tag of its kind. Throws TCommandFailure "unknown network type"
 // for a kind that has no tag.

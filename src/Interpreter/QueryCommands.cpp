@@ -5,8 +5,11 @@
 #include "DataTools/DataManip/TDataStats.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
+#include "Interpreter/NetworkObjects.h"
+#include "Interpreter/QueryScore.h"
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
+#include "NeuralNets/Training/TTrainHistory.h"
 #include "RuleObject/TFuzzyRuleSet.h"
 #include "RuleObject/TNetLabel.h"
 #include "Shared/TException.h"
@@ -156,6 +159,24 @@ TAnswer GetNextRow(TInterpreter& interpreter, const TCommandLine& line) {
   return StepToNextRow(*set);
 }
 
+TAnswer HistoryOf(TInterpreter& interpreter, const TCommandLine& line) {
+  const TSubject subject = Subject(interpreter, line, "history");
+  const TTrainHistory* history = TrainingHistory(subject.node);
+  if (!history) Fail(subject.alias, " is not a training object");
+  std::vector<int> epochs;
+  std::vector<double> training, validation;
+  bool has_validation = false;
+  for (const TTrainPoint& point : history->Points()) {
+    epochs.push_back(point.epoch);
+    training.push_back(point.training);
+    validation.push_back(point.validation);
+    has_validation = has_validation || !std::isnan(point.validation);
+  }
+  if (!has_validation) validation.clear();
+  return "epochs " + AnswerArray(epochs) + " training " + AnswerArray(training) + " validation " +
+         AnswerArray(validation);
+}
+
 // A getter of one figure for every column of a side.
 using TFigures = std::vector<double> (TDataStats::*)();
 
@@ -226,6 +247,16 @@ constexpr TTag kStructureOfTags[] = {
         "Data MLP Tarn Kohonen TarnLabels FuzzyRules")};
 constexpr TTag kGetNextRowTags[] = {TTag{"getnextrow", kAlias, "a data set"}.Of("Data")};
 constexpr TTag kColumnsTags[] = {TTag{"columns", kAlias, "a data set"}.Of("Data")};
+constexpr TTag kScoreTags[] = {
+    TTag{"network", kAlias, "a network of any kind"}.Of("MLP Tarn Kohonen"),
+    TTag{"data", kAlias, "the data set that it answers"}.Of("Data"),
+};
+constexpr TTag kConfusionTags[] = {
+    TTag{"network", kAlias, "a network that tells classes"}.Of("MLP Tarn"),
+    TTag{"data", kAlias, "a data set whose outputs are classes"}.Of("Data"),
+};
+constexpr TTag kHistoryTags[] = {
+    TTag{"history", kAlias, "a trainer"}.Of("BP TarnBP TarnLWF MLPGA TarnGA KohonenTrainer")};
 constexpr TTag kGetStatsTags[] = {
     TTag{"getstats", kChoice, "which figure of each column"}.Of("max min average"),
     TTag{"alias", kAlias, "statistics"}.Of("DataStats"),
@@ -248,6 +279,12 @@ constexpr TForm kQueries[] = {
      StructureOf},
     {"getnextrow", "the next row of a data set", "query getnextrow d", kGetNextRowTags, GetNextRow},
     {"columns", "the names of the columns of a data set", "query columns d", kColumnsTags, Columns},
+    {"score", "how well a network answers a data set", "query score network net data d", kScoreTags,
+     Score},
+    {"confusion", "which classes a network takes for which", "query confusion network net data d",
+     kConfusionTags, Confusion},
+    {"history", "the errors that a trainer has seen", "query history teacher", kHistoryTags,
+     HistoryOf},
     {"getstats", "figures of the columns of a data set",
      "query getstats max alias s inputs on outputs on", kGetStatsTags, GetStats},
     {"fired", "how much each rule applies", "query fired rules found inputs {0.1, 0.5}", kFiredTags,

@@ -10,6 +10,7 @@
 #include "Interpreter/Commands.h"
 #include "Interpreter/NetworkObjects.h"
 #include "KQmessage/TKQstructure.h"
+#include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/Maps/TKohonenModule.h"
 #include "NeuralNets/Training/TTrainModule.h"
 #include "Shared/Narrowing.h"
@@ -30,17 +31,19 @@ struct TLesson {
   std::string_view set_alias;
   const Data& set;
   const TEpochObserver& observer;
+  const TObjectRegistry& registry;
 };
 
 // Reads the tags of one kind of trainer, trains and gives the answer.
 using TTraining = TAnswer (*)(const TCommandLine& line, const TLesson& lesson);
 
 // Fails unless the set has rows and fits the trainer's network.
-void CheckFits(const TLesson& lesson, const TBasicNetwork& network) {
+void CheckFits(const TLesson& lesson, std::string_view alias, const Data& set,
+               const TBasicNetwork& network) {
   const std::string owner = "the network of " + std::string(lesson.trainer_alias);
-  RequireColumns(lesson.set_alias, lesson.set.Inputs(), "inputs", owner, network.NumInputs());
-  RequireColumns(lesson.set_alias, lesson.set.Outputs(), "outputs", owner, network.NumOutputs());
-  if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
+  RequireColumns(alias, set.Inputs(), "inputs", owner, network.NumInputs());
+  RequireColumns(alias, set.Outputs(), "outputs", owner, network.NumOutputs());
+  if (set.DataRows() == 0) Fail(alias, " has no rows");
 }
 
 // --- Frozen centres --------------------------------------------------------------------------
@@ -77,6 +80,23 @@ std::unique_ptr<TFrozenCentres> FreezeCentres(const TCommandLine& line, const TL
   return frozen;
 }
 
+// --- Validation ------------------------------------------------------------------------------
+
+// The validation set that the line names, which the registry keeps; nothing where it names none.
+std::optional<TValidationSet> NamedValidation(const TCommandLine& line, const TLesson& lesson,
+                                              const TBasicNetwork& network) {
+  const TReading<std::int64_t> patience = line.Long("patience");
+  const bool has_end = patience.code == TReadCode::kRead;
+  if (line.Word("validation").code != TReadCode::kRead) {
+    if (has_end) Fail("tag validation not found");
+    return std::nullopt;
+  }
+  const std::string_view alias = RequiredAlias(line, "validation");
+  const Data& set = *RequiredObject<Data>(lesson.registry, alias, " is not of type data");
+  CheckFits(lesson, alias, set, network);
+  return TValidationSet{set, has_end ? AtLeast(1, patience.value, "patience") : 0};
+}
+
 // --- Gradient trainers -----------------------------------------------------------------------
 
 // The number with all of its digits. SetDouble keeps six decimals, which turn a small one into 0.
@@ -100,7 +120,44 @@ TMethodKind ReadMethod(const TCommandLine& line, TKQstructure& params) {
   return *method;
 }
 
-// The parameters of a gradient trainer. Only one that `forgets` takes a decay of the weights.
+// The penalty that the line asks for; null where it asks for none. A trainer that does not forget
+// passes over a decay unless the kind of penalty is named.
+std::unique_ptr<TKQstructure> ReadPenalty(const TCommandLine& line, double learning_rate,
+                                          bool forgets) {
+  const TReading<double> decay = line.Double("decay");
+  const TReading<std::string_view> kind = line.Word("penalty");
+  const bool is_named = kind.code == TReadCode::kRead;
+  const bool is_quadratic = is_named && EqualNoCase(kind.value, "quadratic");
+  if (is_named && !is_quadratic && !EqualNoCase(kind.value, "forgetting")) {
+    Fail("unknown penalty ", kind.value, ": quadratic or forgetting");
+  }
+  if (decay.code != TReadCode::kRead) {
+    if (is_named) Fail("tag decay not found");
+    return nullptr;
+  }
+  if (!is_named && !forgets) return nullptr;
+  auto penalty = std::make_unique<TKQstructure>(is_quadratic ? "QUADPENALTY" : "LWF");
+  penalty->SetString(is_quadratic ? "Epsilon2" : "ForgettingRate", Exact(decay.value));
+  if (!is_quadratic) penalty->SetDouble("LearningRate", learning_rate);
+  return penalty;
+}
+
+// Puts the measure of the error that the line asks for into the parameters.
+void ReadErrorFunction(const TCommandLine& line, const TLesson& lesson,
+                       const TBasicNetwork& network, TKQstructure& params) {
+  const TReading<std::string_view> word = line.Word("error");
+  if (word.code != TReadCode::kRead || EqualNoCase(word.value, "meansquare")) return;
+  if (!EqualNoCase(word.value, "crossentropy")) {
+    Fail("unknown error ", word.value, ": meansquare or crossentropy");
+  }
+  if (network.Layer(network.OutputLayer()).GetActivation() != ActSigmoid) {
+    Fail("crossentropy needs sigmoid outputs, which the network of ", lesson.trainer_alias,
+         " has not");
+  }
+  params.SetString("ErrorFunction", "CrossEntropy");
+}
+
+// The parameters of a gradient trainer. One that does not forget has no decay by default.
 TKQstructure GradientParams(const TCommandLine& line, bool forgets) {
   TKQstructure params("Params");
   const TMethodKind method = ReadMethod(line, params);
@@ -111,11 +168,7 @@ TKQstructure GradientParams(const TCommandLine& line, bool forgets) {
   if (is_adam) params.SetString("LearningRate", Exact(learning_rate));
   params.SetDouble("Momentum", Optional(line.Double("Momentum"), 0.5));
   params.SetString("Threshold", Exact(Optional(line.Double("terminating"), 0.0)));
-  const TReading<double> decay = line.Double("decay");
-  if (forgets && decay.code == TReadCode::kRead) {
-    auto penalty = std::make_unique<TKQstructure>("LWF");
-    penalty->SetString("ForgettingRate", Exact(decay.value));
-    penalty->SetDouble("LearningRate", learning_rate);
+  if (auto penalty = ReadPenalty(line, learning_rate, forgets)) {
     params.SetValue("WeightPenalty", std::move(penalty));
   }
   const std::string_view mode = Optional(line.Word("mode"), std::string_view("pattern"));
@@ -132,9 +185,13 @@ TAnswer TrainByGradient(const TCommandLine& line, const TLesson& lesson) {
   int epochs = AtLeast(0, Required(line.Long("epochs"), "tag epochs not found"), "epochs");
   const std::shared_ptr<TTrainModule> trainer = AsGradientTrainer(lesson.trainer);
   TKQstructure params = GradientParams(line, !lesson.trainer.As<TTarnBP>());
-  CheckFits(lesson, std::as_const(*trainer).Network());
+  const TBasicNetwork& network = std::as_const(*trainer).Network();
+  CheckFits(lesson, lesson.set_alias, lesson.set, network);
+  ReadErrorFunction(line, lesson, network, params);
+  const auto validation = NamedValidation(line, lesson, network);
   const auto frozen = FreezeCentres(line, lesson);
-  return AnswerFixed(trainer->Train(lesson.set, params, epochs, lesson.observer));
+  return AnswerFixed(trainer->Train(lesson.set, params, epochs, lesson.observer,
+                                    validation ? &*validation : nullptr));
 }
 
 // --- Genetic trainers ------------------------------------------------------------------------
@@ -157,12 +214,14 @@ TAnswer TrainGenetically(const TCommandLine& line, const TLesson& lesson) {
   const double target_error = Optional(line.Double("terminating"), 0.0);
   const RunSettings settings = ReadSettings(line);
   const std::shared_ptr<TGenTrain> trainer = AsGeneticTrainer(lesson.trainer);
-  CheckFits(lesson, trainer->Network());
+  CheckFits(lesson, lesson.set_alias, lesson.set, trainer->Network());
+  const auto validation = NamedValidation(line, lesson, trainer->Network());
   const auto frozen = FreezeCentres(line, lesson);
   StartRandom(line);
   trainer->Initialise();
   const std::array sets = {&lesson.set};
-  return AnswerGeneral(trainer->Train(settings, target_error, sets, lesson.observer));
+  return AnswerGeneral(trainer->Train(settings, target_error, sets, lesson.observer,
+                                      validation ? &*validation : nullptr));
 }
 
 // --- Kohonen trainers ------------------------------------------------------------------------
@@ -203,7 +262,8 @@ TAnswer Train(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& trainer = RequiredEntry(interpreter, alias);
   const std::string_view set_alias = RequiredAlias(line, "data");
   const auto set = RequiredObject<Data>(interpreter, set_alias, " is not of type data");
-  TAnswer answer = train(line, {alias, trainer, set_alias, *set, interpreter.Observer()});
+  TAnswer answer =
+      train(line, {alias, trainer, set_alias, *set, interpreter.Observer(), interpreter});
   set->ResetCursor();
   return answer;
 }
@@ -234,6 +294,11 @@ constexpr TTag kDataTag = TTag{"data", kAlias, "the data set to be learned"}.Of(
 constexpr TTag kFreezeTag =
     TTag{"freeze", kWords, "{centres}: those of a fuzzy network stay"}.Or("everything is trained");
 
+constexpr TTag kValidationTag =
+    TTag{"validation", kAlias, "a set by which the weights are chosen that are kept"}.Of("Data").Or(
+        "the last ones are kept");
+constexpr TTag kPatienceTag = {"patience", kLong, "how long to go on after the least error on it"};
+
 constexpr char kGradientTrainers[] = "BP TarnBP TarnLWF";
 constexpr TTag kGradientTags[] = {
     kTrainerTag.Of(kGradientTrainers),
@@ -251,7 +316,12 @@ constexpr TTag kGradientTags[] = {
     TTag{"Beta1", kDouble, "share of adam's mean gradient that stays"}.Or("0.9"),
     TTag{"Beta2", kDouble, "share of adam's mean square that stays"}.Or("0.999"),
     TTag{"Epsilon", kDouble, "what adam adds to the root of the mean square"}.Or("1e-8"),
-    TTag{"decay", kDouble, "rate at which weights are forgotten"}.Or("nothing is forgotten"),
+    TTag{"decay", kDouble, "rate at which weights are forgotten, or factor of their squares"}.Or(
+        "no penalty"),
+    TTag{"penalty", kChoice, "which weights cost what"}.Of("forgetting quadratic").Or("forgetting"),
+    TTag{"error", kChoice, "what is made small"}.Of("meansquare crossentropy").Or("meansquare"),
+    kValidationTag,
+    kPatienceTag.Or("all epochs are run"),
     TTag{"terminating", kDouble, "training ends below this error"}.Or("0, never"),
     kFreezeTag,
 };
@@ -269,6 +339,8 @@ constexpr TTag kGeneticTags[] = {
         .Of("Tournament roulette")
         .Or("roulette"),
     TTag{"normalisation", kBoolean, "whether fitness is stretched to 0 to 1"}.Or("on"),
+    kValidationTag,
+    kPatienceTag.Or("all generations are run"),
     kFreezeTag,
     kSeedTag,
 };

@@ -10,10 +10,10 @@ namespace kiln {
 TTarnBP::TTarnBP(std::shared_ptr<TTarn> network) : TBackpropModule(std::move(network)) {}
 
 double TTarnBP::Train(const Data& data, TKQstructure& params, int& epochs,
-                      const TEpochObserver& observer) {
+                      const TEpochObserver& observer, const TValidationSet* validation_set) {
   const TTrainCheckpoint checkpoint(State());
   try {
-    return TBackpropModule::Train(data, params, epochs, observer);
+    return TBackpropModule::Train(data, params, epochs, observer, validation_set);
   } catch (...) {
     checkpoint.Restore(State());
     throw;

@@ -27,7 +27,8 @@ class TTarnBP : public TBackpropModule {
   // [0, 1], because of a frozen centre outside or weights that overflow. The network and the last
   // changes are as before then.
   double Train(const Data& data, TKQstructure& params, int& epochs,
-               const TEpochObserver& observer = {}) override;
+               const TEpochObserver& observer = {},
+               const TValidationSet* validation_set = nullptr) override;
 
  protected:
   void CheckLayers(const TTrainRun& run) const override;

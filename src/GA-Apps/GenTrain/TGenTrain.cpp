@@ -55,22 +55,32 @@ void TGenTrain::Initialise() {
 }
 
 double TGenTrain::Train(RunSettings settings, double target_error,
-                        std::span<const Data* const> sets, const TGenerationObserver& observer) {
+                        std::span<const Data* const> sets, const TGenerationObserver& observer,
+                        const TValidationSet* validation_set) {
   Assert(MbrDtcTrainer.has_value(), "MbrPtrDtcTrainer != 0");
   MbrPtrEvlEvaluator->SetData(sets);
   if (settings.IntGenerations < 1) return MbrPtrEvlEvaluator->Error();
   settings.FltTarget = TargetFitness(target_error);
+  std::optional<TValidation> validation;
+  if (validation_set) {
+    validation.emplace(*MbrPtrNetNetwork, *validation_set,
+                       std::make_unique<TErrorRMSObj>(MbrPtrNetNetwork->NumOutputs()));
+  }
+  THistoryOfCall history(MbrHistory);
   const std::vector<double> start = MbrPtrNetNetwork->GetWeights(FMaskAll);
   try {
-    return Evolve(settings, observer);
+    const double error = Evolve(settings, observer, validation ? &*validation : nullptr);
+    history.End();
+    return error;
   } catch (...) {
     MbrPtrNetNetwork->SetWeights(start, FMaskAll);
     throw;
   }
 }
 
-double TGenTrain::Evolve(const RunSettings& settings, const TGenerationObserver& observer) {
-  TGenTrainReport reporter(*MbrPtrEvlEvaluator, observer);
+double TGenTrain::Evolve(const RunSettings& settings, const TGenerationObserver& observer,
+                         TValidation* validation) {
+  TGenTrainReport reporter(*MbrPtrEvlEvaluator, observer, MbrHistory, validation);
   const int status = MbrDtcTrainer->Run(settings, *MbrPtrEvlEvaluator, reporter);
   Assert(status == SUCCESS, "IntReturn == SUCCESS");
   if (!(MbrDtcTrainer->Working().Best().FltFitness > 0.0F)) {
@@ -79,6 +89,10 @@ double TGenTrain::Evolve(const RunSettings& settings, const TGenerationObserver&
   }
   MbrDtcTrainer->AdoptWorking();
   MbrPtrEvlEvaluator->SetGenes(ExportBest());
+  if (validation && validation->WasMeasured()) {
+    validation->Restore(*MbrPtrNetNetwork);
+    return validation->LeastError();
+  }
   reporter.ReportTrained(MbrPtrEvlEvaluator->Error());
   return reporter.LastError();
 }

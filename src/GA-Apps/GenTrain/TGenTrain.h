@@ -35,13 +35,21 @@ class TGenTrain {
   // network and returns the error that the network now has. The population becomes the last
   // generation, so another call goes on from there. `settings.FltTarget` does not matter.
   //
+  // With a validation set the network ends with the weights of the individual, among the best ones
+  // of all generations, that has the least error on it, and that error is returned. The population
+  // is the last generation all the same.
+  //
   // With no generations nothing changes and the error is the network's present one.
   //
   // Throws TException when the sets don't fit the network or no individual of a generation has an
   // error that is a number, TAssertion before Initialise and for settings that the engine refuses.
   // The network's weights are then what they were.
   double Train(RunSettings settings, double target_error, std::span<const Data* const> sets,
-               const TGenerationObserver& observer = {});
+               const TGenerationObserver& observer = {},
+               const TValidationSet* validation_set = nullptr);
+
+  // The lowest error of every generation of all calls that have not failed.
+  const TTrainHistory& History() const { return MbrHistory; }
 
   // The population; none before Initialise.
   const DeathCap* Driver() const { return MbrDtcTrainer ? &*MbrDtcTrainer : nullptr; }
@@ -62,13 +70,15 @@ class TGenTrain {
   // An evaluator for the network as it is.
   virtual std::unique_ptr<TGenTrainEval> MakeEvaluator() const = 0;
 
-  double Evolve(const RunSettings& settings, const TGenerationObserver& observer);
+  double Evolve(const RunSettings& settings, const TGenerationObserver& observer,
+                TValidation* validation);
 
   std::shared_ptr<TBasicNetwork> MbrPtrNetNetwork;
   TWeightBounds MbrBndWeights;
   std::size_t MbrNdxPopulation;
   std::unique_ptr<TGenTrainEval> MbrPtrEvlEvaluator;  // these two only after Initialise
   std::optional<DeathCap> MbrDtcTrainer;
+  TTrainHistory MbrHistory;
 };
 
 }  // namespace kiln

@@ -38,6 +38,8 @@ class TGenTrainEval : public Evaluator {
   // REQUIRES: the network outlives the evaluator; its structure and flags stay as they are.
   explicit TGenTrainEval(TBasicNetwork& network);
 
+  const TBasicNetwork& Network() const { return MbrNetNetwork; }
+
   // The sets over which the error is the mean. They outlive what is evaluated by them.
   // Throws TException when there is none, one has no rows, or its columns don't fit the network.
   void SetData(std::span<const Data* const> sets);

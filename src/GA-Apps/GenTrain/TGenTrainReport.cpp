@@ -6,8 +6,20 @@ namespace kiln {
 
 bool TGenTrainReport::Report(const Population& evaluated) {
   MbrDblLastError = MbrEvlEvaluator.Lowest().DblError;
+  if (MbrPtrValidation) {
+    MbrHistory.Add(MbrDblLastError, Validate(evaluated));
+  } else {
+    MbrHistory.Add(MbrDblLastError);
+  }
   const bool goes_on = !MbrFunObserver || MbrFunObserver(evaluated.Generation(), MbrDblLastError);
-  return goes_on && evaluated.Statistics().FltMaximum > 0.0F;
+  const bool has_patience = !MbrPtrValidation || MbrPtrValidation->HasPatience();
+  return goes_on && has_patience && evaluated.Statistics().FltMaximum > 0.0F;
+}
+
+// The error of the best individual on the validation set.
+double TGenTrainReport::Validate(const Population& evaluated) {
+  MbrEvlEvaluator.SetGenes(evaluated.At(evaluated.Best().NdxPosition).Genes().Values());
+  return MbrPtrValidation->Measure(MbrEvlEvaluator.Network());
 }
 
 }  // namespace kiln

@@ -5,6 +5,8 @@
 
 #include "Bramble/Eval.h"
 #include "GA-Apps/GenTrain/TGenTrainEval.h"
+#include "NeuralNets/Training/TTrainHistory.h"
+#include "NeuralNets/Training/TValidation.h"
 
 namespace kiln {
 
@@ -12,13 +14,18 @@ namespace kiln {
 // to stop.
 using TGenerationObserver = std::function<bool(std::uint32_t generation, double error)>;
 
-// Follows a training run: passes each generation on to an observer, keeps the last error, and ends
-// a run in which there is nobody left to breed from.
+// Follows a training run: keeps the error of each generation, has the best individual validated,
+// passes the generation on to an observer, and ends a run in which there is nobody left to breed
+// from.
 class TGenTrainReport : public Reporter {
  public:
-  // REQUIRES: the evaluator outlives the report.
-  TGenTrainReport(const TGenTrainEval& evaluator, const TGenerationObserver& observer)
-      : MbrEvlEvaluator(evaluator), MbrFunObserver(observer) {}
+  // `validation` may be null. REQUIRES: everything outlives the report.
+  TGenTrainReport(TGenTrainEval& evaluator, const TGenerationObserver& observer,
+                  TTrainHistory& history, TValidation* validation)
+      : MbrEvlEvaluator(evaluator),
+        MbrFunObserver(observer),
+        MbrHistory(history),
+        MbrPtrValidation(validation) {}
 
   bool Report(const Population& evaluated) override;
 
@@ -28,8 +35,12 @@ class TGenTrainReport : public Reporter {
   double LastError() const { return MbrDblLastError; }
 
  private:
-  const TGenTrainEval& MbrEvlEvaluator;
+  double Validate(const Population& evaluated);
+
+  TGenTrainEval& MbrEvlEvaluator;
   const TGenerationObserver& MbrFunObserver;
+  TTrainHistory& MbrHistory;
+  TValidation* MbrPtrValidation;
   double MbrDblLastError = 0.0;
 };
 

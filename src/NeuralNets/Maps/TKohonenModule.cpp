@@ -42,6 +42,7 @@ void TKohonenModule::Train(const Data& data, double learning_rate, std::span<dou
   Assert(radii.empty() || radii.size() == grid.NumDimensions(), "dimnum == dimnumber", kModule);
   TPrototypeTiles tiles(map_->Prototypes(), map_->NumInputs());
   TNeighbourhood neighbourhood(grid);
+  THistoryOfCall history(history_);
   double rate = learning_rate;
   for (int epoch = 0; epoch < epochs; ++epoch) {
     if (!radii.empty()) {
@@ -51,9 +52,11 @@ void TKohonenModule::Train(const Data& data, double learning_rate, std::span<dou
     }
     rate *= rate_factor;
     const double error = RunEpoch(data, rate, tiles, neighbourhood);
+    history_.Add(error);
     if (observer && !observer(epoch, error)) break;
   }
   tiles.CopyTo(map_->Prototypes());
+  history.End();
 }
 
 }  // namespace kiln

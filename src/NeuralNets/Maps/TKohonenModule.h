@@ -6,6 +6,7 @@
 
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/Training/TEpochObserver.h"
+#include "NeuralNets/Training/TTrainHistory.h"
 
 namespace kiln {
 
@@ -24,6 +25,9 @@ class TKohonenModule {
 
   const TKohonenNetwork& Map() const { return *map_; }
 
+  // The error of every epoch, as the observer is told it.
+  const TTrainHistory& History() const { return history_; }
+
   // Trains for `epochs` epochs, or until the observer stops it, over all rows from the oldest to
   // the newest. The error that the observer is told is the root of the mean squared difference
   // between the inputs and the winners that they met. `radii`, one a dimension or none, ends as
@@ -38,6 +42,7 @@ class TKohonenModule {
 
  private:
   std::shared_ptr<TKohonenNetwork> map_;
+  TTrainHistory history_;
 };
 
 }  // namespace kiln

@@ -1,6 +1,7 @@
 #include "NeuralNets/Training/TTrainModule.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "DataObject/Data.h"
@@ -41,10 +42,22 @@ class TRuleUpdate : public TIterateObj2 {
 TTrainModule::TTrainModule(std::shared_ptr<TBasicNetwork> network) : state_(std::move(network)) {}
 
 double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
-                           const TEpochObserver& observer) {
+                           const TEpochObserver& observer, const TValidationSet* validation_set) {
   CheckData(data, Network());
   const TTrainRun run(params, data);
   CheckLayers(run);
+  std::optional<TValidation> validation;
+  if (validation_set) {
+    validation.emplace(Network(), *validation_set, run.MakeError(Network().NumOutputs()));
+  }
+  THistoryOfCall history(history_);
+  const double error = RunEpochs(data, run, epochs, observer, validation ? &*validation : nullptr);
+  history.End();
+  return error;
+}
+
+double TTrainModule::RunEpochs(const Data& data, const TTrainRun& run, int& epochs,
+                               const TEpochObserver& observer, TValidation* validation) {
   const bool is_levenberg = run.method.kind == TMethodKind::kLevenberg;
   const std::unique_ptr<TTrainPass> pass = is_levenberg ? MakeLevenbergPass(run) : MakePass(run);
   StartMethod(run.method);
@@ -55,13 +68,27 @@ double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
     RunEpoch(data, run, *pass, *error);
     AddPenaltyToError(run.penalty, *error);
     last = error->Value();
+    if (validation) {
+      history_.Add(last, validation->Measure(Network()));
+    } else {
+      history_.Add(last);
+    }
     const bool goes_on = !observer || observer(epoch, last);
-    if (last < run.threshold || !goes_on) {
+    if (last < run.threshold || !goes_on || (validation && !validation->HasPatience())) {
       epochs = epoch;
       break;
     }
   }
-  return last;
+  if (!validation || !validation->WasMeasured()) return last;
+  EndAtLeast(*validation);
+  return validation->LeastError();
+}
+
+void TTrainModule::EndAtLeast(const TValidation& validation) {
+  if (!validation.IsBeyondLeast()) return;
+  validation.Restore(Network());
+  state_.changes.Clear();
+  state_.method = TMethodMemory();
 }
 
 double TTrainModule::Epoch(const Data& data, TKQstructure& params) {

@@ -4,9 +4,11 @@
 
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/Training/TEpochObserver.h"
+#include "NeuralNets/Training/TTrainHistory.h"
 #include "NeuralNets/Training/TTrainPass.h"
 #include "NeuralNets/Training/TTrainRun.h"
 #include "NeuralNets/Training/TTrainState.h"
+#include "NeuralNets/Training/TValidation.h"
 
 namespace kiln {
 
@@ -41,15 +43,24 @@ class TTrainModule {
 
   const TBasicNetwork& Network() const { return *state_.network; }
 
+  // The error of every epoch of all calls that have not failed.
+  const TTrainHistory& History() const { return history_; }
+
   // Trains for `epochs` epochs and returns the error of the last one, 0 when there was none. When
   // THRESHOLD or the observer ends training early, `epochs` becomes the number, counted from 0, of
   // the last epoch that was run. A missing WEIGHTPENALTY is written back into `params` as NONE.
   //
-  // Throws TException when the set has no rows, its columns do not fit the network or a parameter
+  // With a validation set the network ends with the weights of the epoch that had the least error
+  // on it, by the measure of the run without penalties, and that error is returned. Training ends
+  // early when it has been so for as many epochs as the set has patience. Momentum, and what a
+  // method remembers, is forgotten unless it was the last epoch.
+  //
+  // Throws TException when a set has no rows, its columns do not fit the network or a parameter
   // is not a number; TAssertion for unknown words and for activation functions that cannot be
   // trained. No weight has changed then.
   virtual double Train(const Data& data, TKQstructure& params, int& epochs,
-                       const TEpochObserver& observer = {});
+                       const TEpochObserver& observer = {},
+                       const TValidationSet* validation_set = nullptr);
 
   // Trains for one epoch and returns its error. As Train otherwise.
   double Epoch(const Data& data, TKQstructure& params);
@@ -76,6 +87,9 @@ class TTrainModule {
 
  private:
   void RunEpoch(const Data& data, const TTrainRun& run, TTrainPass& pass, TErrorObj& error);
+  double RunEpochs(const Data& data, const TTrainRun& run, int& epochs,
+                   const TEpochObserver& observer, TValidation* validation);
+  void EndAtLeast(const TValidation& validation);
   void StartMethod(const TMethodSettings& method);
   void AddPenaltyGradients(const TTrainRun& run, double share);
   void AddPenaltyToError(const TPenaltyTerm& penalty, TErrorObj& error) const;
@@ -85,6 +99,7 @@ class TTrainModule {
   void MoveWeightsBy(TRule& rule);
 
   TTrainState state_;
+  TTrainHistory history_;
 };
 
 }  // namespace kiln

@@ -1,0 +1,39 @@
+#include "NeuralNets/Training/TTrainHistory.h"
+
+#include <algorithm>
+
+namespace kiln {
+
+void TTrainHistory::Add(double training, double validation) {
+  last_ = {epochs_ + 1, training, validation};
+  if (validation < (least_ ? least_->validation : std::numeric_limits<double>::infinity())) {
+    least_ = last_;
+  }
+  if (epochs_ % stride_ == 0) points_.push_back(*last_);
+  ++epochs_;
+  if (points_.size() < kMaxPoints - 1) return;
+  stride_ *= 2;
+  std::erase_if(points_, [this](const TTrainPoint& p) { return (p.epoch - 1) % stride_ != 0; });
+}
+
+void TTrainHistory::ForgetAfter(int epochs) {
+  if (epochs == epochs_) return;
+  const auto is_later = [epochs](const TTrainPoint& point) { return point.epoch > epochs; };
+  epochs_ = epochs;
+  std::erase_if(points_, is_later);
+  last_.reset();
+  if (!points_.empty()) last_ = points_.back();
+  if (least_ && is_later(*least_)) least_.reset();
+}
+
+std::vector<TTrainPoint> TTrainHistory::Points() const {
+  std::vector<TTrainPoint> points = points_;
+  for (const auto& extra : {least_, last_}) {
+    if (!extra) continue;
+    const auto place = std::ranges::lower_bound(points, extra->epoch, {}, &TTrainPoint::epoch);
+    if (place == points.end() || place->epoch != extra->epoch) points.insert(place, *extra);
+  }
+  return points;
+}
+
+}  // namespace kiln

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <limits>
+#include <optional>
+#include <vector>
+
+namespace kiln {
+
+// The errors of one epoch, or generation, of a trainer. Epochs are counted from 1 over all calls.
+struct TTrainPoint {
+  int epoch;
+  double training;
+  double validation;  // not a number where there was no validation
+};
+
+// What a trainer has seen: the error of every epoch, or of every second, fourth ... one when there
+// are many, and in any case those of the last epoch and of the one with the least validation error.
+class TTrainHistory {
+ public:
+  static constexpr std::size_t kMaxPoints = 4096;
+
+  int Epochs() const { return epochs_; }
+
+  void Add(double training, double validation = std::numeric_limits<double>::quiet_NaN());
+
+  // Forgets the epochs behind the first `epochs` ones, those of a call that has failed.
+  void ForgetAfter(int epochs);
+
+  // In the order of epochs, at most kMaxPoints.
+  std::vector<TTrainPoint> Points() const;
+
+ private:
+  int epochs_ = 0;
+  int stride_ = 1;
+  std::vector<TTrainPoint> points_;  // of epochs 1, 1 + stride, 1 + 2 stride ...
+  std::optional<TTrainPoint> least_;
+  std::optional<TTrainPoint> last_;
+};
+
+// One call of a trainer: unless it comes to its end, its epochs are forgotten.
+class THistoryOfCall {
+ public:
+  explicit THistoryOfCall(TTrainHistory& history) : history_(history), before_(history.Epochs()) {}
+  ~THistoryOfCall() {
+    if (!ended_) history_.ForgetAfter(before_);
+  }
+  THistoryOfCall(const THistoryOfCall&) = delete;
+  THistoryOfCall& operator=(const THistoryOfCall&) = delete;
+
+  void End() { ended_ = true; }
+
+ private:
+  TTrainHistory& history_;
+  int before_;
+  bool ended_ = false;
+};
+
+}  // namespace kiln
