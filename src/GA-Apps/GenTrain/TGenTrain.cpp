@@ -66,7 +66,7 @@ double TGenTrain::Train(RunSettings settings, double target_error,
     validation.emplace(*MbrPtrNetNetwork, *validation_set,
                        std::make_unique<TErrorRMSObj>(MbrPtrNetNetwork->NumOutputs()));
   }
-  THistoryOfCall history(MbrHistory);
+  THistoryOfCall history(MbrHistory, settings.IntGenerations);
   const std::vector<double> start = MbrPtrNetNetwork->GetWeights(FMaskAll);
   try {
     const double error = Evolve(settings, observer, validation ? &*validation : nullptr);

@@ -42,7 +42,7 @@ void TKohonenModule::Train(const Data& data, double learning_rate, std::span<dou
   Assert(radii.empty() || radii.size() == grid.NumDimensions(), "dimnum == dimnumber", kModule);
   TPrototypeTiles tiles(map_->Prototypes(), map_->NumInputs());
   TNeighbourhood neighbourhood(grid);
-  THistoryOfCall history(history_);
+  THistoryOfCall history(history_, epochs);
   double rate = learning_rate;
   for (int epoch = 0; epoch < epochs; ++epoch) {
     if (!radii.empty()) {

@@ -4,6 +4,13 @@
 
 namespace kiln {
 
+void TTrainHistory::Reserve(int epochs) {
+  const std::size_t more = static_cast<std::size_t>(std::max(epochs, 0) / stride_) + 1;
+  const std::size_t needed = std::min(points_.size() + more, kMaxPoints);
+  // Many short calls do not move all points each.
+  if (needed > points_.capacity()) points_.reserve(std::max(needed, 2 * points_.capacity()));
+}
+
 void TTrainHistory::Add(double training, double validation) {
   last_ = {epochs_ + 1, training, validation};
   if (validation < (least_ ? least_->validation : std::numeric_limits<double>::infinity())) {

@@ -22,6 +22,9 @@ class TTrainHistory {
 
   int Epochs() const { return epochs_; }
 
+  // Takes the memory for so many more epochs, so that Add takes none for them.
+  void Reserve(int epochs);
+
   void Add(double training, double validation = std::numeric_limits<double>::quiet_NaN());
 
   // Forgets the epochs behind the first `epochs` ones, those of a call that has failed.
@@ -41,7 +44,11 @@ class TTrainHistory {
 // One call of a trainer: unless it comes to its end, its epochs are forgotten.
 class THistoryOfCall {
  public:
-  explicit THistoryOfCall(TTrainHistory& history) : history_(history), before_(history.Epochs()) {}
+  // A call that is to run so many epochs.
+  THistoryOfCall(TTrainHistory& history, int epochs)
+      : history_(history), before_(history.Epochs()) {
+    history.Reserve(epochs);
+  }
   ~THistoryOfCall() {
     if (!ended_) history_.ForgetAfter(before_);
   }

@@ -50,7 +50,7 @@ double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
   if (validation_set) {
     validation.emplace(Network(), *validation_set, run.MakeError(Network().NumOutputs()));
   }
-  THistoryOfCall history(history_);
+  THistoryOfCall history(history_, epochs);
   const double error = RunEpochs(data, run, epochs, observer, validation ? &*validation : nullptr);
   history.End();
   return error;
