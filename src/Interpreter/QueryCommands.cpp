@@ -141,6 +141,7 @@ std::string StepToNextRow(Data& set) {
 std::string ColumnList(const std::vector<std::string>& names, int columns, const char* side) {
   if (!names.empty()) return AnswerArray(names);
   std::vector<std::string> numbered;
+  numbered.reserve(static_cast<std::size_t>(columns));
   for (int c = 0; c < columns; ++c) numbered.push_back(side + std::to_string(c));
   return AnswerArray(numbered);
 }

@@ -38,7 +38,7 @@ class TRprop {
 
  private:
   struct TWeight {
-    double step;
+    double step = 0.0;
     double gradient = 0.0;  // g'
     double before = 0.0;    // the weight before its last step
   };
