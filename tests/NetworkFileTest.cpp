@@ -88,6 +88,17 @@ TEST(NetworkFile, HoldsTheTermsOfATarn) {
   EXPECT_NEAR(output[0], (actions[0] * 0.25 + actions[1]) / (actions[0] + actions[1]), 1e-15);
 }
 
+TEST_F(NetworkFileTest, ActivatesNeuronsOfOneFunctionAsARow) {
+  std::string text = With(Contents(kLayoutFile), "[All ActivationFunction=sigmoid-gain ]\n", "");
+  for (const char* neuron : {"[Neuron=0", "[Neuron=1", "[Neuron=2"}) {
+    text = With(text, neuron, std::string(neuron) + " ActivationFunction=sigmoid");
+  }
+  Write(text);
+  EXPECT_NE(LoadNetwork(path_)->Layer(2).RowForm(), nullptr);
+  Write(With(text, "=sigmoid Gain", "=linear Gain"));
+  EXPECT_EQ(LoadNetwork(path_)->Layer(2).RowForm(), nullptr);
+}
+
 std::unique_ptr<TConnectedNetwork> MixedNetwork() {
   auto network = std::make_unique<TConnectedNetwork>(4);
   network->SetLayer(0, std::make_unique<TSimpleInputLayer>(10));
