@@ -32,7 +32,8 @@ kiln::TManner MannerFor(const kiln::TOptions& options, bool at_terminal) {
   const char* const no_colour = std::getenv("NO_COLOR");
   return {.is_quiet = options.is_quiet,
           .has_pages = at_terminal,
-          .has_colour = at_terminal && !(no_colour && *no_colour)};
+          .has_colour = at_terminal && !(no_colour && *no_colour),
+          .is_printable = isatty(STDOUT_FILENO) != 0};
 }
 
 std::unique_ptr<kiln::TLineSource> Lines(kiln::TConsole& console, bool at_terminal) {

@@ -114,14 +114,36 @@ TEST(DataTest, StepsByTheRuleOfTheRing) {
                {10, 4, INT_MIN, {INT_MIN, 4}, {INT_MIN, INT_MIN + 4}},
                {10, 0, INT_MAX, {INT_MAX}, {INT_MAX - 3}},
                {3, 1, 2, {5, -7}, {0, 0}},
-               // Wrapped: positions behind the newest row are moved on by First() - Last().
-               {4, 6, 1, {1, 1, 1, 1, 1, -1}, {3, 0, 1, 3, 0, -1}}};
+               // Wrapped, the oldest at 2.
+               {4, 6, 1, {1, 1, 1, 1, 1, -3, 9}, {2, 3, 0, 1, 2, 3, 0}}};
   for (const auto& walk : walks) {
     const auto data = MakeRing(walk.Rows, walk.Count);
     data->SetCursor(walk.Start);
     for (std::size_t i = 0; i < walk.Steps.size(); ++i) {
       data->Step(walk.Steps[i]);
       EXPECT_EQ(data->Cursor(), walk.Positions[i]) << walk.Count << " rows, step " << i;
+    }
+  }
+}
+
+// The cursor rests on a row while others are appended.
+TEST(DataTest, GoesOnWithTheRowBehindItsOwnOrWithTheOldest) {
+  for (int count = 1; count <= 12; ++count) {
+    for (int rests = 0; rests < count; ++rests) {
+      for (int more = 0; more <= 9; ++more) {
+        Data data(4, 1, 0, false);
+        for (int n = 0; n < count + more; ++n) {
+          data.AddRow(TValues{n + 0.0}, {});
+          if (n == count - 1) data.SetCursor(rests % 4);
+        }
+        const int at = count > 4 && rests < count - 4 ? -1 : rests;  // its row, if it was there
+        if (at < 0) continue;
+        const int oldest = std::max(0, count + more - 4);
+        const int next = at < oldest || at == count + more - 1 ? oldest : at + 1;
+        TValues value(1);
+        data.Next(value, {});
+        EXPECT_EQ(next, value[0]) << count << ' ' << rests << ' ' << more;
+      }
     }
   }
 }

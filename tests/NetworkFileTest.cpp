@@ -319,13 +319,14 @@ TEST_F(NetworkFileTest, TakesNoMemoryForEmptyPromises) {
   const std::string network = header + "[Layer=0" + layer + "[Layer=1" + layer +
                               "[ConnectionLayer][LayerFrom=0][LayerTo=1]"
                               "[ConnectionType=Pruneable]";
+  const std::string place = kLoader + " (" + path_ + ", line 1)";
   EXPECT_EQ(LoadFailure(network + "[Matrix Weights ]"),
-            "matrix of 10000000000 weights is more than the file holds" + kLoader);
+            "matrix of 10000000000 weights is more than the file holds" + place);
   EXPECT_EQ(LoadFailure(network + "[WeightList]"),
-            "a network of more than 1073741824 weights" + kLoader);
+            "a block of 10000000000 weights, which the file does not show" + place);
   const std::string largest = "][LayerType=SIMPLE][NumberOfNeurons=16777216]";
-  EXPECT_EQ(LoadFailure(header + "[Layer=0" + layer + "[Layer=1" + largest),
-            "NumberOfNeurons = 16777216 is out of range" + kLoader);
+  EXPECT_EQ(LoadFailure(header + "[Layer=0" + largest),
+            "NumberOfNeurons = 16777216 is out of range" + place);
 }
 
 }  // namespace

@@ -141,12 +141,18 @@ void TConsole::WriteAnswer(int code) {
   }
   const std::string& result = interpreter_.GetResult();
   if (!manner_.is_quiet) out_ << "Result: ";
-  out_ << (manner_.has_pages ? result : OneLine(result)) << '\n';
+  const std::string text = manner_.has_pages ? result : OneLine(result);
+  out_ << (manner_.is_printable ? Printable(text) : text) << '\n';
 }
 
 void TConsole::Complain(std::string_view why, std::ostream& out) const {
   std::ostream& place = manner_.is_quiet ? std::cerr : out;
-  place << (manner_.has_colour ? "\033[31mError:\033[0m " : "Error: ") << why << '\n';
+  place << (manner_.has_colour ? "\033[31mError:\033[0m " : "Error: ");
+  if (manner_.is_printable) {
+    place << Printable(why) << '\n';
+  } else {
+    place << why << '\n';
+  }
 }
 
 }  // namespace kiln

@@ -14,9 +14,10 @@ namespace kiln {
 
 // How a console writes.
 struct TManner {
-  bool is_quiet = false;    // results alone on the output, errors on the standard error
-  bool has_pages = false;   // answers of several lines on several lines
-  bool has_colour = false;  // "Error:" in red
+  bool is_quiet = false;      // results alone on the output, errors on the standard error
+  bool has_pages = false;     // answers of several lines on several lines
+  bool has_colour = false;    // "Error:" in red
+  bool is_printable = false;  // nothing that a terminal would obey, wherever it comes from
 };
 
 // A session: carries out commands of files and of the command line, and holds conversations.

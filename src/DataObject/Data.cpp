@@ -75,6 +75,9 @@ void Data::AddRow(std::span<const double> inputs, std::span<const double> output
   Assert(MbrNdxDataRows <= MbrNdxRows, "MbrNdxDataRows <= MbrNdxRows");
   const bool full = MbrNdxDataRows == MbrNdxRows;
   const int position = full ? Following(MbrNdxLast) : MbrNdxDataRows;
+  // A cursor whose row goes stays before the oldest row, however many rows follow.
+  if (full && position == MbrNdxCursor) MbrBolCursorLost = true;
+  if (MbrBolCursorLost) MbrNdxCursor = position;
   SetRow(position, inputs, outputs, labels);
   if (inputs.empty()) MbrSidInputs.Clear(position);
   if (outputs.empty()) MbrSidOutputs.Clear(position);
@@ -115,7 +118,8 @@ void Data::Clear() {
   MbrSidInputs.Clear();
   MbrSidOutputs.Clear();
   for (LabelList& labels : MbrDyaLabels) labels.Clear();
-  MbrNdxDataRows = MbrNdxFirst = MbrNdxLast = MbrNdxCursor = 0;
+  MbrNdxDataRows = MbrNdxFirst = MbrNdxLast = 0;
+  SetCursor(0);
   CountChange();
 }
 
@@ -207,20 +211,24 @@ void Data::AppendLabel(int position, std::string_view name, double value) {
 
 // --- Stepping --------------------------------------------------------------------------------
 
-// Where a step of n from the cursor leads.
+// Where a step of n from the cursor leads. In a ring that has wrapped the positions go round as the
+// rows do by age; what happens at the ends of another one is laid down.
 std::int64_t Data::PositionAfter(int n) const {
   if (MbrNdxDataRows == 1) return MbrNdxFirst;
+  if (MbrNdxFirst > MbrNdxLast) {
+    const std::int64_t position = (std::int64_t{MbrNdxCursor} + n) % MbrNdxRows;
+    return position < 0 ? position + MbrNdxRows : position;
+  }
   if (n > MbrNdxDataRows && MbrNdxRows > 0) n %= MbrNdxRows;
   const std::int64_t position = std::int64_t{MbrNdxCursor} + n;
   if (MbrNdxFirst < MbrNdxLast) {
     return position > MbrNdxLast ? position - MbrNdxDataRows : position;
   }
-  if (position >= MbrNdxRows) return position - MbrNdxRows;
-  return position > MbrNdxLast ? position - MbrNdxLast + MbrNdxFirst : position;
+  return position >= MbrNdxRows ? position - MbrNdxRows : position;
 }
 
 void Data::Step(int n) {
-  MbrNdxCursor = ToInt32(PositionAfter(n));
+  SetCursor(ToInt32(PositionAfter(n)));
 }
 
 void Data::Current(std::span<double> inputs, std::span<double> outputs, LabelList* labels) const {

@@ -147,9 +147,9 @@ class Data {
 
   // --- Stepping ------------------------------------------------------------------------------
 
-  // Moves the cursor by n. In a ring that has not wrapped a step over the newest row goes on at the
-  // oldest, once; a step back below 0 is kept as it is. In a ring that has wrapped the cursor
-  // passes over positions: to read such a set in order use Row(n).
+  // Moves the cursor by n rows, by their age: behind the newest comes the oldest. A cursor whose
+  // row has been overwritten stands before the oldest. In a ring that has not wrapped a step over
+  // the newest row goes on at the oldest once, and a step back below 0 is kept as it is.
   void Step(int n);
 
   // Copies the row at the cursor, any position of the ring. An input selection restricts the
@@ -163,10 +163,13 @@ class Data {
   void Next(std::span<double> inputs, std::span<double> outputs, LabelList* labels = nullptr);
   void Previous(std::span<double> inputs, std::span<double> outputs);
 
-  // Goes to the newest row, so that in a ring that has not wrapped Next() gives the oldest.
-  // Commands that have made something of all rows leave the cursor there.
-  void ResetCursor() { MbrNdxCursor = MbrNdxLast; }
-  void SetCursor(int position) { MbrNdxCursor = position; }
+  // Goes to the newest row, so that Next() gives the oldest, or the first of those that are
+  // appended meanwhile. Commands that have made something of all rows leave the cursor there.
+  void ResetCursor() { SetCursor(MbrNdxLast); }
+  void SetCursor(int position) {
+    MbrNdxCursor = position;
+    MbrBolCursorLost = false;
+  }
 
   // --- Column selections ---------------------------------------------------------------------
   // Lists of columns in the order in which stepping returns them; an empty one selects nothing.
@@ -200,6 +203,7 @@ class Data {
   int MbrNdxLast = 0;
   int MbrNdxCursor = 0;
   int MbrNdxChangeCount = 0;
+  bool MbrBolCursorLost = false;  // its row has been overwritten
   bool MbrBolHasLabels;
   DataSide MbrSidInputs;
   DataSide MbrSidOutputs;

@@ -204,8 +204,9 @@ DataHeader ReadHeader(Reader& reader, ParseItem& next) {
   return header;
 }
 
-DataSets Load(const std::string& path) {
-  Reader reader = Reader::FromFile(path);
+namespace {
+
+DataSets ReadSets(Reader& reader) {
   const ParseItem first = reader.ReadItem("");
   ExpectStartTag(first, reader);
   ExpectStartTag(first, reader, "DataSet");
@@ -220,6 +221,13 @@ DataSets Load(const std::string& path) {
     ExpectEndTag(reader.ReadItem(block), reader);
   }
   return sets;
+}
+
+}  // namespace
+
+DataSets Load(const std::string& path) {
+  Reader reader = Reader::FromFile(path);
+  return FileTools::ReadPlaced(reader, ReadSets);
 }
 
 TKQstructure DescribeFile(const std::string& path) {

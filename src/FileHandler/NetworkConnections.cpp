@@ -39,7 +39,9 @@ class RemoveAll : public TIterateObj {
 // Reads the block of one pair of layers.
 class ConnectionsReader {
  public:
-  ConnectionsReader(Reader& reader, TBasicNetwork& network) : reader_(reader), network_(network) {}
+  // The places of a weight list are taken off `places_left`.
+  ConnectionsReader(Reader& reader, TBasicNetwork& network, std::uint64_t& places_left)
+      : reader_(reader), network_(network), places_left_(places_left) {}
 
   void Read();
 
@@ -54,12 +56,14 @@ class ConnectionsReader {
   void CheckRoom(std::size_t columns) const;
   void ReadMatrix(const std::vector<Column>& columns);
   Cell ReadCell(const std::vector<Column>& columns);
+  void CheckPlaces(const TBasicConnections& block);
   void ReadWeightList();
   void ReadEntry(ParseItem item);
   void SetConnection(std::size_t to, std::size_t from, const Cell& cell);
 
   Reader& reader_;
   TBasicNetwork& network_;
+  std::uint64_t& places_left_;
   std::optional<std::size_t> from_;
   std::optional<std::size_t> to_;
   std::string_view kind_;
@@ -80,6 +84,7 @@ void ConnectionsReader::Read() {
     ReadMatrix(columns);
   } else {
     ExpectStartTag(section, reader_, "WeightList");
+    CheckPlaces(*block);
     Connect(std::move(block));
     ReadWeightList();
   }
@@ -211,6 +216,16 @@ Cell ConnectionsReader::ReadCell(const std::vector<Column>& columns) {
 
 // --- Weight list -----------------------------------------------------------------------------
 
+// A failure when the list is of a block that is large beyond all proportion to the file.
+void ConnectionsReader::CheckPlaces(const TBasicConnections& block) {
+  const std::uint64_t places = block.SizeBetween(network_.Layer(*to_), network_.Layer(*from_));
+  if (places > places_left_) {
+    FailLoad(reader_,
+             "a block of " + std::to_string(places) + " weights, which the file does not show");
+  }
+  places_left_ -= places;
+}
+
 void ConnectionsReader::ReadWeightList() {
   ParseItem item = reader_.ReadItem("WeightList");
   for (; item.kind != ParseItem::kEnd; item = reader_.ReadItem("WeightList")) ReadEntry(item);
@@ -244,8 +259,9 @@ void ConnectionsReader::ReadEntry(ParseItem item) {
 }  // namespace
 
 ParseItem ReadConnections(Reader& reader, ParseItem next, TBasicNetwork& network) {
+  std::uint64_t places_left = kFreePlaces + kPlacesPerCharacter * reader.Remaining();
   for (; IsStartTag(next, kBlock); next = reader.ReadItem("NeuralNetwork")) {
-    ConnectionsReader(reader, network).Read();
+    ConnectionsReader(reader, network, places_left).Read();
   }
   return next;
 }

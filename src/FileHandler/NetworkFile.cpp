@@ -28,10 +28,7 @@ Reader Open(const std::string& path) {
   }
 }
 
-}  // namespace
-
-std::unique_ptr<TBasicNetwork> LoadNetwork(const std::string& path) {
-  Reader reader = Open(path);
+std::unique_ptr<TBasicNetwork> ReadNetwork(Reader& reader) {
   const NetworkHeader header = ReadHeader(reader);
   std::unique_ptr<TBasicNetwork> network = MakeNetwork(header, reader);
   if (!network) FailLoad(reader, "Unknown network type");
@@ -44,6 +41,13 @@ std::unique_ptr<TBasicNetwork> LoadNetwork(const std::string& path) {
   ExpectEndTag(next, reader);
   CheckComplete(*network, reader);
   return network;
+}
+
+}  // namespace
+
+std::unique_ptr<TBasicNetwork> LoadNetwork(const std::string& path) {
+  Reader reader = Open(path);
+  return FileTools::ReadPlaced(reader, ReadNetwork);
 }
 
 }  // namespace kiln::NetworkFiler

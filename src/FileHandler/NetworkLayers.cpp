@@ -221,10 +221,8 @@ std::size_t ReadLayerIndex(const ParseItem& statement, Reader& reader, std::size
 }  // namespace
 
 ParseItem ReadLayers(Reader& reader, const NetworkHeader& header, TBasicNetwork& network) {
-  // Three short lines can ask for the largest layer, and a file can have many layers. Neurons
-  // beyond one largest layer are only granted to a file that is long enough to hold a weight and a
-  // separator, two characters, for each of them.
-  std::size_t neurons_left = TBasicLayer::kMaxNeurons + reader.Remaining() / 2;
+  // A neuron shows in the rest of the file by a weight and what separates it from the next.
+  std::size_t neurons_left = kFreeNeurons + reader.Remaining() / 2;
   std::vector<bool> given(network.NumLayers());
   ParseItem item = reader.ReadItem("NeuralNetwork");
   while (item.kind == ParseItem::kStatement && EqualNoCase(item.name, kBlock)) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 
 #include "FileHandler/Syntax/ParseTools.h"
@@ -15,6 +16,13 @@ inline constexpr char kModule[] = "FileHandler/NetworkFile";
 // Category and function of every TException about a network file.
 inline constexpr char kLoadCategory[] = "Bad Format";
 inline constexpr char kLoadFunction[] = "NetworkFiler::LoadNetwork";
+
+// Neurons and the places of a weight list need no text of their own. So that a short file cannot
+// take much memory, a file may have this many of them, and beyond that a number for each of its
+// characters.
+inline constexpr std::size_t kFreeNeurons = std::size_t{1} << 18;
+inline constexpr std::uint64_t kFreePlaces = std::uint64_t{1} << 22;
+inline constexpr std::uint64_t kPlacesPerCharacter = 256;
 
 // Throws TException with the place of the reader as its detail.
 [[noreturn]] void FailLoad(const FileTools::Reader& reader, const std::string& message);

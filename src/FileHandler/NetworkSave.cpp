@@ -5,6 +5,7 @@
 
 #include "FileHandler/NetworkFile.h"
 #include "FileHandler/NetworkKinds.h"
+#include "FileHandler/NetworkReading.h"
 #include "FileHandler/Syntax/SafeFile.h"
 #include "FileHandler/Syntax/Writer.h"
 #include "FileHandler/TarnSections.h"
@@ -43,14 +44,10 @@ void WriteRightAligned(Writer& writer, const std::string& text, std::size_t widt
 
 // --- Header ----------------------------------------------------------------------------------
 
-bool IsBiasLayer(const TBasicLayer& layer) {
-  return layer.NumNeurons() > 0 && layer.GetActivation() == ActBias;
-}
-
 void CheckBiasLayers(const TBasicNetwork& network) {
   for (std::size_t i = 0; i < network.NumLayers(); ++i) {
     const TBasicLayer& layer = network.Layer(i);
-    if (IsBiasLayer(layer) && layer.NumNeurons() > 1) {
+    if (layer.IsBias() && layer.NumNeurons() > 1) {
       throw TException("Illegal number of bias nodes", "Bad Format", "NetworkFiler::SaveNetwork");
     }
   }
@@ -68,7 +65,7 @@ void WriteHeader(Writer& writer, const TBasicNetwork& network) {
   writer.WriteInteger("NumberOfInputs", ToInteger(network.Layer(input_layer).NumNeurons()));
   writer.WriteInteger("NumberOfOutputs", ToInteger(network.Layer(output_layer).NumNeurons()));
   for (std::size_t i = 0; i < network.NumLayers(); ++i) {
-    if (IsBiasLayer(network.Layer(i))) writer.WriteInteger("BiasLayer", ToInteger(i));
+    if (network.Layer(i).IsBias()) writer.WriteInteger("BiasLayer", ToInteger(i));
   }
   writer.WriteEndTag("NetworkInformation");
 }
@@ -210,9 +207,15 @@ void WriteWeightList(Writer& writer, const TBasicConnections& block) {
   writer.WriteEndTag("WeightList");
 }
 
+// Whether a list is the shorter text, and readers believe that so few weights stand for so many
+// places: a line of the list is longer than 32 characters.
 bool IsSparse(const TBasicConnections& block) {
+  constexpr std::size_t kAlwaysBelieved = std::size_t{1} << 16;
+  constexpr std::size_t kPlacesPerLine = 32 * kPlacesPerCharacter;
   TIterateObjCount count;
   block.Read(count);
+  const std::size_t places = block.Weights().size();
+  if (places > kAlwaysBelieved && places / kPlacesPerLine > count.Existing()) return false;
   const double possible = static_cast<double>(block.Rows()) * static_cast<double>(block.Columns());
   return static_cast<double>(count.Existing()) < kSparse * possible;
 }

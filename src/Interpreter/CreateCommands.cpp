@@ -55,7 +55,7 @@ TAnswer CreateMLP(TInterpreter& interpreter, const TCommandLine& line) {
   const std::int64_t layers = Required(line.Long("layers"), "number of layers not specified");
   const char* const bad_hidden = "number of hidden nodes not specified or bad format";
   const std::vector<std::int64_t> hidden = Required(line.Longs("hidden"), bad_hidden);
-  if (std::ssize(hidden) + 2 != layers) Fail(bad_hidden);
+  if (std::ssize(hidden) + 2 != AtLeast(2, layers, "layers")) Fail(bad_hidden);
   const std::int64_t outputs = Required(line.Long("outputs"), "number of outputs not specified");
   const bool bias = RequiredBoolean(line, "bias");
 

@@ -79,7 +79,7 @@ std::string Structure(const TMLPNetwork& network) {
   std::ostringstream text;
   text << "layers " << network.NumLayers() - 1 << " inputs " << network.NumInputs() << " hidden "
        << AnswerArray(hidden) << " outputs " << network.NumOutputs() << " bias "
-       << AnswerSwitch(network.Layer(0).NumNeurons() > 0);
+       << AnswerSwitch(network.Layer(0).IsBias());
   return text.str();
 }
 

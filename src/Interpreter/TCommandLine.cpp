@@ -92,8 +92,16 @@ bool TCommandLine::Contains(std::string_view tag) const {
   return text_.find(tag) != text_.npos;
 }
 
+// The word that selects the form counts in any case.
+std::string_view TCommandLine::AsWritten(std::string_view tag) const {
+  if (!form_ || tag != form_->word) return tag;
+  const std::string_view word = FirstWord(Arguments());
+  return EqualNoCase(word, tag) ? word : tag;
+}
+
 std::optional<std::string_view> TCommandLine::Behind(std::string_view tag) const {
   CheckListed(tag);
+  tag = AsWritten(tag);
   for (std::size_t at = text_.find(tag); at != text_.npos; at = text_.find(tag, at + 1)) {
     const std::size_t end = at + tag.size();
     const bool begins_word = at == 0 || text_[at - 1] == ' ';

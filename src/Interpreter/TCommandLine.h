@@ -93,6 +93,7 @@ class TCommandLine {
   std::optional<std::string_view> List(std::string_view tag) const;
 
   void CheckListed(std::string_view tag) const;
+  std::string_view AsWritten(std::string_view tag) const;
 
   std::string_view text_;
   const TForm* form_ = nullptr;

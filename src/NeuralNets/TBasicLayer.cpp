@@ -61,6 +61,10 @@ TActFunction TBasicLayer::GetActivation() const {
   return common ? first : nullptr;
 }
 
+bool TBasicLayer::IsBias() const {
+  return NumNeurons() > 0 && GetActivation() == ActBias;
+}
+
 void TBasicLayer::AddNeuron(std::size_t node) {
   Assert(node <= neurons_.size(), "node<=numneurons");
   CheckedNeurons(neurons_.size() + 1);

@@ -59,6 +59,9 @@ class TBasicLayer {
   // The function that all neurons share: null when two differ, "null" in a layer without neurons.
   TActFunction GetActivation() const;
 
+  // Whether there are neurons and all of them have the function "bias".
+  bool IsBias() const;
+
   // The row form of the function that was set for all neurons; null when there is none.
   TActRowFunction RowForm() const { return row_form_; }
 

@@ -141,7 +141,7 @@ TNetLabel LoadLabels(Reader& reader) {
 
 TNetLabel LoadLabels(const std::string& path) {
   Reader reader = Reader::FromFile(path);
-  return LoadLabels(reader);
+  return FileTools::ReadPlaced(reader, [](Reader& file) { return LoadLabels(file); });
 }
 
 }  // namespace kiln::TLabelFile

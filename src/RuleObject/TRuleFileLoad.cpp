@@ -91,7 +91,7 @@ TFuzzyRuleSet LoadRules(Reader& reader) {
 
 TFuzzyRuleSet LoadRules(const std::string& path) {
   Reader reader = Reader::FromFile(path);
-  return LoadRules(reader);
+  return FileTools::ReadPlaced(reader, [](Reader& file) { return LoadRules(file); });
 }
 
 }  // namespace kiln::TRuleFile

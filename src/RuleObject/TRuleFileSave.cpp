@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -30,6 +31,9 @@ const std::string& RequiredName(const T* named) {
 }
 
 void SaveAtom(Writer& out, const TRuleAtom& atom, const TMFSetList& list) {
+  if (!std::isfinite(atom.degree)) {
+    throw TException("Degree is not a finite number", "Bad Rule Set", "TRuleFile::SaveRules");
+  }
   const TBasicMFSet* set = list.GetMFSet(atom.variable);
   std::string text = "<" + RequiredName(set) + " ";
   if (atom.mf != TRuleAtom::kNoMF) text += "is ";

@@ -14,6 +14,9 @@ class TAssertion : public std::exception {
   // shown ("Interpreter/Checks"), or a name that is shown as it is.
   TAssertion(const std::string& expression, const std::string& source, int line);
 
+  // Adds where in a file the check failed to what(): " (FILE, line N)".
+  void AddPlace(const std::string& place) { text_ += place; }
+
   const char* what() const noexcept override { return text_.c_str(); }
 
  private:

@@ -23,6 +23,9 @@ class TException : public std::exception {
   // The machine-readable detail, or null.
   const TKQstructure* Detail() const noexcept { return detail_.get(); }
 
+  // Adds where in a file the failure was noticed to what(): " (FILE, line N)".
+  void AddPlace(const std::string& place) { text_ += place; }
+
   // Message, category and function, a blank between each: the text of the console's answer.
   const char* what() const noexcept override { return text_.c_str(); }
 

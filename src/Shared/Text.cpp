@@ -43,6 +43,26 @@ bool HasWord(std::string_view words, std::string_view word) {
   }
 }
 
+// The control characters U+0080 to U+009F are bytes behind 0xC2 in UTF-8, and stand alone in older
+// character sets; behind any other byte beyond ASCII such a byte is a part of a character.
+std::string Printable(std::string_view text) {
+  std::string shown;
+  unsigned char previous = 0;
+  for (const char c : text) {
+    const auto byte = static_cast<unsigned char>(c);
+    const bool begins_character = previous < 0x80 || previous == 0xC2;
+    if ((byte < 0x20 && c != '\n' && c != '\t') || byte == 0x7F) {
+      shown += {'^', static_cast<char>(byte ^ 0x40)};
+    } else if (byte >= 0x80 && byte < 0xA0 && begins_character) {
+      shown += '?';
+    } else {
+      shown += c;
+    }
+    previous = byte;
+  }
+  return shown;
+}
+
 std::string_view TrimBlanks(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(' ');
   if (begin == std::string_view::npos) return {};

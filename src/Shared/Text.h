@@ -33,6 +33,10 @@ auto* FindNoCase(const TTable& table, std::string_view name, TNameOf name_of = {
 // Whether `word` stands in `words`, which are separated by single blanks, in any case.
 bool HasWord(std::string_view words, std::string_view word);
 
+// `text` with "^[" and the like in the place of control characters, line ends and tabs excepted, so
+// that a terminal that it is written to shows it and does nothing else.
+std::string Printable(std::string_view text);
+
 // `text` without the space characters at its ends. Tabs are not blanks on the command line.
 std::string_view TrimBlanks(std::string_view text);
 

@@ -54,6 +54,11 @@ def main(program, folder):
     expect(session.read(), r"destroy d\^C\nKiln>>")
     expect(session.say("query aliasexists d"), "Result: true\n")
 
+    # What a terminal would obey is shown instead.
+    with open("rude", "w") as script:
+        script.write("destroy \x1b[2J\x9b2J\x7f\u00e9\n")
+    expect(session.say("run filename (rude)"), r".*\^\[\[2J\xc2\?2J\^\?\xc3\xa9 does not exist\n")
+
     # The second interruption ends the program.
     session.say("create GATrainer alias slow network net minweight -1 maxweight 1 population 1000000")
     session.type("train alias slow data d generations 1")

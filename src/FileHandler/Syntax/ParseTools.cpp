@@ -225,6 +225,10 @@ std::size_t Reader::Line() const {
   return 1 + static_cast<std::size_t>(std::count(text_.begin(), place, '\n'));
 }
 
+std::string Reader::Place() const {
+  return " (" + file_name_ + ", line " + std::to_string(Line()) + ")";
+}
+
 void Reader::Fail(const std::string& message) const {
   throw Error(message, file_name_, Line());
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
 // The bracketed syntax of all files: blocks "[Name]" ... "[~Name]", statements "[Name = value]",
@@ -89,6 +90,9 @@ class Reader {
   // Line of the token read last, counted from 1.
   std::size_t Line() const;
 
+  // The same for messages: " (FILE, line N)".
+  std::string Place() const;
+
   // Number of characters not read yet: no more than that many values can follow.
   std::size_t Remaining() const { return text_.size() - position_; }
 
@@ -113,6 +117,21 @@ class Reader {
   std::size_t position_ = 0;
   std::size_t token_start_ = 0;
 };
+
+// Returns read(reader). What it throws as TException or TAssertion gets the place of the reader
+// behind its text, as an Error has it.
+template <typename TRead>
+auto ReadPlaced(Reader& reader, TRead read) {
+  try {
+    return read(reader);
+  } catch (TException& failure) {
+    failure.AddPlace(reader.Place());
+    throw;
+  } catch (TAssertion& failure) {
+    failure.AddPlace(reader.Place());
+    throw;
+  }
+}
 
 // Each of the following throws Error, with the place of `reader`, unless `item`, the one just read
 // from it, is what is asked for. Names and required values are compared ignoring case.
