@@ -118,6 +118,8 @@ TEST_F(CommandTable, HasExamplesThatWorkAndTagsThatAreRequired) {
 
 // More lines for forms that do not read all of their tags in each.
 constexpr std::string_view kMoreExamples[] = {"divide source d destination {one} rows {1}",
+                                              "labeltarn network fuzzy labels words terms {a} "
+                                              "outputterms {b}",
                                               "query fired network fuzzy inputs {0.1, 0.5}",
                                               "train alias teacher data d epochs 5 method rprop"};
 

@@ -2,11 +2,13 @@
 #include <optional>
 
 #include "DataObject/Data.h"
+#include "FileHandler/Syntax/ParseTools.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
 #include "KQmessage/TKQstructure.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/NumberScan.h"
+#include "Shared/Text.h"
 #include "Tarn/RuleExtraction/NetworkLabels.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
 
@@ -72,11 +74,35 @@ TSimplification SimplificationOf(const TCommandLine& line, const Data& set) {
   return simplification;
 }
 
+// The words for terms behind a tag, which may be left out.
+std::optional<std::vector<std::string>> TermsAt(const TCommandLine& line, std::string_view tag) {
+  const auto words = line.WordsAt(tag);
+  if (!words) return std::nullopt;
+  std::vector<std::string> terms;
+  for (const std::string_view element : *words) {
+    const std::string_view term = TrimBlanks(element);
+    const bool is_number = term.find_first_of("+-.0123456789") == 0;
+    if (!FileTools::IsWord(term) || is_number) Fail(tag, " must be words");
+    terms.emplace_back(term);
+  }
+  return terms;
+}
+
 TAnswer LabelTarn(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view name = RequiredAlias(line, "network");
   const auto network = RequiredObject<TTarn>(interpreter, name, " is not of type Tarn");
   const std::string_view labels = RequiredNewAlias(interpreter, line, "labels");
-  interpreter.Insert({labels, std::make_unique<TNetLabel>(MakeDefaultLabels(*network))});
+  auto made = std::make_unique<TNetLabel>(MakeDefaultLabels(*network));
+  if (line.Word("data").code == TReadCode::kRead) {
+    const std::string_view alias = RequiredAlias(line, "data");
+    NameVariables(*made, RequiredObject<Data>(interpreter, alias, " is not of type Data")->Names());
+  }
+  if (const auto terms = TermsAt(line, "terms")) {
+    NameInputTerms(*made, *terms);
+    NameOutputTerms(*made, *terms);
+  }
+  if (const auto terms = TermsAt(line, "outputterms")) NameOutputTerms(*made, *terms);
+  interpreter.Insert({labels, std::move(made)});
   return kDone;
 }
 
@@ -107,10 +133,17 @@ TAnswer RITarn(TInterpreter& interpreter, const TCommandLine& line) {
 
 constexpr TTag kTarnTag = TTag{"network", kAlias, "a fuzzy network"}.Of("Tarn");
 
-constexpr TTag kLabelTarnTags[] = {kTarnTag, {"labels", kNewAlias, "the name of the labels"}};
+constexpr TTag kLabelTarnTags[] = {
+    kTarnTag,
+    {"labels", kNewAlias, "the name of the labels"},
+    TTag{"data", kAlias, "a set whose columns have the names of the variables"}.Of("Data").Or(
+        "InputA, ..., OutputA, ..."),
+    TTag{"terms", kWords, "names for the terms of each variable that has as many"}.Or("A, B, ..."),
+    TTag{"outputterms", kWords, "the same for outputs alone"}.Or("terms"),
+};
 constexpr TForm kLabelTarn[] = {
     {"", "names the variables of a fuzzy network and their terms",
-     "labeltarn network fuzzy labels words", kLabelTarnTags, LabelTarn},
+     "labeltarn network fuzzy labels words data d terms {low, high}", kLabelTarnTags, LabelTarn},
 };
 
 constexpr TTag kRETarnTags[] = {

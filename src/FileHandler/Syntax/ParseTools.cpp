@@ -100,6 +100,13 @@ bool IsWord(std::string_view text) {
   return !text.empty() && std::all_of(text.begin(), text.end(), IsWordCharacter);
 }
 
+std::string ToWord(std::string_view text) {
+  std::string word(text.empty() ? "_" : text);
+  std::ranges::replace_if(
+      word, [](char c) { return !IsWordCharacter(c); }, '_');
+  return word;
+}
+
 Reader Reader::FromFile(const std::string& path) {
   return Reader(ReadWholeFile(path), path);
 }

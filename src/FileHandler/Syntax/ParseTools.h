@@ -46,6 +46,9 @@ std::string ReadWholeFile(const std::string& path);
 // read back.
 bool IsWord(std::string_view text);
 
+// `text` as a word: "_" for each character that no word has, and for no text at all.
+std::string ToWord(std::string_view text);
+
 struct ParseItem {
   enum Kind {
     kEnd = 0,        // the end of the block or, outside all blocks, of the text

@@ -1,9 +1,13 @@
 #include "Tarn/RuleExtraction/NetworkLabels.h"
 
 #include <algorithm>
+#include <iterator>
+#include <set>
 #include <utility>
 #include <vector>
 
+#include "FileHandler/Syntax/ParseTools.h"
+#include "Shared/Text.h"
 #include "Tarn/TConditionLayer.h"
 #include "Tarn/TTarnOutputLayer.h"
 
@@ -23,7 +27,49 @@ std::vector<int> NoTerms(const TBasicLayer& layer) {
   return std::vector<int>(layer.NumNeurons());
 }
 
+// `name` as a word that differs, in any case of letters, from those that were taken before.
+std::string WordAmong(std::set<std::string>& taken, const std::string& name) {
+  const std::string word = FileTools::ToWord(name);
+  std::string own = word;
+  for (int n = 2; !taken.insert(FoldCase(own)).second; ++n) own = word + '_' + std::to_string(n);
+  return own;
+}
+
+using TSetName = void (TNetLabel::*)(int number, std::string name);
+
+// Names the terms of each variable that has as many; `counts` are the terms of all of them.
+void NameTerms(TNetLabel& labels, std::span<const int> counts, std::span<const std::string> terms,
+               TSetName set_name) {
+  int first = 0;
+  for (const int count : counts) {
+    for (int k = 0; k < count && count == std::ssize(terms); ++k) {
+      (labels.*set_name)(first + k, terms[static_cast<std::size_t>(k)]);
+    }
+    first += count;
+  }
+}
+
 }  // namespace
+
+void NameVariables(TNetLabel& labels, const ColumnNames& names) {
+  const auto name_side = [&](const std::vector<std::string>& side, int variables, auto set_name) {
+    if (std::ssize(side) != variables) return;
+    std::set<std::string> taken;
+    for (int v = 0; v < variables; ++v) {
+      (labels.*set_name)(v, WordAmong(taken, side[static_cast<std::size_t>(v)]));
+    }
+  };
+  name_side(names.Inputs, labels.NumInputs(), &TNetLabel::SetInputName);
+  name_side(names.Outputs, labels.NumOutputs(), &TNetLabel::SetOutputName);
+}
+
+void NameInputTerms(TNetLabel& labels, std::span<const std::string> terms) {
+  NameTerms(labels, labels.InputMF(), terms, &TNetLabel::SetConditionName);
+}
+
+void NameOutputTerms(TNetLabel& labels, std::span<const std::string> terms) {
+  NameTerms(labels, labels.OutputMF(), terms, &TNetLabel::SetActionName);
+}
 
 TNetLabel MakeDefaultLabels(const TBasicNetwork& network) {
   std::vector<int> input_mf = NoTerms(LayerAt(network, 1));
