@@ -201,7 +201,7 @@ class TSlowMethods {
   TValues steps_, last_, before_, means_, squares_;
   double last_price_ = 1e300;
   int updates_ = 0;
-  double damping_ = 0.01;
+  double damping_ = 0.1;
 };
 
 std::shared_ptr<TMLPNetwork> MakeSparse() {
