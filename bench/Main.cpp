@@ -18,6 +18,7 @@ void Measure(int repetitions, const char* filter) {
   // Memory first: the heap that other rows leave behind would hide what is taken.
   AddMemoryRows(report, scratch);
   AddTrainingRows(report, scratch);
+  AddArrivalRows(report, scratch);
   AddRecallRows(report);
   AddMapRows(report, scratch);
   AddGeneticRows(report);

@@ -10,13 +10,13 @@ namespace {
 
 constexpr double kLongEnough = 0.2;  // seconds
 
+}  // namespace
+
 double Median(std::vector<double>& values) {
   const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
   std::nth_element(values.begin(), middle, values.end());
   return *middle;
 }
-
-}  // namespace
 
 int PassesFor(const TWork& work) {
   int passes = 1;

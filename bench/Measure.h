@@ -25,6 +25,8 @@ inline double ProcessorTime() {
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
+double Median(std::vector<double>& values);
+
 template <typename TAction>
 double SecondsOf(const TAction& action) {
   const double start = ProcessorTime();

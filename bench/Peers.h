@@ -1,6 +1,9 @@
 #pragma once
 
+#include <functional>
+
 #include "Measure.h"
+#include "TArrivalTask.h"
 #include "TPerceptronTask.h"
 
 namespace kiln {
@@ -17,6 +20,18 @@ TWork FannBatchTraining(const TPerceptronTask& task);
 
 // A pass runs every pattern and copies what it gives.
 TWork FannRecall(const TPerceptronTask& task);
+
+// The seconds of processor time in which a peer comes to an error on a task, starting from a seed,
+// infinity where it does not; empty where it is not installed.
+using TArrival = std::function<double(int seed)>;
+
+// FANN, iRPROP-, at most 10000 epochs; weights from [-1, 1], as Kiln's.
+TArrival FannArrival(const TArrivalTask& task, double error);
+
+// scikit-learn, from weights of its own: "lbfgs", whose time is that of the shortest training that
+// arrives, or "adam", at a rate of 0.01 in batches of 200, at most 2000 epochs.
+TArrival ScikitArrival(const TScratch& scratch, const TArrivalTask& task, const char* solver,
+                       double error);
 
 // GAlib, the simple genetic algorithm. A pass is a generation.
 TWork GaLibBreeding(int individuals, int genes, double mutation);

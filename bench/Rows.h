@@ -8,6 +8,7 @@ class TScratch;
 // The rows of the table, in families.
 void AddMemoryRows(TReport& report, const TScratch& scratch);
 void AddTrainingRows(TReport& report, const TScratch& scratch);
+void AddArrivalRows(TReport& report, const TScratch& scratch);
 void AddRecallRows(TReport& report);
 void AddMapRows(TReport& report, const TScratch& scratch);
 void AddGeneticRows(TReport& report);

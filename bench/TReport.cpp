@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <utility>
 
@@ -25,6 +26,7 @@ std::string Scaled(double value, std::span<const char* const> units) {
 }
 
 std::string Time(double seconds) {
+  if (std::isinf(seconds)) return "never";
   static constexpr std::array kUnits = {"ps", "ns", "µs", "ms", "s"};
   return Scaled(seconds * 1e12, kUnits);
 }
@@ -63,6 +65,17 @@ void TReport::AddComparison(const std::string& work, const TWork& kiln,
   const double ratio = seconds[1] / seconds[0];
   Print({work, kiln_time, peer_name, Time(seconds[1] / items), ratio, "≥ " + Number(goal, 1),
          ratio >= goal});
+}
+
+void TReport::AddArrival(const std::string& work, double kiln, const std::string& peer_name,
+                         std::optional<double> peer, double goal) {
+  if (!peer) {
+    std::printf("| %s | %s | %s | not installed | | | |\n", work.c_str(), Time(kiln).c_str(),
+                peer_name.c_str());
+    return;
+  }
+  const double ratio = *peer / kiln;
+  Print({work, Time(kiln), peer_name, Time(*peer), ratio, "≥ " + Number(goal, 1), ratio >= goal});
 }
 
 void TReport::AddGrowth(const std::string& work, std::span<const TSize> sizes) {

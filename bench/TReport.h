@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,6 +23,11 @@ class TReport {
   // ratio is the peer's time over Kiln's and shall be `goal` at least.
   void AddComparison(const std::string& work, const TWork& kiln, const std::string& peer_name,
                      const TWork& peer, double items, double goal);
+
+  // Seconds until an error was small enough, Kiln's beside those of a peer, of which there are none
+  // where it is not installed. Infinity stands for a side that did not come to that.
+  void AddArrival(const std::string& work, double kiln, const std::string& peer_name,
+                  std::optional<double> peer, double goal);
 
   // A piece of work of growing size, and how many items its pass has.
   struct TSize {

@@ -3,14 +3,35 @@
 #include <doublefann.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <vector>
 
 #include "Peers.h"
+#include "Shared/Random.h"
 
 namespace kiln {
 
 namespace {
+
+fann* Create(const std::vector<int>& sizes) {
+  const std::vector<unsigned> layers(sizes.begin(), sizes.end());
+  return fann_create_standard_array(static_cast<unsigned>(layers.size()), layers.data());
+}
+
+fann_train_data* Copy(const Data& data) {
+  fann_train_data* copy = fann_create_train(static_cast<unsigned>(data.DataRows()),
+                                            static_cast<unsigned>(data.Inputs()),
+                                            static_cast<unsigned>(data.Outputs()));
+  for (int n = 0; n < data.DataRows(); ++n) {
+    const DataRow row = data.Row(n);
+    std::ranges::copy(row.Inputs, copy->input[n]);
+    std::ranges::copy(row.Outputs, copy->output[n]);
+  }
+  return copy;
+}
 
 class TFannTask {
  public:
@@ -38,23 +59,6 @@ class TFannTask {
   }
 
  private:
-  static fann* Create(const std::vector<int>& sizes) {
-    const std::vector<unsigned> layers(sizes.begin(), sizes.end());
-    return fann_create_standard_array(static_cast<unsigned>(layers.size()), layers.data());
-  }
-
-  static fann_train_data* Copy(const Data& data) {
-    fann_train_data* copy = fann_create_train(static_cast<unsigned>(data.DataRows()),
-                                              static_cast<unsigned>(data.Inputs()),
-                                              static_cast<unsigned>(data.Outputs()));
-    for (int n = 0; n < data.DataRows(); ++n) {
-      const DataRow row = data.Row(n);
-      std::ranges::copy(row.Inputs, copy->input[n]);
-      std::ranges::copy(row.Outputs, copy->output[n]);
-    }
-    return copy;
-  }
-
   void RunAll(std::vector<double>& outputs) {
     auto place = outputs.begin();
     for (unsigned n = 0; n < data_->num_data; ++n) {
@@ -65,6 +69,18 @@ class TFannTask {
   std::unique_ptr<fann, decltype(&fann_destroy)> network_;
   std::unique_ptr<fann_train_data, decltype(&fann_destroy_train)> data_;
 };
+
+// An error over all rows, in the unit of a task.
+double ErrorOn(fann* network, const fann_train_data& data, double unit) {
+  double sum = 0.0;
+  for (unsigned n = 0; n < data.num_data; ++n) {
+    const double* outputs = fann_run(network, data.input[n]);
+    for (unsigned i = 0; i < data.num_output; ++i) {
+      sum += (outputs[i] - data.output[n][i]) * (outputs[i] - data.output[n][i]);
+    }
+  }
+  return std::sqrt(sum / data.num_data / data.num_output) / unit;
+}
 
 TWork Training(const TPerceptronTask& task, fann_train_enum algorithm) {
   return [peer = std::make_shared<TFannTask>(task), algorithm](int passes) {
@@ -84,6 +100,30 @@ TWork FannBatchTraining(const TPerceptronTask& task) {
 
 TWork FannRecall(const TPerceptronTask& task) {
   return [peer = std::make_shared<TFannTask>(task)](int passes) { return peer->Recall(passes); };
+}
+
+TArrival FannArrival(const TArrivalTask& task, double error) {
+  return [&task, error](int seed) {
+    constexpr int kEpochs = 10000;
+    const std::unique_ptr<fann, decltype(&fann_destroy)> network(Create(task.sizes), fann_destroy);
+    const std::unique_ptr<fann_train_data, decltype(&fann_destroy_train)> learn(Copy(*task.learn),
+                                                                                fann_destroy_train);
+    const std::unique_ptr<fann_train_data, decltype(&fann_destroy_train)> judged(
+        Copy(*task.judged), fann_destroy_train);
+    fann_set_activation_function_hidden(network.get(), FANN_SIGMOID_SYMMETRIC);
+    fann_set_activation_function_output(network.get(),
+                                        task.has_linear_output ? FANN_LINEAR : FANN_SIGMOID);
+    fann_set_training_algorithm(network.get(), FANN_TRAIN_RPROP);
+    Random::Seed(static_cast<std::uint32_t>(seed));
+    std::generate_n(network->weights, network->total_connections,
+                    [] { return Random::Uniform(-1.0, 1.0); });
+    double seconds = 0.0;
+    for (int n = 0; n < kEpochs; ++n) {
+      seconds += SecondsOf([&] { fann_train_epoch(network.get(), learn.get()); });
+      if (ErrorOn(network.get(), *judged, task.unit) < error) return seconds;
+    }
+    return std::numeric_limits<double>::infinity();
+  };
 }
 
 }  // namespace kiln

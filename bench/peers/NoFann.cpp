@@ -14,4 +14,8 @@ TWork FannRecall(const TPerceptronTask&) {
   return {};
 }
 
+TArrival FannArrival(const TArrivalTask&, double) {
+  return {};
+}
+
 }  // namespace kiln

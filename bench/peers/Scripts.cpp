@@ -65,6 +65,17 @@ TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task) {
   };
 }
 
+TArrival ScikitArrival(const TScratch& scratch, const TArrivalTask& task, const char* solver,
+                       double error) {
+  static const auto peer = Start(KILN_HAVE_SCIKIT, KILN_PYTHON, "scikit_arrival.py");
+  if (!peer) return {};
+  const std::string learn = scratch.WriteNumbers("learn", *task.learn);
+  const std::string judged = scratch.WriteNumbers("judged", *task.judged);
+  const std::string request = Request(solver, learn, judged, task.sizes[0], task.sizes[1],
+                                      task.sizes[2], error * task.unit);
+  return [request](int seed) { return peer->Ask(request + std::to_string(seed)); };
+}
+
 TWork PandasSaving(const TScratch& scratch, const Data& data) {
   const auto peer = Pandas();
   if (!peer) return {};
