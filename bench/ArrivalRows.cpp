@@ -38,8 +38,8 @@ void AddRows(TReport& report, const TScratch& scratch, const TArrivalTask& task,
 
 void AddArrivalRows(TReport& report, const TScratch& scratch) {
   const TArrivalTask series = SeriesTask();
-  AddRows(report, scratch, series, 0.06, "time to 0.06, " + series.name);
-  AddRows(report, scratch, series, 0.02, "time to 0.02, " + series.name);
+  AddRows(report, scratch, series, 0.06, "time to 0.06, " + series.name + ", levenberg");
+  AddRows(report, scratch, series, 0.02, "time to 0.02, " + series.name + ", levenberg");
   const std::string tarn = "time to 0.02, Mackey-Glass, a Tarn of 16 rules";
   if (report.Wants(tarn)) {
     const double kiln =
@@ -49,9 +49,9 @@ void AddArrivalRows(TReport& report, const TScratch& scratch) {
     report.AddArrival(tarn, kiln, "the perceptron above", perceptron, 0.1);
   }
   const TArrivalTask iris = IrisTask();
-  AddRows(report, scratch, iris, 0.1, "time to 0.1, " + iris.name);
+  AddRows(report, scratch, iris, 0.1, "time to 0.1, " + iris.name + ", rprop");
   const TArrivalTask peaks = PeaksTask();
-  AddRows(report, scratch, peaks, 0.05, "time to 0.05, " + peaks.name);
+  AddRows(report, scratch, peaks, 0.05, "time to 0.05, " + peaks.name + ", levenberg");
 }
 
 }  // namespace kiln

@@ -73,11 +73,11 @@ double Spread(std::span<const Data* const> sets) {
 // Looking at the judged rows after each epoch is left out.
 double Arrival(TTrainModule& trainer, TBasicNetwork& network, const TArrivalTask& task,
                double error) {
-  TKQstructure settings = TKQstructure::Parse("(Params :Method levenberg)");
+  TKQstructure settings = TKQstructure::Parse("(Params :Method " + task.method + ")");
   TErrorRMSObj measure(network.NumOutputs());
   double seconds = 0.0;
   bool has_arrived = false;
-  int epochs = 500;
+  int epochs = 2000;
   double start = ProcessorTime();
   trainer.Train(*task.learn, settings, epochs, [&](int, double) {
     seconds += ProcessorTime() - start;
@@ -101,12 +101,12 @@ TArrivalTask SeriesTask() {
     (n < 500 ? learn : judged)->AddRow(inputs, std::array{x[t + 6]});
   }
   const double unit = Spread(std::array<const Data*, 2>{learn.get(), judged.get()});
-  return {"Mackey-Glass 4-10-1", {4, 10, 1}, true, learn, judged, unit};
+  return {"Mackey-Glass 4-10-1", {4, 10, 1}, true, learn, judged, unit, "levenberg"};
 }
 
 TArrivalTask IrisTask() {
   const std::shared_ptr<Data> flowers = Filer::Load(KILN_EXAMPLES "/iris/train.dat").expected;
-  return {"iris 4-6-3", {4, 6, 3}, false, flowers, flowers, 1.0};
+  return {"iris 4-6-3", {4, 6, 3}, false, flowers, flowers, 1.0, "rprop"};
 }
 
 TArrivalTask PeaksTask() {
@@ -118,7 +118,7 @@ TArrivalTask PeaksTask() {
     hills->AddRow(std::array{x, y}, std::array{Peaks(3.0 * x, 3.0 * y) / 8.0});
   }
   const double unit = Spread(std::array<const Data*, 1>{hills.get()});
-  return {"peaks 2-15-1", {2, 15, 1}, true, hills, hills, unit};
+  return {"peaks 2-25-1", {2, 25, 1}, true, hills, hills, unit, "levenberg"};
 }
 
 double KilnArrival(const TArrivalTask& task, double error, int seed) {

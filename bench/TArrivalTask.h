@@ -17,6 +17,7 @@ struct TArrivalTask {
   std::shared_ptr<const Data> learn;
   std::shared_ptr<const Data> judged;  // the rows whose error counts
   double unit;
+  std::string method;  // with which Kiln learns it
 };
 
 // The Mackey-Glass series, as in examples/series: 500 rows, judged on the 500 that follow, in units
@@ -30,8 +31,8 @@ TArrivalTask IrisTask();
 // its standard deviation there.
 TArrivalTask PeaksTask();
 
-// Kiln's levenberg from the weights of a seed: the seconds of processor time until the error is
-// below `error`, infinity where it does not come to that in 500 epochs.
+// Kiln from the weights of a seed: the seconds of processor time until the error is
+// below `error`, infinity where it does not come to that in 2000 epochs.
 double KilnArrival(const TArrivalTask& task, double error, int seed);
 
 // The same with a Tarn of 16 rules and 5 terms an input. REQUIRES: a task within [0, 1].

@@ -74,7 +74,7 @@ void TReport::AddArrival(const std::string& work, double kiln, const std::string
                 peer_name.c_str());
     return;
   }
-  const double ratio = *peer / kiln;
+  const double ratio = std::isinf(kiln) ? 0.0 : *peer / kiln;
   Print({work, Time(kiln), peer_name, Time(*peer), ratio, "≥ " + Number(goal, 1), ratio >= goal});
 }
 

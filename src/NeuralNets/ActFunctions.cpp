@@ -26,6 +26,10 @@ void SigmoidRow(std::span<const double> net_inputs, std::span<double> outputs) {
   Kernels().sigmoid(net_inputs.data(), outputs.data(), outputs.size());
 }
 
+void TanhRow(std::span<const double> net_inputs, std::span<double> outputs) {
+  Kernels().tanh(net_inputs.data(), outputs.data(), outputs.size());
+}
+
 TFnRegistry MakeRegistry() {
   TFnRegistry registry;
   registry.Register(ActError, "error");
@@ -34,7 +38,7 @@ TFnRegistry MakeRegistry() {
   registry.Register(ActLinear, "linear", LinearRow);
   registry.Register(ActSaturatedLinear, "saturated-linear");
   registry.Register(ActSigmoid, "sigmoid", SigmoidRow);
-  registry.Register(ActTanh, "tanh");
+  registry.Register(ActTanh, "tanh", TanhRow);
   registry.Register(ActLinearGain, "linear-gain");
   registry.Register(ActSigmoidGain, "sigmoid-gain");
   registry.Register(ActTanhGain, "tanh-gain");
@@ -74,7 +78,10 @@ void ActSigmoid(TBasicNeuron& neuron, double x) {
 }
 
 void ActTanh(TBasicNeuron& neuron, double x) {
-  neuron.Output() = std::tanh(x);
+  const double net[PaddedSize(1)] = {x};
+  double output[PaddedSize(1)];
+  Kernels().tanh(net, output, 1);
+  neuron.Output() = output[0];
 }
 
 void ActLinearGain(TBasicNeuron& neuron, double x) {

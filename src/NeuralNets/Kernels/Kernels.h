@@ -103,6 +103,9 @@ struct TKernels {
   // Works on whole registers: both buffers have room for PaddedSize(n) values.
   void (*sigmoid)(const double* x, double* y, TSize n);
 
+  // y[i] = tanh(x[i]), likewise.
+  void (*tanh)(const double* x, double* y, TSize n);
+
   // The units of a map stand side by side in tiles: element i of the prototype of unit u is
   // t[(u / kTile * columns + i) * kTile + u % kTile]. Places behind the last unit hold NaN.
   static constexpr TSize kTile = 8;
