@@ -8,24 +8,24 @@
 
 namespace kiln {
 
-// A probability as the engine draws it: in thousandths, cut, against one of 1001 outcomes. An event
-// of probability p thus happens in trunc(1000 p) + 1 of 1001 draws, never less than one in 1001.
+// A probability p in the engine's terms: the event happens when a draw from 0..1000 is at most
+// trunc(1000 p), that is in trunc(1000 p) + 1 of 1001 draws. So it is never rarer than 1 in 1001.
 class Chance {
  public:
-  // What is above 1 counts as 1, what is below 0 or not a number as 0.
+  // A probability above 1 counts as 1, one below 0 or not-a-number as 0.
   explicit Chance(float probability) : MbrIntThreshold(Thousandths(probability)) {}
 
   // Draws once.
   bool Occurs() const { return Random::Next() % kOutcomes <= MbrIntThreshold; }
 
-  // Draws until the event happens, but at most `limit` times; how often it did not. The same as
-  // calling Occurs() that often, only faster.
+  // Draws until the event happens, `limit` times at most, and returns the number of draws before
+  // the one that brought it. The same as calling Occurs() again and again, only faster.
   std::size_t Misses(std::size_t limit) const;
 
-  // One of two equals, the odds 501 to 500. Draws once.
+  // A coin: true with odds of 501 to 500. Draws once.
   static bool Coin() { return Random::Next() % kOutcomes < kHeads; }
 
-  // Flips a coin for each place: 1 or 0. The same as calling Coin() for each, only faster.
+  // Fills every place with a coin, 1 or 0. The same as calling Coin() for each, only faster.
   static void Flip(std::span<std::uint8_t> coins);
 
  private:

@@ -28,15 +28,14 @@ Chromosome Chromosome::Random(std::shared_ptr<const MetaChrom> genome) {
 Chromosome Chromosome::Of(std::shared_ptr<const MetaChrom> genome,
                           std::span<const GeneValue> values) {
   Chromosome chromosome(std::move(genome));
-  Assert(values.size() == chromosome.MbrPtrMchGenome->Length(), "NdxSeedLength == NdxChromLength",
-         kBrambleModule);
+  Assert(values.size() == chromosome.MbrPtrMchGenome->Length(), "NdxSeedLength == NdxChromLength");
   chromosome.MbrDyaGvlValues.assign(values.begin(), values.end());
   chromosome.MbrDyaFlgFlags.assign(values.size(), kMutable);
   return chromosome;
 }
 
 Gene Chromosome::At(std::size_t position) const {
-  Assert(position >= 1 && position <= Length(), "PtrGneCurrent != 0", kBrambleModule);
+  Assert(position >= 1 && position <= Length(), "PtrGneCurrent != 0");
   const std::uint8_t flags = MbrDyaFlgFlags[position - 1];
   return {.BolChanged = (flags & kChanged) != 0,
           .BolMutable = (flags & kMutable) != 0,
@@ -51,8 +50,7 @@ void Chromosome::SetMutable(std::size_t position, bool is_mutable) {
 }
 
 void Chromosome::Append(const Gene& gene) {
-  Assert(MbrPtrMchGenome->At(Length() + 1) == gene.MgnDefinition, "MgnGene == MgnExpected",
-         kBrambleModule);
+  Assert(MbrPtrMchGenome->At(Length() + 1) == gene.MgnDefinition, "MgnGene == MgnExpected");
   MbrDyaGvlValues.push_back(gene.GvlValue);
   MbrDyaFlgFlags.push_back(FlagsOf(gene));
 }
@@ -69,7 +67,7 @@ void Chromosome::Take(const Chromosome& source, std::size_t begin, std::size_t e
               MbrDyaFlgFlags.data() + begin - 1);
 }
 
-// Reads both genes whichever it takes, since chance lets no processor guess which.
+// Reads both genes and then chooses one: a branch on a coin would be mispredicted every other time.
 void Chromosome::Take(const Chromosome& source, std::span<const std::uint8_t> where) {
   const std::span values(MbrDyaGvlValues);
   const std::span source_values(source.MbrDyaGvlValues);
@@ -91,19 +89,20 @@ Chromosome Chromosome::Slice(std::size_t first, std::size_t last) const {
   return slice;
 }
 
-int Chromosome::Mutate(float probability) {
-  if (!(probability > 0.0F)) return SUCCESS;
+GeneticStatus Chromosome::Mutate(float probability) {
+  if (!(probability > 0.0F)) return GeneticStatus::SUCCESS;
   const Chance mutation(probability);
   for (std::size_t index = 0;; ++index) {
     index += mutation.Misses(Length() - index);
-    if (index == Length()) return SUCCESS;
-    if (const int status = MutateAt(index); status != SUCCESS) return status;
+    if (index == Length()) return GeneticStatus::SUCCESS;
+    const GeneticStatus status = MutateAt(index);
+    if (status != GeneticStatus::SUCCESS) return status;
   }
 }
 
-int Chromosome::MutateAt(std::size_t index) {
+GeneticStatus Chromosome::MutateAt(std::size_t index) {
   Gene gene = At(index + 1);
-  const int status = gene.Mutate();
+  const GeneticStatus status = gene.Mutate();
   MbrDyaGvlValues[index] = gene.GvlValue;
   MbrDyaFlgFlags[index] = FlagsOf(gene);
   return status;

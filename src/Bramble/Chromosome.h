@@ -9,6 +9,7 @@
 #include "Bramble/Gene.h"
 #include "Bramble/GeneValue.h"
 #include "Bramble/MetaChrom.h"
+#include "Bramble/Status.h"
 
 namespace kiln {
 
@@ -19,7 +20,7 @@ namespace kiln {
 // than its genome, never longer.
 class Chromosome {
  public:
-  // Without genes. Throws TAssertion without a genome.
+  // An empty chromosome. Throws TAssertion when `genome` is null.
   explicit Chromosome(std::shared_ptr<const MetaChrom> genome);
 
   // With a random value for every gene of the genome, drawn in order.
@@ -48,9 +49,9 @@ class Chromosome {
   // genome at the next position.
   void Append(const Gene& gene);
 
-  // Replaces genes by clones of those at the same positions of another chromosome: from `begin` to
-  // before `end`; or those whose place in `where`, which has one for each gene, is not 0.
-  // REQUIRES: both have genes there, of one definition.
+  // Replaces genes by clones of those at the same positions of `source`: those from position
+  // `begin` to before `end`, or those for which `where`, a byte for each gene, is not 0.
+  // REQUIRES: both chromosomes have genes there, of the same definitions.
   void Take(const Chromosome& source, std::size_t begin, std::size_t end);
   void Take(const Chromosome& source, std::span<const std::uint8_t> where);
 
@@ -60,14 +61,14 @@ class Chromosome {
   // Draws once for each gene in order and mutates it when the event of this probability happens.
   // Stops at the first gene that refuses and returns its status, else SUCCESS. Nothing is drawn
   // with a probability that is not above 0.
-  int Mutate(float probability);
+  GeneticStatus Mutate(float probability);
 
  private:
   static constexpr std::uint8_t kChanged = 1;
   static constexpr std::uint8_t kMutable = 2;
 
   static std::uint8_t FlagsOf(const Gene& gene);
-  int MutateAt(std::size_t index);
+  GeneticStatus MutateAt(std::size_t index);
 
   std::shared_ptr<const MetaChrom> MbrPtrMchGenome;
   std::vector<GeneValue> MbrDyaGvlValues;

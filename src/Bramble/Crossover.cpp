@@ -13,7 +13,7 @@ void Crossover::Cross(const Chromosome& first, const Chromosome& second, Chromos
   const std::size_t length = first.Length();
   Assert(second.Length() == length, "NdxMateChromLength == NdxChromLength", kBrambleModule);
   Assert(first.Genome() == second.Genome() || *first.Genome() == *second.Genome(),
-         "MchMate == MchGenome", kBrambleModule);
+         "MchMate == MchGenome");
   child = second;
   if (MbrIntPoints == 1 && length > 0) {
     OnePoint(first, child);
@@ -43,7 +43,7 @@ void Crossover::ManyPoint(const Chromosome& first, Chromosome& child) {
 }
 
 // Fills the cuts with 1, k distinct ascending positions from 2..L, and L + 1. The positions are
-// drawn from 1..L-k, where they may meet, and spread by adding each one's rank.
+// drawn from 1..L-k, where some may be equal, and become distinct by adding its rank to each.
 void Crossover::DrawCuts(std::size_t length) {
   const auto points = static_cast<std::size_t>(MbrIntPoints);
   MbrDyaNdxCuts.assign(1, 1);

@@ -34,7 +34,7 @@ std::vector<std::span<GeneValue>> DeathCap::ExportCurrent() {
   return genes;
 }
 
-int DeathCap::Run(const RunSettings& settings, Evaluator& evaluator, Reporter& reporter) {
+GeneticStatus DeathCap::Run(const RunSettings& settings, Evaluator& evaluator, Reporter& reporter) {
   Assert(MbrPopCurrent.Size() != 0, "NdxPopSize != 0");
   Assert(settings.NdxElites <= MbrPopCurrent.Size(), "NdxElites <= NdxPopSize");
   MbrPopWorking = MbrPopCurrent;
@@ -43,8 +43,11 @@ int DeathCap::Run(const RunSettings& settings, Evaluator& evaluator, Reporter& r
     Evaluate(evaluator);
     const bool goes_on = reporter.Report(MbrPopWorking);
     const bool below_target = MbrPopWorking.Statistics().FltMaximum < settings.FltTarget;
-    if (!goes_on || !below_target || generation >= settings.IntGenerations) return SUCCESS;
-    if (const int status = NextGeneration(settings, crossover); status != SUCCESS) return status;
+    if (!goes_on || !below_target || generation >= settings.IntGenerations) {
+      return GeneticStatus::SUCCESS;
+    }
+    const GeneticStatus status = NextGeneration(settings, crossover);
+    if (status != GeneticStatus::SUCCESS) return status;
   }
 }
 
@@ -56,15 +59,16 @@ void DeathCap::Evaluate(Evaluator& evaluator) {
 }
 
 // The children are bred beside their parents and then change places with them.
-int DeathCap::NextGeneration(const RunSettings& settings, Crossover& crossover) {
-  if (settings.BolScale) MbrPopWorking.ScaleFitness(kLinearScaling);
+GeneticStatus DeathCap::NextGeneration(const RunSettings& settings, Crossover& crossover) {
+  if (settings.BolScale) MbrPopWorking.ScaleFitness(ScalingMethod::kLinear);
   const std::size_t children = MbrPopWorking.Size() - settings.NdxElites;
-  int status = MbrPopWorking.Breed(children, settings.IntSelection, crossover, MbrPopChildren);
-  if (status == SUCCESS) status = MbrPopChildren.Mutate(settings.FltMutation);
-  if (status != SUCCESS) return status;
+  GeneticStatus status =
+      MbrPopWorking.Breed(children, settings.MtdSelection, crossover, MbrPopChildren);
+  if (status == GeneticStatus::SUCCESS) status = MbrPopChildren.Mutate(settings.FltMutation);
+  if (status != GeneticStatus::SUCCESS) return status;
   if (settings.NdxElites > 0) MbrPopChildren.AddElites(&MbrPopWorking, settings.NdxElites);
   std::swap(MbrPopWorking, MbrPopChildren);
-  return SUCCESS;
+  return GeneticStatus::SUCCESS;
 }
 
 }  // namespace kiln

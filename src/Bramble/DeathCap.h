@@ -17,7 +17,7 @@ struct RunSettings {
   std::size_t NdxElites = 1;   // individuals taken over as they are, at most the population's size
   int IntCrossover = 1;        // points, see Crossover
   float FltMutation = 0.001F;  // probability of each gene of each child
-  int IntSelection = kRouletteSelection;
+  SelectionMethod MtdSelection = SelectionMethod::kRoulette;
   bool BolScale = true;  // linear scaling before selection
 };
 
@@ -26,7 +26,7 @@ struct RunSettings {
 //   DeathCap driver(genome);
 //   driver.Populate(99);
 //   driver.Seed(present_weights);
-//   if (driver.Run(settings, evaluator, reporter) == SUCCESS) driver.AdoptWorking();
+//   if (driver.Run(settings, evaluator, reporter) == GeneticStatus::SUCCESS) driver.AdoptWorking();
 //
 // A run works on a clone: the current population stays as it is until the caller adopts the result.
 class DeathCap {
@@ -48,7 +48,8 @@ class DeathCap {
   Population& Current() { return MbrPopCurrent; }
   const Population& Current() const { return MbrPopCurrent; }
 
-  // The current genes of every individual, as stored.
+  // The genes of every individual of the current population. What is written there changes the
+  // population.
   std::vector<std::span<GeneValue>> ExportCurrent();
 
   // --- Running -------------------------------------------------------------------------------
@@ -64,7 +65,7 @@ class DeathCap {
   // kUnknownSelection. Throws TAssertion when the population is empty, has fewer individuals than
   // elites, or nobody has a fitness to breed from. Whatever the evaluator or reporter throws ends
   // the run; then the working population is in no defined generation.
-  int Run(const RunSettings& settings, Evaluator& evaluator, Reporter& reporter);
+  GeneticStatus Run(const RunSettings& settings, Evaluator& evaluator, Reporter& reporter);
 
   // The result of the last run; before any, an empty population.
   const Population& Working() const { return MbrPopWorking; }
@@ -74,7 +75,7 @@ class DeathCap {
 
  private:
   void Evaluate(Evaluator& evaluator);
-  int NextGeneration(const RunSettings& settings, Crossover& crossover);
+  GeneticStatus NextGeneration(const RunSettings& settings, Crossover& crossover);
 
   std::shared_ptr<const MetaChrom> MbrPtrMchGenome;
   Population MbrPopCurrent;

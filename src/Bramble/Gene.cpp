@@ -4,12 +4,12 @@
 
 namespace kiln {
 
-int Gene::Mutate() {
-  if (MgnDefinition.Type() == GeneType::kUndefined) return kGeneUndefined;
-  if (!BolMutable) return kGeneImmutable;
+GeneticStatus Gene::Mutate() {
+  if (MgnDefinition.Type() == GeneType::kUndefined) return GeneticStatus::kGeneUndefined;
+  if (!BolMutable) return GeneticStatus::kGeneImmutable;
   GvlValue = MgnDefinition.Draw();
   BolChanged = true;
-  return SUCCESS;
+  return GeneticStatus::SUCCESS;
 }
 
 }  // namespace kiln

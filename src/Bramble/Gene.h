@@ -2,6 +2,7 @@
 
 #include "Bramble/GeneValue.h"
 #include "Bramble/MetaGene.h"
+#include "Bramble/Status.h"
 
 namespace kiln {
 
@@ -15,7 +16,7 @@ struct Gene {
 
   // Replaces the value by a random one of the gene's kind and notes the change. Returns SUCCESS;
   // kGeneUndefined or, after that, kGeneImmutable when the gene has no type or may not change.
-  int Mutate();
+  GeneticStatus Mutate();
 
   bool operator==(const Gene&) const = default;
 };

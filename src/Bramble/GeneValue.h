@@ -6,8 +6,8 @@
 namespace kiln {
 
 // The value, or a bound, of one gene: 32 bits that hold a whole number, a single-precision real or
-// a truth value. The cell doesn't know which; its MetaGene does. Without a value it reads as 0 in
-// every form.
+// a truth value. Which of them is said by the MetaGene alone. A value that was never set reads as 0
+// in every form.
 class GeneValue {
  public:
   constexpr GeneValue() = default;
@@ -20,7 +20,8 @@ class GeneValue {
   }
   static constexpr GeneValue OfBoolean(bool value) { return GeneValue(value ? 1U : 0U); }
 
-  // One of the two. Loops over arrays of values choose in registers by this, without a branch.
+  // `first` or `second`. A loop over arrays of values that chooses by this has no branch and runs
+  // in vector registers.
   static constexpr GeneValue Either(bool is_first, GeneValue first, GeneValue second) {
     return GeneValue(is_first ? first.MbrIntBits : second.MbrIntBits);
   }

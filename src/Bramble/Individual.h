@@ -23,16 +23,16 @@ class Individual {
   // 0 until an evaluation.
   float Fitness() const { return MbrFltFitness; }
 
-  // Keeps what can be compared and added up: not-a-number counts as 0, an infinity as the largest
-  // finite number of its sign.
+  // Stores a fitness that can be compared and added up: not-a-number becomes 0, an infinity the
+  // largest finite number of its sign.
   void SetFitness(float fitness);
 
   // A child of this individual and `mate` by that many crossover points; its identifier is 0.
   // Throws TAssertion when the two don't fit together.
   Individual Mate(const Individual& mate, int crossover_points) const;
 
-  // Becomes the child of two others; the storage is reused. A coin decides which of them is the
-  // first source of the crossover: `two` with odds 501 to 500.
+  // Becomes the child of two others, in the storage that it has. A coin decides which parent is the
+  // first source of the crossover: `two` with odds of 501 to 500.
   // REQUIRES: neither parent is this individual. Throws TAssertion as Mate does.
   void BecomeChild(std::uint32_t identifier, const Individual& one, const Individual& two,
                    Crossover& crossover);

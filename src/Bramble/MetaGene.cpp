@@ -3,7 +3,6 @@
 #include <cmath>
 
 #include "Bramble/Chance.h"
-#include "Bramble/Status.h"
 #include "Shared/Random.h"
 #include "Shared/TAssertion.h"
 
@@ -20,18 +19,17 @@ std::int32_t DrawInteger(std::int64_t lower, std::int64_t upper) {
 }  // namespace
 
 MetaGene MetaGene::Integer(std::int32_t lower, std::int32_t upper) {
-  Assert(lower <= upper, "IntLower <= IntUpper", kBrambleModule);
+  Assert(lower <= upper, "IntLower <= IntUpper");
   return {GeneType::kInteger, GeneValue::OfInteger(upper), GeneValue::OfInteger(lower)};
 }
 
 MetaGene MetaGene::Real(float lower, float upper) {
-  Assert(std::isfinite(lower) && std::isfinite(upper) && lower <= upper, "FltLower <= FltUpper",
-         kBrambleModule);
+  Assert(std::isfinite(lower) && std::isfinite(upper) && lower <= upper, "FltLower <= FltUpper");
   return {GeneType::kReal, GeneValue::OfReal(upper), GeneValue::OfReal(lower)};
 }
 
 MetaGene MetaGene::Boolean(float probability) {
-  Assert(probability >= 0.0F && probability <= 1.0F, "0 <= FltProbability <= 1", kBrambleModule);
+  Assert(probability >= 0.0F && probability <= 1.0F, "0 <= FltProbability <= 1");
   return {GeneType::kBoolean, GeneValue::OfReal(probability), {}};
 }
 

@@ -47,8 +47,8 @@ Individual& Population::Extend() {
 
 void Population::Add(const Individual& individual) {
   const std::shared_ptr<const MetaChrom>& genome = individual.Genes().Genome();
-  Assert(genome == MbrPtrMchGenome || *genome == *MbrPtrMchGenome, "MchIndividual == MchPopulation",
-         kBrambleModule);
+  Assert(genome == MbrPtrMchGenome || *genome == *MbrPtrMchGenome,
+         "MchIndividual == MchPopulation");
   Extend() = individual;
 }
 
@@ -83,7 +83,7 @@ void Population::Export(std::vector<std::span<GeneValue>>& genes) {
 }
 
 void Population::SetFitness(std::span<const float> fitness) {
-  Assert(fitness.size() == MbrNdxPopSize, "NdxFitnessSize == NdxPopSize", kBrambleModule);
+  Assert(fitness.size() == MbrNdxPopSize, "NdxFitnessSize == NdxPopSize");
   for (std::size_t index = 0; index < fitness.size(); ++index) {
     MbrDyaIdvIndividuals[index].SetFitness(fitness[index]);
   }
@@ -113,8 +113,8 @@ BestIndividual Population::Best() const {
   return {best + 1, MbrDyaIdvIndividuals[best].Fitness()};
 }
 
-int Population::ScaleFitness(int method) {
-  if (method != kLinearScaling) return kUnknownScaling;
+GeneticStatus Population::ScaleFitness(ScalingMethod method) {
+  if (method != ScalingMethod::kLinear) return GeneticStatus::kUnknownScaling;
   // In double precision: the difference of two single numbers may be no single number.
   const double minimum = MbrStsFitness.FltMinimum;
   const double range = MbrStsFitness.FltMaximum - minimum;
@@ -123,11 +123,11 @@ int Population::ScaleFitness(int method) {
         range == 0.0 ? 0.5F : static_cast<float>((individual.Fitness() - minimum) / range));
   }
   ComputeStatistics();
-  return SUCCESS;
+  return GeneticStatus::SUCCESS;
 }
 
-// How often an individual stands on the wheel. With fitnesses below 0 beside it its share can be
-// more than the whole, so it is cut to the room that is left.
+// The number of places that an individual takes on the wheel. Fitnesses below 0 lower the total, so
+// that the share of others can exceed the whole wheel: it is cut to the room that is left.
 std::size_t Population::PlacesOf(const Individual& individual, std::size_t room) const {
   if (!(individual.Fitness() > 0.0F)) return 0;
   const auto size = static_cast<double>(MbrNdxPopSize);
@@ -170,13 +170,13 @@ const Individual& Population::SelectTournament() {
   return one.Fitness() > two.Fitness() ? one : two;
 }
 
-int Population::Breed(std::size_t count, int selection, Crossover& crossover,
-                      Population& children) {
-  if (selection != kRouletteSelection && selection != kTournamentSelection) {
-    return kUnknownSelection;
+GeneticStatus Population::Breed(std::size_t count, SelectionMethod selection, Crossover& crossover,
+                                Population& children) {
+  if (selection != SelectionMethod::kRoulette && selection != SelectionMethod::kTournament) {
+    return GeneticStatus::kUnknownSelection;
   }
   const auto select = [this, selection]() -> const Individual& {
-    return selection == kRouletteSelection ? SelectRoulette() : SelectTournament();
+    return selection == SelectionMethod::kRoulette ? SelectRoulette() : SelectTournament();
   };
   children.Restart(MbrNdxGeneration + 1, MbrPtrMchGenome);
   const std::uint32_t base = MbrNdxGeneration * static_cast<std::uint32_t>(MbrNdxPopSize);
@@ -185,28 +185,28 @@ int Population::Breed(std::size_t count, int selection, Crossover& crossover,
     const Individual& two = select();
     children.Extend().BecomeChild(base + child, one, two, crossover);
   }
-  return SUCCESS;
+  return GeneticStatus::SUCCESS;
 }
 
-int Population::Mutate(float probability) {
+GeneticStatus Population::Mutate(float probability) {
   for (Individual& individual : Individuals()) {
-    const int status = individual.Genes().Mutate(probability);
-    if (status != SUCCESS) return status;
+    const GeneticStatus status = individual.Genes().Mutate(probability);
+    if (status != GeneticStatus::SUCCESS) return status;
   }
-  return SUCCESS;
+  return GeneticStatus::SUCCESS;
 }
 
-int Population::AddElites(Population* source, std::size_t count) {
-  if (source == nullptr) return kNoElites;
+GeneticStatus Population::AddElites(Population* source, std::size_t count) {
+  if (source == nullptr) return GeneticStatus::kNoElites;
   const std::size_t size = source->Size();
-  Assert(count <= size, "NdxElites <= NdxPopSize", kBrambleModule);
+  Assert(count <= size, "NdxElites <= NdxPopSize");
   if (count == 1) {
     Add(source->At(source->Best().NdxPosition));
   } else {
     source->SortByFitness();
     AddRange(*source, size + 1 - count, size);
   }
-  return SUCCESS;
+  return GeneticStatus::SUCCESS;
 }
 
 }  // namespace kiln

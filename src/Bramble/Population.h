@@ -9,6 +9,7 @@
 #include "Bramble/Crossover.h"
 #include "Bramble/Individual.h"
 #include "Bramble/MetaChrom.h"
+#include "Bramble/Status.h"
 
 namespace kiln {
 
@@ -97,9 +98,9 @@ class Population {
   // The individual of the highest rank. Throws TAssertion in an empty population.
   BestIndividual Best() const;
 
-  // Scales every fitness by the recorded statistics. kLinearScaling: (f - min) / (max - min), or
-  // 0.5 for all when there is no difference. Any other method is kUnknownScaling.
-  int ScaleFitness(int method);
+  // Scales every fitness by the recorded statistics. ScalingMethod::kLinear: (f - min) / (max -
+  // min), or 0.5 for all when there is no difference. Any other method is kUnknownScaling.
+  GeneticStatus ScaleFitness(ScalingMethod method);
 
   // --- The next generation -------------------------------------------------------------------
 
@@ -109,7 +110,8 @@ class Population {
   // The positions on the wheel, empty while it isn't built.
   std::span<const std::uint32_t> Wheel() const;
 
-  // A random place of the wheel; and of two such the fitter, the second when they are equal.
+  // The individual at a random place of the wheel; the fitter of those at two random places, the
+  // second when both are equally fit. Both build the wheel when it isn't built.
   const Individual& SelectRoulette();
   const Individual& SelectTournament();
 
@@ -117,15 +119,16 @@ class Population {
   // population, with identifiers generation * Size() + i (modulo 2^32). Returns SUCCESS or
   // kUnknownSelection. Throws TAssertion as BuildWheel does, unless count is 0.
   // REQUIRES: `children` is not this population.
-  int Breed(std::size_t count, int selection, Crossover& crossover, Population& children);
+  GeneticStatus Breed(std::size_t count, SelectionMethod selection, Crossover& crossover,
+                      Population& children);
 
   // Mutates the individuals in order, up to the first that refuses; its status, else SUCCESS.
-  int Mutate(float probability);
+  GeneticStatus Mutate(float probability);
 
   // Adds clones of the `count` fittest of a population: a single one as Best() finds it; more by
   // sorting `source`, in ascending order. Returns kNoElites when there is no source, else SUCCESS.
   // Throws TAssertion when it has fewer individuals.
-  int AddElites(Population* source, std::size_t count);
+  GeneticStatus AddElites(Population* source, std::size_t count);
 
  private:
   static constexpr std::size_t kPlacesEach = 10;  // of the wheel, for an average individual

@@ -1,21 +1,24 @@
 #pragma once
 
-// What the operations of the genetic library return, and the codes by which their methods are
-// chosen.
 namespace kiln {
 
-inline constexpr int SUCCESS = 0;
-inline constexpr int kGeneUndefined = -12;     // mutation of a gene without a type
-inline constexpr int kGeneImmutable = -15;     // mutation of a gene that may not change
-inline constexpr int kNoElites = -52;          // elites from a population that is missing
-inline constexpr int kUnknownScaling = -53;    // not a scaling method
-inline constexpr int kUnknownSelection = -54;  // not a selection method
+// What an operation of the genetic library returns that can be refused.
+enum class GeneticStatus : int {
+  SUCCESS = 0,
+  kGeneUndefined = -12,     // mutation of a gene without a type
+  kGeneImmutable = -15,     // mutation of a gene that may not change
+  kNoElites = -52,          // elites from a population that is missing
+  kUnknownScaling = -53,    // not a scaling method
+  kUnknownSelection = -54,  // not a selection method
+};
 
-inline constexpr int kRouletteSelection = 21;
-inline constexpr int kTournamentSelection = 22;
+// How parents are chosen: a place of the roulette wheel, or the fitter of two such.
+enum class SelectionMethod : int { kRoulette = 21, kTournament = 22 };
 
-inline constexpr int kLinearScaling = 31;
+// How fitness is scaled before parents are chosen: linearly to [0, 1].
+enum class ScalingMethod : int { kLinear = 31 };
 
-inline constexpr char kBrambleModule[] = "Bramble/Bramble10";  // as assertions name the library
+// Users know some checks of the library by this name, whatever file they stand in.
+inline constexpr char kBrambleModule[] = "Bramble/Bramble10";
 
 }  // namespace kiln

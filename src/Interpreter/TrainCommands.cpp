@@ -202,8 +202,8 @@ RunSettings ReadSettings(const TCommandLine& line) {
   settings.IntCrossover = ToInt32(Optional(line.Long("crossover"), std::int64_t{1}));
   settings.FltMutation = ToSingle(Optional(line.Double("mutation"), 0.001));
   const std::string_view selection = Optional(line.Word("selection"), std::string_view());
-  settings.IntSelection =
-      EqualNoCase(selection, "Tournament") ? kTournamentSelection : kRouletteSelection;
+  settings.MtdSelection = EqualNoCase(selection, "Tournament") ? SelectionMethod::kTournament
+                                                               : SelectionMethod::kRoulette;
   settings.BolScale = Optional(line.Boolean("normalisation"), true);
   settings.IntGenerations =
       AtLeast(0, Required(line.Long("generations"), "tag generations not found"), "generations");

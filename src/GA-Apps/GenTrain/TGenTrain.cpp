@@ -81,8 +81,8 @@ double TGenTrain::Train(RunSettings settings, double target_error,
 double TGenTrain::Evolve(const RunSettings& settings, const TGenerationObserver& observer,
                          TValidation* validation) {
   TGenTrainReport reporter(*MbrPtrEvlEvaluator, observer, MbrHistory, validation);
-  const int status = MbrDtcTrainer->Run(settings, *MbrPtrEvlEvaluator, reporter);
-  Assert(status == SUCCESS, "IntReturn == SUCCESS");
+  const GeneticStatus status = MbrDtcTrainer->Run(settings, *MbrPtrEvlEvaluator, reporter);
+  Assert(status == GeneticStatus::SUCCESS, "IntReturn == SUCCESS");
   if (!(MbrDtcTrainer->Working().Best().FltFitness > 0.0F)) {
     throw TException("no individual has an error that is a number", "Invalid Parameter",
                      "TGenTrain::Train");

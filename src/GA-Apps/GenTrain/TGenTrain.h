@@ -26,7 +26,7 @@ class TGenTrain {
 
   const TBasicNetwork& Network() const { return *MbrPtrNetNetwork; }
 
-  // Makes a population of random individuals around one that is the network as it is, the last.
+  // Makes the population: random individuals and, last, one with the network's present weights.
   void Initialise();
 
   // Breeds from the population for as many generations, until one has an individual whose error is
@@ -51,7 +51,7 @@ class TGenTrain {
   // The lowest error of every generation of all calls that have not failed.
   const TTrainHistory& History() const { return MbrHistory; }
 
-  // The population; none before Initialise.
+  // The engine with its population; null before Initialise.
   const DeathCap* Driver() const { return MbrDtcTrainer ? &*MbrDtcTrainer : nullptr; }
 
   // The genes of the best individual, valid until the population changes. TAssertion before

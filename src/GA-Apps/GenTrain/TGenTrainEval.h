@@ -28,9 +28,10 @@ struct TGenTrainRecord {
 
 // What the weights of a network are bred for: a small error of its recall.
 //
-// A chromosome has one real gene for every weight of the network, in the one order of weights,
-// absent and frozen ones included. The genes of these are never read, so that their weights stay
-// what they are. Derived evaluators know what their genes mean.
+// A chromosome has one real gene for every weight of the network, in the one order of weights.
+// Absent and frozen weights have genes too, but these are never read, so that training leaves such
+// weights as they are. Derived evaluators know from what a gene is drawn and how a chromosome is
+// repaired.
 class TGenTrainEval : public Evaluator {
  public:
   static constexpr float kFitnessWithoutError = 2147483648.0F;

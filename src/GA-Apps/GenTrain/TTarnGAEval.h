@@ -18,12 +18,12 @@ class TTarnGAEval : public TGenTrainEval {
   // REQUIRES: as for TGenTrainEval, and network.IsComplete().
   TTarnGAEval(TTarn& network, const TWeightBounds& bounds);
 
-  // Puts the centres of each variable in order, as far as an ordering goes that passes over more
-  // places from pass to pass: into the places 0, 1, 3, 6, 10, .. of a group of n centres, n - 1 in
-  // all, the smallest of those from there to the end of the group is swapped. So groups of two and
-  // three centres ascend, larger ones only in part. Where the last place lies beyond the end of a
-  // group, the next one begins there in place of behind it; centres that it then lacks are not made
-  // up for by other weights. Frozen centres stay where they are. Always true.
+  // Orders the centres of each variable, in part. A group of n centres gets n - 1 passes, which
+  // visit its places 0, 1, 3, 6, 10 and so on; each swaps the smallest centre from its place to the
+  // end of the group into that place. So groups of two and three centres ascend, larger ones only
+  // in part. Passes of five centres and more go beyond the end of their group, where they swap
+  // nothing, and the next group is taken to begin where the last pass was. Neither weights of rules
+  // nor frozen centres are ever moved. Always returns true.
   bool Repair(std::span<GeneValue> genes) override;
 
  protected:
