@@ -10,9 +10,9 @@ namespace kiln {
 
 // On a line that is about to be carried out: a word that may be misspelt, or something odd that the
 // command will pass over.
-std::string HintOn(const TInterpreter& interpreter, std::string_view line);
+std::string HintOn(const TInterpreter& interpreter, std::string_view text);
 
 // On a line that has succeeded: how many rules it has made.
-std::string HintBehind(const TInterpreter& interpreter, std::string_view line);
+std::string HintBehind(const TInterpreter& interpreter, std::string_view text);
 
 }  // namespace kiln

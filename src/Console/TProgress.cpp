@@ -1,12 +1,12 @@
 #include "Console/TProgress.h"
 
 #include <pthread.h>
-#include <signal.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
+#include <csignal>
 
 #include "Interpreter/TCommandLine.h"
 #include "Shared/NumberFormat.h"
