@@ -26,7 +26,11 @@ bool LessNoCase(std::string_view left, std::string_view right);
 template <typename TTable, typename TNameOf = std::identity>
 auto* FindNoCase(const TTable& table, std::string_view name, TNameOf name_of = {}) {
   const auto found = std::ranges::find_if(
-      table, [name](std::string_view known) { return EqualNoCase(known, name); }, name_of);
+      table,
+      [name](std::string_view known) {
+        return known.size() == name.size() && EqualNoCase(known, name);
+      },
+      name_of);
   return found == std::ranges::end(table) ? nullptr : &*found;
 }
 
