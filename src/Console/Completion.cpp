@@ -46,7 +46,9 @@ class TChoices {
   }
 
   void AddAll(std::string_view words) {
-    for (const std::string_view word : Split(std::string(words).append(" ")).words) Add(word);
+    const TTyped all = Split(words);
+    for (const std::string_view word : all.words) Add(word);
+    if (!all.last.empty()) Add(all.last);
   }
 
   TCompletion Take() {
