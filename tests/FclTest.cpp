@@ -85,19 +85,5 @@ TEST(FclTest, AnIndependentReaderAnswersTheSame) {
 }
 #endif
 
-TEST(FclTest, WhatHasNoPlaceIsCountedOrRefused) {
-  const std::string path = testing::TempDir() + "counted.fcl";
-  const auto save = [&](const std::string& text) {
-    FileTools::Reader reader(text, "f");
-    return FclFile::Save(path, "f", TRuleFile::LoadRules(reader));
-  };
-  const FclFile::TLeftOut left_out = save(kRules);
-  EXPECT_EQ(left_out.degrees, 1);
-  EXPECT_EQ(left_out.consequences, 1);
-  std::filesystem::remove(path);
-  EXPECT_EQ(Failure([&] { save(kHandmade); }), "Atom without a term Bad Rule Set FclFile::Save");
-  EXPECT_FALSE(std::filesystem::exists(path));
-}
-
 }  // namespace
 }  // namespace kiln
