@@ -7,6 +7,7 @@ have() {
     libgtest-dev) have_header gtest/gtest.h ;;
     libedit-dev) have_header histedit.h ;;
     libfuzzylite-dev) have_header fl/Headers.h ;;
+    libclang-rt-14-dev) ls "$(clang++ -print-resource-dir)"/lib/linux/libclang_rt.fuzzer-*.a ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
 }

@@ -1,0 +1,132 @@
+#!/usr/bin/env python3
+"""Lets one call of the system after the other fail under a session that loads, trains and saves
+objects of each kind, and ends sessions while they save.
+
+    try_faults.py KILN LIBRARY DATA SCRATCH
+
+Whatever fails, every file is as it was before or whole, nothing else is left in the folder, an error
+tells of what was not done, and the session answers to its last line."""
+
+import errno
+import os
+import pathlib
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import time
+
+kiln, library, data, scratch = (pathlib.Path(path).resolve() for path in sys.argv[1:])
+session = f"""\
+load Data alias d filename ({data}/xor.dat)
+load TarnLabels alias words filename ({data}/sailing.labels)
+load FuzzyRules alias r filename ({data}/sailing.rules)
+load Tarn alias fuzzy filename ({data}/tarn.net)
+load Kohonen alias som filename ({data}/map.net)
+create MLP alias net layers 3 outputs 1 inputs 2 hidden {{2}} bias on seed 1
+create BPTrainer alias teacher network net
+train alias teacher data d epochs 3 LearningRate 0.5
+gettrained source teacher destination taught
+save Data alias d filename (d.dat)
+save CSV alias d filename (d.csv)
+save TarnLabels alias words filename (words.labels)
+save FuzzyRules alias r filename (r.rules)
+save Tarn alias fuzzy filename (fuzzy.net)
+save Kohonen alias som filename (map.net)
+save MLP alias taught filename (net.net)
+save C alias taught filename (net.c)
+""".splitlines()
+names = [line.split("(")[1].rstrip(")") for line in session if line.startswith("save")]
+old = b"what stood here before\n"
+last = "query structureof nobody"
+reasons = {
+    "open": [errno.EIO, errno.ENOSPC], "write": [0, errno.EINTR, errno.ENOSPC],
+    "fsync": [errno.EIO], "close": [errno.EIO], "fchmod": [errno.EPERM], "rename": [errno.EIO],
+    "malloc": [errno.ENOMEM]}
+
+
+def fresh(folder):
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    for name in names:
+        (folder / name).write_bytes(old)
+    return folder
+
+
+def run(lines, fault=""):
+    """What a session says; its files stand in SCRATCH/work, and SCRATCH/told if a call has failed."""
+    (scratch / "told").unlink(missing_ok=True)
+    environment = {"LD_PRELOAD": library, "KILN_FAULT": fault, "KILN_FAULT_TOLD": scratch / "told"}
+    return subprocess.run([kiln], input="\n".join(lines) + "\n", cwd=fresh(scratch / "work"),
+                          env=environment, text=True, capture_output=True, timeout=60)
+
+
+def texts():
+    return {path.name: path.read_bytes() for path in (scratch / "work").iterdir()}
+
+
+def faults():
+    """Every session in which one call fails, until one has no call left that could."""
+    for call, numbers in reasons.items():
+        for reason in numbers:
+            count = 1
+            while True:
+                fault = f"{call} {count} {reason}"
+                ended = run([*session, last, last], fault)  # the first may be what fails
+                if not (scratch / "told").exists():
+                    break
+                yield fault, ended
+                count += 1
+            print(f"{call}: {count - 1} calls failed by {errno.errorcode.get(reason, 'half')}", flush=True)
+
+
+def complaint(ended, whole, sound):
+    """What is wrong about a session in which a call has failed; None if all is well."""
+    if ended.returncode != 0 or sound not in ended.stdout:
+        return f"ended by {ended.returncode}: {ended.stderr}"
+    found = texts()
+    if found.keys() != set(names):
+        return f"files {sorted(found.keys() ^ set(names))}"
+    torn = [name for name in names if found[name] not in whole[name]]
+    if torn:
+        return f"torn: {torn}"
+    if ended.stdout.count("Error") < 2 and any(text == old for text in found.values()):
+        return "no error tells what was not saved"
+    return None
+
+
+def try_faults():
+    """One command that did nothing is no fault: a network that was not trained is saved untrained."""
+    whole = {name: {old} for name in names}
+    for left_out in range(len(session) + 1):
+        sound = run([*session[:left_out], *session[left_out + 1:], last]).stdout
+        for name, text in texts().items():
+            whole[name].add(text)
+    if any(len(kinds) < 2 for kinds in whole.values()) or sound.count("Error") != 1:
+        sys.exit("the session does not work without a fault:\n" + sound)
+    answer = sound.splitlines()[-2]
+    return [f"{fault}: {wrong}" for fault, ended in faults()
+            if (wrong := complaint(ended, whole, answer))]
+
+
+def try_kill(number, ways=(signal.SIGKILL, signal.SIGTERM)):
+    """Ends a session that saves two sets in turn to one file."""
+    folder, way = fresh(scratch / "work"), random.choice(ways)
+    lines = ["create Data alias a inputs 50 outputs 1 rows 2000", "create Data alias b inputs 1 outputs 1 rows 1",
+             *["save Data alias a filename (d.dat)", "save Data alias b filename (d.dat)"] * 2000]
+    with subprocess.Popen([kiln], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, cwd=folder, text=True) as killed:
+        killed.stdin.write("\n".join(lines[:1000]) + "\n")
+        killed.stdin.flush()
+        time.sleep(random.uniform(0.02, 0.3))
+        killed.send_signal(way)
+    text = (folder / "d.dat").read_bytes()
+    if text != old and not text.rstrip().endswith(b"[~DataSet]"):
+        return f"kill {number}: a torn file of {len(text)} bytes"
+    left = [path.name for path in folder.glob(".kiln*")]
+    return f"kill {number}: left {left}" if left and way == signal.SIGTERM else None
+
+
+wrongs = try_faults() + list(filter(None, map(try_kill, range(60))))
+print(*wrongs, f"{len(wrongs)} faults did harm", sep="\n")
+sys.exit(bool(wrongs))
