@@ -1,26 +1,15 @@
-# awk -f mackey-glass.awk: writes learn.dat and unseen.dat, 500 rows each.
+# awk -f mackey-glass.awk: writes series.csv, 1024 values of one column.
 #
 # The Mackey-Glass series is what the equation
 #   dx/dt = 0.2 x(t - 17) / (1 + x(t - 17)^10) - 0.1 x(t)
-# gives from x(0) = 1.2, with x = 0 before, by Runge-Kutta steps of fourth order of 0.1 each. A row
-# has x(t - 18), x(t - 12), x(t - 6) and x(t) as inputs and x(t + 6) as output, t = 118 to 1117. All
-# values are scaled to 0.1 to 0.9.
+# gives from x(0) = 1.2, with x = 0 before, by Runge-Kutta steps of fourth order of 0.1 each: x(t)
+# for t = 100 to 1123, scaled to 0.1 to 0.9.
 
 function slope(x, delayed) { return 0.2 * delayed / (1 + delayed ^ 10) - 0.1 * x }
 
 function delayed(k) { return k < delay ? 0 : x[k - delay] }
 
 function scaled(t) { return 0.1 + 0.8 * (x[10 * t] - low) / (high - low) }
-
-function write_rows(file, first, last,   t) {
-  printf "[FormatVersion = 1.0]\n\n[DataSet]\n[Rows = %d]\n[Inputs = 4]\n", last - first + 1 > file
-  printf "[ExpectedOutputs = 1]\n[GeneratedOutputs = 0]\n[Error = 0]\n\n[Data]\n" > file
-  for (t = first; t <= last; t++)
-    printf "%.15g %.15g %.15g %.15g  %.15g\n",
-      scaled(t - 18), scaled(t - 12), scaled(t - 6), scaled(t), scaled(t + 6) > file
-  printf "[~Data]\n\n[~DataSet]\n" > file
-  close(file)
-}
 
 BEGIN {
   step = 0.1
@@ -39,6 +28,6 @@ BEGIN {
     if (x[10 * t] < low) low = x[10 * t]
     if (x[10 * t] > high) high = x[10 * t]
   }
-  write_rows("learn.dat", 118, 617)
-  write_rows("unseen.dat", 618, 1117)
+  print "x" > "series.csv"
+  for (t = 100; t <= 1123; t++) printf "%.15g\n", scaled(t) > "series.csv"
 }

@@ -7,7 +7,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 mkdir -p "$2"
 cd "$2"
 cp "$here/series.kiln" .
-rm -f ./*.dat series.log
+rm -f ./*.csv series.log
 awk -f "$here/mackey-glass.awk"
 
 echo 'run filename (series.kiln)' | "$kiln" >session.txt
@@ -19,11 +19,11 @@ fi
 printf 'What Kiln was told, and what it answered:\n\n'
 sed 's/^/  /' series.log
 
-# Prints the rows of a data file, one a line.
-rows() { sed -n '/^\[Data\]/,/^\[~Data\]/p' "$1" | grep -v '^\[' | grep .; }
+# Prints the rows of a table, one a line.
+rows() { tail -n +2 "$1" | tr ',' ' '; }
 
 # Column 5 is what came, 10 and 15 are what the two networks had forecast.
-paste <(rows unseen.dat) <(rows forecast.dat) <(rows fuzzyforecast.dat) | awk '
+paste <(rows unseen.csv) <(rows forecast.csv) <(rows fuzzyforecast.csv) | awk '
   {
     sum += $5; squares += $5 * $5
     for (k = 1; k <= 2; k++) errors[k] += ($5 - $(5 + 5 * k)) ^ 2
