@@ -137,7 +137,7 @@ TEST(KernelsTest, EveryLevelDoesWhatItsFormulasSay) {
       kernels->sigmoid(a.data(), y.data(), n);
       for (std::size_t i = 0; i < n; ++i) {
         const double expected = a[i] < -500.0 ? 1e-300 : 1.0 / (1.0 + std::exp(-a[i]));
-        EXPECT_NEAR(expected, y[i], 5e-16 * expected) << a[i];
+        EXPECT_NEAR(y[i], expected, 5e-16 * expected) << a[i];
         a[i] /= i % 3 == 0 ? 1e5 : 30.0;
       }
       kernels->tanh(a.data(), y.data(), n);

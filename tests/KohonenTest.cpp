@@ -121,9 +121,9 @@ TSizes Reached(const TMapGrid& grid, std::size_t winner, const TValues& radii) {
 
 TEST(KohonenTest, NeighbourhoodsEndWithTheGrid) {
   const TMapGrid grid({5, 5});
-  EXPECT_EQ((TSizes{0, 1, 2, 5, 6, 7, 10, 11, 12}), Reached(grid, 0, {2, 2}));
-  EXPECT_EQ((TSizes{12}), Reached(grid, 12, {0.9, -0.9}));
-  EXPECT_EQ(25u, Reached(grid, 12, {kInfinity, 1e10}).size());
+  EXPECT_EQ(Reached(grid, 0, {2, 2}), (TSizes{0, 1, 2, 5, 6, 7, 10, 11, 12}));
+  EXPECT_EQ(Reached(grid, 12, {0.9, -0.9}), (TSizes{12}));
+  EXPECT_EQ(Reached(grid, 12, {kInfinity, 1e10}).size(), 25u);
   for (const double none : {-1.0, -1e300, -kInfinity, kNaN}) {
     EXPECT_TRUE(Reached(grid, 12, {5, none}).empty()) << none;
   }
@@ -207,16 +207,16 @@ TEST(KohonenTest, TheObserverSeesTheErrorAndEndsTraining) {
                               EXPECT_DOUBLE_EQ(std::sqrt(epoch == 0 ? 5.0 : 1.25), error);
                               return epoch < 1;
                             });
-  EXPECT_EQ(2, calls);
-  EXPECT_EQ((std::vector<TValues>{{0.75}, {7.75}}), PrototypesOf(*map));
+  EXPECT_EQ(calls, 2);
+  EXPECT_EQ(PrototypesOf(*map), (std::vector<TValues>{{0.75}, {7.75}}));
 }
 
 TEST(KohonenTest, SizesAreBoundedBeforeMemoryIsTaken) {
   const auto failure = [](int inputs, const TSizes& sizes) {
     return Failure([&] { TKohonenNetwork(inputs, sizes); });
   };
-  EXPECT_EQ("a map of more than 16777216 units Bad Parameter TKohonenNetwork::TKohonenNetwork",
-            failure(1, {65536, 65536, 65536, 65536}));
+  EXPECT_EQ(failure(1, {65536, 65536, 65536, 65536}),
+            "a map of more than 16777216 units Bad Parameter TKohonenNetwork::TKohonenNetwork");
   EXPECT_TRUE(failure(1, {3, 0}).starts_with("a map dimension of 0 units"));
   EXPECT_TRUE(failure(0, {2}).starts_with("a map of 2 units can have 1 to 536870912 inputs"));
   EXPECT_TRUE(failure(257, {2048, 2048}).starts_with("a map of 4194304 units can have 1 to 256"));
@@ -224,9 +224,9 @@ TEST(KohonenTest, SizesAreBoundedBeforeMemoryIsTaken) {
 
   const auto map = MakeMap(2, {2, 6});
   map->SetDimensions({3, 2, 2});
-  EXPECT_EQ(3u, map->Grid().NumDimensions());
-  EXPECT_EQ("the map has 12 units, not 10 Bad Parameter TKohonenNetwork::SetDimensions",
-            Failure([&] { map->SetDimensions({10}); }));
+  EXPECT_EQ(map->Grid().NumDimensions(), 3u);
+  EXPECT_EQ(Failure([&] { map->SetDimensions({10}); }),
+            "the map has 12 units, not 10 Bad Parameter TKohonenNetwork::SetDimensions");
 }
 
 }  // namespace

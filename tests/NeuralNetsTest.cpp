@@ -68,7 +68,7 @@ TEST(ActFunctionsTest, NeuronsAndWholeLayersComputeTheFunctionOfTheName) {
     mixed.Activate();
     EXPECT_NEAR(c.y, whole.Outputs()[2], 1e-14 * std::abs(c.y)) << c.name << c.x;
     EXPECT_NEAR(c.y, mixed.Outputs()[1], 1e-14 * std::abs(c.y)) << c.name << c.x;
-    EXPECT_EQ(1.0, mixed.Outputs()[2]);
+    EXPECT_EQ(mixed.Outputs()[2], 1.0);
   }
 }
 
@@ -79,17 +79,17 @@ TEST(ActFunctionsTest, PlaceholdersAndUnknownEntriesAreAssertions) {
   TBasicNeuron& neuron = layer.Neuron(0);
   EXPECT_EQ(line(37), Failure([&] { layer.Activate(); }));
   EXPECT_EQ(line(151), Failure([&] { ActCog(neuron, 0.25); }));
-  EXPECT_EQ(0.25, layer.Outputs()[0]);
+  EXPECT_EQ(layer.Outputs()[0], 0.25);
 
   TFnRegistry registry;
   registry.Register(ActTanh, "mine");
   EXPECT_TRUE(registry.Contains("MINE") && !registry.Contains("tanh"));
   EXPECT_EQ(line(223), Failure([&] { registry.Lookup("tanh"); }));
   EXPECT_EQ(line(239), Failure([&] { registry.Lookup(ActLinear); }));
-  EXPECT_EQ(AssertionText("strcasecmp(p,pp->name)!=0", kModule, 252),
-            Failure([&] { registry.Register(ActLinear, "Mine"); }));
+  EXPECT_EQ(Failure([&] { registry.Register(ActLinear, "Mine"); }),
+            AssertionText("strcasecmp(p,pp->name)!=0", kModule, 252));
   registry.Register(ActTanh, "alias");
-  EXPECT_EQ("alias", registry.Lookup(ActTanh));
+  EXPECT_EQ(registry.Lookup(ActTanh), "alias");
 }
 
 // --- Error measures --------------------------------------------------------------------------
@@ -97,7 +97,7 @@ TEST(ActFunctionsTest, PlaceholdersAndUnknownEntriesAreAssertions) {
 TEST(TErrorObjTest, CrossEntropyByHand) {
   TErrorCrossEntropyObj entropy(2);
   entropy.Accumulate(TValues{1, 0}, TValues{1, 1});
-  EXPECT_EQ(1000000.0, entropy.Value());
+  EXPECT_EQ(entropy.Value(), 1000000.0);
   entropy.Reset();
   entropy.Accumulate(TValues{0.25, 1}, TValues{0.5, 0.125});
   EXPECT_DOUBLE_EQ(std::log(2.0) + std::log(8.0), entropy.Value());
@@ -118,8 +118,8 @@ TEST(TErrorObjTest, PenaltiesByHand) {
     EXPECT_DOUBLE_EQ(c.penalty, TErrorObj::Penalty(weights, &description, 3.0)) << c.description;
   }
   const TKQstructure unknown("decay");
-  EXPECT_EQ(AssertionText("false", "NeuralNets/TErrorObj", 94),
-            Failure([&] { TErrorObj::Penalty(weights, &unknown, 1.0); }));
+  EXPECT_EQ(Failure([&] { TErrorObj::Penalty(weights, &unknown, 1.0); }),
+            AssertionText("false", "NeuralNets/TErrorObj", 94));
 }
 
 // --- Structure -------------------------------------------------------------------------------
@@ -137,7 +137,7 @@ TMLPNetwork MakeNumbered() {
 
 TEST(TBasicNetworkTest, WalksWeightsFromLayerByFromLayerAndRowByRow) {
   TMLPNetwork network = MakeNumbered();
-  ASSERT_EQ(16u, network.GetNumWeights(FMaskExists));
+  ASSERT_EQ(network.GetNumWeights(FMaskExists), 16u);
   const struct {
     std::size_t to_layer, from_layer, to, from;
     double weight;
@@ -161,16 +161,16 @@ TEST(TBasicNetworkTest, PrunedAndFrozenConnections) {
                block.IsTrainable(0, 0));
   EXPECT_TRUE(block.IsTrainable(0, 1) && block.Exists(0, 0));
   block.SetWeight(1, 0, 77);
-  EXPECT_EQ(0.0, block.GetWeight(1, 0));
+  EXPECT_EQ(block.GetWeight(1, 0), 0.0);
   TIterateObjCount count;
   network.Read(count);
-  EXPECT_EQ(11u, count.Existing());
-  EXPECT_EQ(10u, count.Trainable());
+  EXPECT_EQ(count.Existing(), 11u);
+  EXPECT_EQ(count.Trainable(), 10u);
 
   // An absent connection stands in the vector of all weights, not in that of the existing ones.
-  EXPECT_EQ(16u, network.GetNumWeights(FMaskAll));
+  EXPECT_EQ(network.GetNumWeights(FMaskAll), 16u);
   TValues existing = network.GetWeights(FMaskExists);
-  EXPECT_EQ((TValues{0, 2, 3, 4, 5, 8, 9, 10, 12, 13, 15}), existing);
+  EXPECT_EQ(existing, (TValues{0, 2, 3, 4, 5, 8, 9, 10, 12, 13, 15}));
   for (double& weight : existing) weight += 1;
   network.SetWeights(existing, FMaskExists);
   EXPECT_EQ(existing, network.GetWeights(FMaskExists));
@@ -188,7 +188,7 @@ TEST(TBasicNetworkTest, PrunedAndFrozenConnections) {
   TIterateObjCount recount;
   TIterateObjAggregate both({&freeze, &recount});
   other.Iterate(both);
-  EXPECT_EQ(0u, recount.Trainable());
+  EXPECT_EQ(recount.Trainable(), 0u);
 }
 
 TEST(TBasicNetworkTest, AbsentConnectionsContributeNothingWhateverMeetsThere) {
@@ -196,11 +196,11 @@ TEST(TBasicNetworkTest, AbsentConnectionsContributeNothingWhateverMeetsThere) {
   network.Layer(2).SetActivation(ActLinear);
   network.SetWeights(TValues{3, 4}, FMaskAll);
   network.Connections(2, 1).SetExists(0, 0, false);
-  EXPECT_EQ(TValues{8}, RecallOf(network, {kNaN, 2}));
+  EXPECT_EQ(RecallOf(network, {kNaN, 2}), TValues{8});
   EXPECT_FALSE(network.RecallsInBlocks());
   Data patterns(1, 2, 0, false);
   patterns.AddRow(TValues{kInfinity, 3}, {});
-  EXPECT_EQ(12.0, network.Recall(&patterns)->GetOutputDatum(0, 0));
+  EXPECT_EQ(network.Recall(&patterns)->GetOutputDatum(0, 0), 12.0);
 }
 
 TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
@@ -215,7 +215,7 @@ TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
   full.SetExists(1, 2, true);
   full.SetWeight(1, 2, 0.5);
   EXPECT_TRUE(Refuses("false", [&] { full.SetExists(1, 2, false); }));
-  EXPECT_EQ(0.5, full.GetWeight(1, 2));
+  EXPECT_EQ(full.GetWeight(1, 2), 0.5);
   struct : TIterateObj2 {
     void Patch(const TWeightPatch&, double*) override {}
   } walk;
@@ -231,8 +231,8 @@ TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
   const TValues weights = network.GetWeights(FMaskAll);
   const TValues before = RecallOf(network, {0.5, -0.25});
   network.AddNeuron(2, 1);
-  EXPECT_EQ((TValues{0, 0, 1, 2, 3, 4, 5, 0, 0, 6, 7, 8, 9, 10, 0, 11, 12, 13, 0, 14, 15}),
-            network.GetWeights(FMaskAll));
+  EXPECT_EQ(network.GetWeights(FMaskAll),
+            (TValues{0, 0, 1, 2, 3, 4, 5, 0, 0, 6, 7, 8, 9, 10, 0, 11, 12, 13, 0, 14, 15}));
   EXPECT_EQ(ActSigmoid, network.Layer(2).Neuron(1).GetActivation());
   EXPECT_TRUE(network.Connections(2, 1).IsTrainable(1, 0) &&
               !network.Connections(2, 1).IsTrainable(2, 0));
@@ -264,8 +264,8 @@ TEST(TBasicNetworkTest, CopiesStandOnTheirOwn) {
   const TValues expected = RecallOf(network, {-1, 0.5});
   network.Randomize(0.0, 0.0);
   network.Layer(2).SetActivation(ActLinear);
-  EXPECT_EQ(expected, RecallOf(*copy, {-1, 0.5}));
-  EXPECT_EQ(2.0, copy->Layer(2).Neuron(1).Gain());
+  EXPECT_EQ(RecallOf(*copy, {-1, 0.5}), expected);
+  EXPECT_EQ(copy->Layer(2).Neuron(1).Gain(), 2.0);
   network.Assign(*copy);
   EXPECT_EQ(RecallOf(*copy, {3, 4}), RecallOf(network, {3, 4}));
   EXPECT_TRUE(Refuses("n_layers == x.n_layers", [&] { network.Assign(TConnectedNetwork(3)); }));
@@ -290,11 +290,11 @@ TEST(TBasicNetworkTest, ConnectionsFromLaterLayersRememberOneStep) {
   network.Connect(1, 2);
   network.Connect(2, 2);
   network.SetWeights(TValues{1, 0.5}, FMaskAll);
-  EXPECT_EQ(TValues{4}, RecallOf(network, {4}));
-  EXPECT_EQ(TValues{2}, RecallOf(network, {0}));
+  EXPECT_EQ(RecallOf(network, {4}), TValues{4});
+  EXPECT_EQ(RecallOf(network, {0}), TValues{2});
   Data patterns(1, 1, 0, false);
   patterns.AddRow(TValues{1}, {});
-  EXPECT_EQ(2.0, network.Recall(&patterns)->GetOutputDatum(0, 0));
+  EXPECT_EQ(network.Recall(&patterns)->GetOutputDatum(0, 0), 2.0);
 }
 
 TEST(TBasicNetworkTest, UnusualLayersStillCompute) {
@@ -304,12 +304,11 @@ TEST(TBasicNetworkTest, UnusualLayersStillCompute) {
   network.Layer(1).SetActivation(ActLinear);
   network.Layer(2).Outputs()[0] = 9.0;
   testing::internal::CaptureStdout();
-  EXPECT_EQ(TValues{0}, RecallOf(network, {5, 6}));
-  EXPECT_EQ(
-      "!Warning: changed input layer (TSimpleLayer)\n"
-      "!Warning: changed input layer (TSimpleInputLayer)\n",
-      testing::internal::GetCapturedStdout());
-  EXPECT_EQ(6.0, network.Layer(1).Outputs()[1]);
+  EXPECT_EQ(RecallOf(network, {5, 6}), TValues{0});
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "!Warning: changed input layer (TSimpleLayer)\n"
+            "!Warning: changed input layer (TSimpleInputLayer)\n");
+  EXPECT_EQ(network.Layer(1).Outputs()[1], 6.0);
 }
 
 TEST(TBasicNetworkTest, RecallsWholeSetsOldestRowFirst) {
@@ -335,11 +334,11 @@ TEST(TBasicNetworkTest, RecallsWholeSetsOldestRowFirst) {
   TErrorRMSObj error(2);
   EXPECT_NEAR(std::sqrt(sum / 140), network->RecallError(data.get(), &error), 1e-12);
 
-  EXPECT_EQ("Null data pointer Null Pointer Parameter TTarn::RecallOutputOnly",
-            Failure([&] { network->RecallOutputOnly(nullptr); }));
+  EXPECT_EQ(Failure([&] { network->RecallOutputOnly(nullptr); }),
+            "Null data pointer Null Pointer Parameter TTarn::RecallOutputOnly");
   const auto narrow = MakePatterns(2, 2, 2, 0.0, 1.0);
   const auto expect_refusal = [](const auto& recall) {
-    EXPECT_EQ(0u, Failure(recall).find("the data set has 2 inputs but the network has 3"));
+    EXPECT_EQ(Failure(recall).find("the data set has 2 inputs but the network has 3"), 0u);
   };
   expect_refusal([&] { network->Recall(narrow.get()); });
   expect_refusal([&] { network->RecallOutputOnly(narrow.get()); });

@@ -106,7 +106,7 @@ TEST(TTarnTest, SpreadsCentresEvenly) {
   TTarn tarn(TSizes{2, 4}, 1, TSizes{3});
   const TValues inputs = {0.0, 1.0, 0.0, 1.0 / 3, 2.0 / 3, 1.0};
   EXPECT_EQ(inputs, tarn.GetWeightLayer(1));
-  EXPECT_EQ((TValues{0.0, 0.5, 1.0}), tarn.GetWeightLayer(4));
+  EXPECT_EQ(tarn.GetWeightLayer(4), (TValues{0.0, 0.5, 1.0}));
   tarn.SetWeightLayer(1, TValues(6, 0.5));
   tarn.InitWeights(0.25, 0.25);
   EXPECT_EQ(inputs, tarn.GetWeightLayer(1));
@@ -130,14 +130,15 @@ TEST(TTarnTest, KeepsOutputsWithinTheUniverse) {
     EXPECT_LE(recalled(1.0), 1.0);
   }
   EXPECT_LE(recalled(1.0, kNaN), 1.0);
-  EXPECT_EQ(0.0, recalled(0.0));
+  EXPECT_EQ(recalled(0.0), 0.0);
   for (const auto& [outside, text] :
        {std::pair{1.5, "1.5\n"}, std::pair{-0.25, "-0.25\n"}, std::pair{kNaN, "nan\n"}}) {
     testing::internal::CaptureStdout();
     const std::string failure = Failure([&, centre = outside] { recalled(centre); });
     EXPECT_EQ(text, testing::internal::GetCapturedStdout());
-    EXPECT_EQ(0u, failure.find("Assertion failed: (ActActivation >= 0) && (ActActivation <= 1), "
-                               "file Tarn/TTarnOutputLayer"));
+    EXPECT_EQ(failure.find("Assertion failed: (ActActivation >= 0) && (ActActivation <= 1), "
+                           "file Tarn/TTarnOutputLayer"),
+              0u);
   }
 }
 
@@ -161,8 +162,8 @@ TEST(TTarnTest, RefusesWhatIsNotThere) {
   for (const auto& [message, operation, action] : kCases) {
     EXPECT_EQ(message + " Bad Parameter TTarn::" + operation, Failure(action));
   }
-  EXPECT_EQ(0u, Failure([=] { t->AddNeuron(4, 0); }).find("Assertion failed: IsResizable()"));
-  EXPECT_EQ(2u, tarn.Layer(4).NumNeurons());
+  EXPECT_EQ(Failure([=] { t->AddNeuron(4, 0); }).find("Assertion failed: IsResizable()"), 0u);
+  EXPECT_EQ(tarn.Layer(4).NumNeurons(), 2u);
   EXPECT_TRUE(tarn.WeightExists(1, 1, 2));
   EXPECT_TRUE(tarn.WeightExists(4, 1, 0));
   const int ends[] = {0, 2, 5, 4, 2};  // the neuron behind the last one may be asked for
@@ -347,7 +348,7 @@ TEST(TTarnBPTest, StaysFuzzyAtAnyRate) {
       tarn->RecallPattern(data->Row(epoch % 50).Inputs, output);
       for (const double value : output) ASSERT_TRUE(value >= 0.0 && value <= 1.0);
       const auto memberships = tarn->Layer(TTarn::kConditionLayer).Outputs();
-      ASSERT_NEAR(3.0, std::accumulate(memberships.begin(), memberships.end(), 0.0), 1e-12);
+      ASSERT_NEAR(std::accumulate(memberships.begin(), memberships.end(), 0.0), 3.0, 1e-12);
     }
   }
 }

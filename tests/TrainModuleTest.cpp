@@ -311,30 +311,30 @@ TEST(TBackpropModuleTest, TakesTheFastestPassThatFits) {
   const auto ask = [](const std::shared_ptr<TBasicNetwork>& network, const char* settings,
                       int patterns) { return TPassAsker(network).Ask(settings, patterns); };
   const auto small = [] { return MakePerceptron({3, 4, 2}, true); };
-  EXPECT_EQ("small", ask(small(), kMomentum, 1));
-  EXPECT_EQ("small", ask(small(), kForgetting, 9));
-  EXPECT_EQ("small", ask(MakePerceptron({31, 64}, true), kPlain, 9));            // 2048 weights
-  EXPECT_EQ("pattern 0", ask(MakePerceptron({31, 62, 1, 1}, true), kPlain, 9));  // 2049
-  EXPECT_EQ("block", ask(small(), kBatch, 4));
-  EXPECT_EQ("layerwise", ask(small(), kBatch, 3));
-  EXPECT_EQ("layerwise", ask(small(), kQuadratic, 9));
+  EXPECT_EQ(ask(small(), kMomentum, 1), "small");
+  EXPECT_EQ(ask(small(), kForgetting, 9), "small");
+  EXPECT_EQ(ask(MakePerceptron({31, 64}, true), kPlain, 9), "small");            // 2048 weights
+  EXPECT_EQ(ask(MakePerceptron({31, 62, 1, 1}, true), kPlain, 9), "pattern 0");  // 2049
+  EXPECT_EQ(ask(small(), kBatch, 4), "block");
+  EXPECT_EQ(ask(small(), kBatch, 3), "layerwise");
+  EXPECT_EQ(ask(small(), kQuadratic, 9), "layerwise");
 
   // What a network must not have for a pass is held by the comparison with the slow trainer.
   const auto altered = small();
   altered->Layer(2).SetActivation(ActTanh);
   altered->Connections(2, 1).SetTrainable(0, 0, false);
-  EXPECT_EQ("block", ask(altered, kBatch, 9));
+  EXPECT_EQ(ask(altered, kBatch, 9), "block");
 
   const auto wide = [](int inputs, int hidden) {
     return MakePerceptron({inputs, hidden, 90}, true);
   };
   constexpr char kHuge[] = "(P :LearningRate 0.1 :Momentum 1.1)";
-  EXPECT_EQ("pattern 1", ask(wide(48, 16), kMomentum, 8));
-  EXPECT_EQ("pattern 0", ask(wide(48, 16), kMomentum, 7));
-  EXPECT_EQ("pattern 0", ask(wide(47, 17), kMomentum, 8));
-  EXPECT_EQ("pattern 0", ask(wide(64, 15), kMomentum, 8));
-  EXPECT_EQ("pattern 0", ask(wide(48, 16), kHuge, 8));
-  EXPECT_EQ("pattern 0", ask(wide(48, 16), kForgetting, 8));
+  EXPECT_EQ(ask(wide(48, 16), kMomentum, 8), "pattern 1");
+  EXPECT_EQ(ask(wide(48, 16), kMomentum, 7), "pattern 0");
+  EXPECT_EQ(ask(wide(47, 17), kMomentum, 8), "pattern 0");
+  EXPECT_EQ(ask(wide(64, 15), kMomentum, 8), "pattern 0");
+  EXPECT_EQ(ask(wide(48, 16), kHuge, 8), "pattern 0");
+  EXPECT_EQ(ask(wide(48, 16), kForgetting, 8), "pattern 0");
 }
 
 // --- The loop over epochs --------------------------------------------------------------------
@@ -345,15 +345,15 @@ TEST(TTrainModuleTest, EndsEarlyOneBehindTheEpochsRun) {
   TBackpropModule trainer(network);
   TKQstructure params;
   int epochs = 0;
-  EXPECT_EQ(0.0, trainer.Train(*data, params, epochs));
-  EXPECT_EQ("NONE", params.DerefThrow("WeightPenalty").Name());
+  EXPECT_EQ(trainer.Train(*data, params, epochs), 0.0);
+  EXPECT_EQ(params.DerefThrow("WeightPenalty").Name(), "NONE");
   // Without a learning rate nothing moves, and every epoch has the same error.
   const TValues weights = network->GetWeights(FMaskAll);
   int calls = 0;
   const auto count = [&](int, double) { return ++calls < 3; };
   epochs = 9;
   const double error = trainer.Train(*data, params, epochs, count);
-  EXPECT_EQ(2, epochs);
+  EXPECT_EQ(epochs, 2);
   const auto set_threshold = [&](double value) {
     std::string text;
     AppendShortest(text, value);
@@ -362,11 +362,11 @@ TEST(TTrainModuleTest, EndsEarlyOneBehindTheEpochsRun) {
   set_threshold(error);
   epochs = 2;
   trainer.Train(*data, params, epochs);
-  EXPECT_EQ(2, epochs);
+  EXPECT_EQ(epochs, 2);
   set_threshold(std::nextafter(error, 1e9));
   epochs = 9;
   EXPECT_EQ(error, trainer.Train(*data, params, epochs, count));
-  EXPECT_EQ(0, epochs);
+  EXPECT_EQ(epochs, 0);
   EXPECT_EQ(weights, network->GetWeights(FMaskAll));
 }
 
@@ -380,20 +380,20 @@ TEST(TTrainModuleTest, RefusesBeforeAnyWeightChanges) {
     return Failure([&] { TBackpropModule(network).Epoch(set, params); });
   };
   TKQstructure none;
-  EXPECT_EQ(AssertionText("false", kModule, 79),
-            Failure([&] { TTrainModule(network).Epoch(*data, none); }));
-  EXPECT_EQ(AssertionText("false", kModule, 108), train(":ERRORFUNCTION ABS", *data));
-  EXPECT_EQ(AssertionText("false", kModule, 355), train(":WEIGHTPENALTY DECAY", *data));
-  EXPECT_EQ(0u, train(":MOMENTUM much", *data).find("much is not a double"));
-  EXPECT_EQ(0u, train("", *MakePatterns(4, 3, 1, 0.0, 1.0)).find("the data set has 3 inputs"));
-  EXPECT_EQ(0u, train("", Data(4, 2, 1, false)).find("the data set has no rows"));
+  EXPECT_EQ(Failure([&] { TTrainModule(network).Epoch(*data, none); }),
+            AssertionText("false", kModule, 79));
+  EXPECT_EQ(train(":ERRORFUNCTION ABS", *data), AssertionText("false", kModule, 108));
+  EXPECT_EQ(train(":WEIGHTPENALTY DECAY", *data), AssertionText("false", kModule, 355));
+  EXPECT_EQ(train(":MOMENTUM much", *data).find("much is not a double"), 0u);
+  EXPECT_EQ(train("", *MakePatterns(4, 3, 1, 0.0, 1.0)).find("the data set has 3 inputs"), 0u);
+  EXPECT_EQ(train("", Data(4, 2, 1, false)).find("the data set has no rows"), 0u);
   network->Layer(3).SetActivation(ActTanh);
-  EXPECT_EQ(AssertionText("fn == ActSigmoid", kModule, 399),
-            train(":ERRORFUNCTION CROSSENTROPY", *data));
+  EXPECT_EQ(train(":ERRORFUNCTION CROSSENTROPY", *data),
+            AssertionText("fn == ActSigmoid", kModule, 399));
   network->Layer(2).SetActivation(ActSaturatedLinear);
-  EXPECT_EQ(AssertionText("fn != ActError", kModule, 443), train("", *data));
+  EXPECT_EQ(train("", *data), AssertionText("fn != ActError", kModule, 443));
   network->Layer(2).Neuron(1).SetActivation(ActTanh);
-  EXPECT_EQ(AssertionText("fn!= NULL", kModule, 395), train("", *data));
+  EXPECT_EQ(train("", *data), AssertionText("fn!= NULL", kModule, 395));
   EXPECT_EQ(weights, network->GetWeights(FMaskAll));
 }
 
