@@ -110,23 +110,34 @@ def try_faults():
             if (wrong := complaint(ended, whole, answer))]
 
 
-def try_kill(number, ways=(signal.SIGKILL, signal.SIGTERM)):
-    """Ends a session that saves two sets in turn to one file."""
-    folder, way = fresh(scratch / "work"), random.choice(ways)
-    lines = ["create Data alias a inputs 50 outputs 1 rows 2000", "create Data alias b inputs 1 outputs 1 rows 1",
-             *["save Data alias a filename (d.dat)", "save Data alias b filename (d.dat)"] * 2000]
-    with subprocess.Popen([kiln], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, cwd=folder, text=True) as killed:
-        killed.stdin.write("\n".join(lines[:1000]) + "\n")
-        killed.stdin.flush()
+def kill(way):
+    """Ends a session that saves two networks in turn to one file. Returns whether it had saved one, and
+    what is wrong."""
+    folder = fresh(scratch / "work")
+    lines = [f"create MLP alias {name} layers 3 inputs 50 hidden {{{hidden}}} outputs 1 bias on seed 1"
+             for name, hidden in (("a", 200), ("b", 2))]
+    lines += [f"save MLP alias {name} filename (net.net)" for name in "ab" * 500]
+    with subprocess.Popen([kiln], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, cwd=folder,
+                          text=True) as session_to_end:
+        session_to_end.stdin.write("\n".join(lines) + "\n")
+        session_to_end.stdin.flush()
         time.sleep(random.uniform(0.02, 0.3))
-        killed.send_signal(way)
-    text = (folder / "d.dat").read_bytes()
-    if text != old and not text.rstrip().endswith(b"[~DataSet]"):
-        return f"kill {number}: a torn file of {len(text)} bytes"
+        session_to_end.send_signal(way)
+    text = (folder / "net.net").read_bytes()
+    has_saved = text != old
+    if has_saved and not text.rstrip().endswith(b"[~NeuralNetwork]"):
+        return has_saved, f"{way.name}: a torn file of {len(text)} bytes"
     left = [path.name for path in folder.glob(".kiln*")]
-    return f"kill {number}: left {left}" if left and way == signal.SIGTERM else None
+    return has_saved, f"{way.name}: left {left}" if left and way == signal.SIGTERM else None
 
 
-wrongs = try_faults() + list(filter(None, map(try_kill, range(60))))
+def try_kills():
+    kills = [kill(way) for way in [signal.SIGKILL, signal.SIGTERM] * 30]
+    if sum(has_saved for has_saved, _ in kills) < len(kills) / 4:
+        sys.exit("too few sessions were killed while they saved")
+    return [wrong for _, wrong in kills if wrong]
+
+
+wrongs = try_faults() + try_kills()
 print(*wrongs, f"{len(wrongs)} faults did harm", sep="\n")
 sys.exit(bool(wrongs))
