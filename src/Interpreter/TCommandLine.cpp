@@ -72,6 +72,10 @@ auto ConvertElements(const std::optional<std::string_view>& list, TConvert conve
 
 }  // namespace
 
+std::span<const TTag> TCommandLine::Tags() const {
+  return form_ ? form_->tags : std::span<const TTag>();
+}
+
 std::string_view TCommandLine::CommandWord() const {
   return FirstWord(text_);
 }

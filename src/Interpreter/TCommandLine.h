@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
 namespace kiln {
 
 struct TForm;
+struct TTag;
 
 // How reading an argument ended.
 enum class TReadCode {
@@ -43,6 +45,9 @@ class TCommandLine {
   TCommandLine(std::string_view text, const TForm& form) : text_(text), form_(&form) {}
 
   std::string_view Text() const { return text_; }
+
+  // The tags of the form; none where the line means no form.
+  std::span<const TTag> Tags() const;
 
   // The first word, empty in an empty line.
   std::string_view CommandWord() const;

@@ -37,13 +37,42 @@ struct TLesson {
 // Reads the tags of one kind of trainer, trains and gives the answer.
 using TTraining = TAnswer (*)(const TCommandLine& line, const TLesson& lesson);
 
-// Fails unless the set has rows and fits the trainer's network.
+// Fails unless all of these values of row `n`, counted from 0, are numbers that weights can take
+// up.
+void CheckFinite(std::string_view alias, int n, std::span<const double> values,
+                 std::string_view side) {
+  for (std::size_t k = 0; k < values.size(); ++k) {
+    if (std::isfinite(values[k])) continue;
+    Fail(alias, " has no finite number in row ", std::to_string(n + 1), ", column ",
+         std::to_string(k + 1), " of the ", side);
+  }
+}
+
+void CheckFiniteInputs(std::string_view alias, const Data& set) {
+  for (int n = 0; n < set.DataRows(); ++n) CheckFinite(alias, n, set.Row(n).Inputs, "inputs");
+}
+
+// The same for every number that the line gives.
+void CheckFiniteTags(const TCommandLine& line) {
+  for (const TTag& tag : line.Tags()) {
+    if (tag.kind != kDouble && tag.kind != kDoubles) continue;
+    std::vector<double> values = {Optional(line.Double(tag.name), 0.0)};
+    if (tag.kind == kDoubles) values = Optional(line.Doubles(tag.name), values);
+    if (!std::ranges::all_of(values, [](double value) { return std::isfinite(value); })) {
+      Fail(tag.name, " must be finite");
+    }
+  }
+}
+
+// Fails unless the set has rows, of finite numbers, and fits the trainer's network.
 void CheckFits(const TLesson& lesson, std::string_view alias, const Data& set,
                const TBasicNetwork& network) {
   const std::string owner = "the network of " + std::string(lesson.trainer_alias);
   RequireColumns(alias, set.Inputs(), "inputs", owner, network.NumInputs());
   RequireColumns(alias, set.Outputs(), "outputs", owner, network.NumOutputs());
   if (set.DataRows() == 0) Fail(alias, " has no rows");
+  CheckFiniteInputs(alias, set);
+  for (int n = 0; n < set.DataRows(); ++n) CheckFinite(alias, n, set.Row(n).Outputs, "outputs");
 }
 
 // --- Frozen centres --------------------------------------------------------------------------
@@ -249,6 +278,7 @@ TAnswer TrainMap(const TCommandLine& line, const TLesson& lesson) {
                  map.Grid().NumDimensions());
   RequireColumns(lesson.set_alias, lesson.set.Inputs(), "inputs", owner, map.NumInputs());
   if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
+  CheckFiniteInputs(lesson.set_alias, lesson.set);
   trainer->Train(lesson.set, rate, radii, epochs, rate_factor, radius_factor, lesson.observer);
   return kDone;
 }
@@ -262,6 +292,7 @@ TAnswer Train(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& trainer = RequiredEntry(interpreter, alias);
   const std::string_view set_alias = RequiredAlias(line, "data");
   const auto set = RequiredObject<Data>(interpreter, set_alias, " is not of type data");
+  CheckFiniteTags(line);
   TAnswer answer =
       train(line, {alias, trainer, set_alias, *set, interpreter.Observer(), interpreter});
   set->ResetCursor();

@@ -33,6 +33,7 @@ double ForgettingPenalty(std::span<const double> weights, const TKQstructure& co
 
 double CrossEntropy(double t, double y) {
   if (y == 1.0) return t == 1.0 ? 0.0 : 1000000.0;
+  if (y == 0.0 && t == 0.0) return 0.0;
   return -t * std::log(y) - (1.0 - t) * std::log(1.0 - y);
 }
 

@@ -9,17 +9,6 @@ namespace kiln {
 
 TTarnBP::TTarnBP(std::shared_ptr<TTarn> network) : TBackpropModule(std::move(network)) {}
 
-double TTarnBP::Train(const Data& data, TKQstructure& params, int& epochs,
-                      const TEpochObserver& observer, const TValidationSet* validation_set) {
-  const TTrainCheckpoint checkpoint(State());
-  try {
-    return TBackpropModule::Train(data, params, epochs, observer, validation_set);
-  } catch (...) {
-    checkpoint.Restore(State());
-    throw;
-  }
-}
-
 void TTarnBP::CheckLayers(const TTrainRun& run) const {
   // All layers can be trained, but cross entropy asks for sigmoid outputs, which these are not.
   if (run.cross_entropy) CheckLayer(run, TTarn::kOutputLayer);

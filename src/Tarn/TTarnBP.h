@@ -23,13 +23,6 @@ class TTarnBP : public TBackpropModule {
   // The network that is trained.
   TTarn& Tarn() { return static_cast<TTarn&>(Network()); }
 
-  // As for every network, but training can also fail half-way: TAssertion when an output leaves
-  // [0, 1], because of a frozen centre outside or weights that overflow. The network and the last
-  // changes are as before then.
-  double Train(const Data& data, TKQstructure& params, int& epochs,
-               const TEpochObserver& observer = {},
-               const TValidationSet* validation_set = nullptr) override;
-
  protected:
   void CheckLayers(const TTrainRun& run) const override;
   std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override;

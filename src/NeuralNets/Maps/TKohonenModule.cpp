@@ -8,6 +8,7 @@
 #include "NeuralNets/Maps/TPrototypeTiles.h"
 #include "Shared/Say.h"
 #include "Shared/TAssertion.h"
+#include "Shared/TException.h"
 
 namespace kiln {
 
@@ -15,6 +16,11 @@ namespace {
 
 // Users quote this source for whatever a map refuses.
 constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
+
+[[noreturn]] void FailNumber(int epoch) {
+  throw TException("the map has no finite numbers after epoch " + std::to_string(epoch),
+                   "Invalid Parameter", "TKohonenModule::Train");
+}
 
 // One pass over the set. Returns the error that the observer is told.
 double RunEpoch(const Data& data, double rate, TPrototypeTiles& tiles,
@@ -43,6 +49,7 @@ void TKohonenModule::Train(const Data& data, double learning_rate, std::span<dou
   TPrototypeTiles tiles(map_->Prototypes(), map_->NumInputs());
   TNeighbourhood neighbourhood(grid);
   THistoryOfCall history(history_, epochs);
+  const int epochs_before = history_.Epochs();
   double rate = learning_rate;
   for (int epoch = 0; epoch < epochs; ++epoch) {
     if (!radii.empty()) {
@@ -52,9 +59,11 @@ void TKohonenModule::Train(const Data& data, double learning_rate, std::span<dou
     }
     rate *= rate_factor;
     const double error = RunEpoch(data, rate, tiles, neighbourhood);
+    if (!std::isfinite(error)) FailNumber(epoch + 1);
     history_.Add(error);
     if (observer && !observer(epoch, error)) break;
   }
+  if (!tiles.AreStillFinite(map_->Prototypes())) FailNumber(history_.Epochs() - epochs_before);
   tiles.CopyTo(map_->Prototypes());
   history.End();
 }

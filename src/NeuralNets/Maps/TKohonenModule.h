@@ -35,8 +35,8 @@ class TKohonenModule {
   //
   // Throws TAssertion "Map -> GetNumInputs() == dimnum" or "dimnum == dimnumber" when the columns
   // of the set or the radii are not as many as the map's inputs or dimensions, and
-  // "bestsofar >= 0" when a pattern has no winner (see TKohonenNetwork). No prototype has changed
-  // then.
+  // "bestsofar >= 0" when a pattern has no winner (see TKohonenNetwork); TException when a
+  // prototype comes to no finite number. No prototype has changed then.
   void Train(const Data& data, double learning_rate, std::span<double> radii, int epochs,
              double rate_factor, double radius_factor, const TEpochObserver& observer = {});
 

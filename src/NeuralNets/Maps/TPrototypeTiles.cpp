@@ -1,5 +1,6 @@
 #include "NeuralNets/Maps/TPrototypeTiles.h"
 
+#include <cmath>
 #include <limits>
 
 #include "NeuralNets/Kernels/Kernels.h"
@@ -26,6 +27,16 @@ TPrototypeTiles::TPrototypeTiles(std::span<const double> prototypes, std::size_t
       values_[Place(unit, i)] = prototypes[unit * inputs_ + i];
     }
   }
+}
+
+bool TPrototypeTiles::AreStillFinite(std::span<const double> prototypes) const {
+  for (std::size_t unit = 0; unit < units_; ++unit) {
+    for (std::size_t i = 0; i < inputs_; ++i) {
+      const bool is_finite = std::isfinite(values_[Place(unit, i)]);
+      if (!is_finite && std::isfinite(prototypes[unit * inputs_ + i])) return false;
+    }
+  }
+  return true;
 }
 
 void TPrototypeTiles::CopyTo(std::span<double> prototypes) const {

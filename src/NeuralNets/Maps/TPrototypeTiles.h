@@ -31,6 +31,10 @@ class TPrototypeTiles {
   // REQUIRES: the units exist; a value for each input.
   void Approach(std::size_t first, std::size_t last, std::span<const double> pattern, double rate);
 
+  // Whether each value that is a finite number in `prototypes`, from which the copy was made, is
+  // one in the copy.
+  bool AreStillFinite(std::span<const double> prototypes) const;
+
   // Writes the prototypes back as rows. REQUIRES: room for as many as were copied.
   void CopyTo(std::span<double> prototypes) const;
 

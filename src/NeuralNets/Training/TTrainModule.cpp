@@ -1,7 +1,9 @@
 #include "NeuralNets/Training/TTrainModule.h"
 
 #include <algorithm>
+#include <cmath>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "DataObject/Data.h"
@@ -21,6 +23,11 @@ void CheckData(const Data& data, const TBasicNetwork& network) {
   if (data.DataRows() == 0) {
     throw TException("the data set has no rows", "Invalid Parameter", "TTrainModule::Train");
   }
+}
+
+[[noreturn]] void FailNumber(const std::string& what, int epoch) {
+  throw TException(what + " is no finite number after epoch " + std::to_string(epoch),
+                   "Invalid Parameter", "TTrainModule::Train");
 }
 
 // Moves weights by a rule that keeps numbers of its own for each of them.
@@ -51,9 +58,19 @@ double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
     validation.emplace(Network(), *validation_set, run.MakeError(Network().NumOutputs()));
   }
   THistoryOfCall history(history_, epochs);
-  const double error = RunEpochs(data, run, epochs, observer, validation ? &*validation : nullptr);
-  history.End();
-  return error;
+  const int epochs_before = history_.Epochs();
+  const TTrainCheckpoint checkpoint(state_);
+  try {
+    const double error =
+        RunEpochs(data, run, epochs, observer, validation ? &*validation : nullptr);
+    if (!checkpoint.IsStillFinite(state_))
+      FailNumber("a weight", history_.Epochs() - epochs_before);
+    history.End();
+    return error;
+  } catch (...) {
+    checkpoint.Restore(state_);
+    throw;
+  }
 }
 
 double TTrainModule::RunEpochs(const Data& data, const TTrainRun& run, int& epochs,
@@ -68,6 +85,7 @@ double TTrainModule::RunEpochs(const Data& data, const TTrainRun& run, int& epoc
     RunEpoch(data, run, *pass, *error);
     AddPenaltyToError(run.penalty, *error);
     last = error->Value();
+    if (!std::isfinite(last)) FailNumber("the error", epoch + 1);
     if (validation) {
       history_.Add(last, validation->Measure(Network()));
     } else {

@@ -57,10 +57,11 @@ class TTrainModule {
   //
   // Throws TException when a set has no rows, its columns do not fit the network or a parameter
   // is not a number; TAssertion for unknown words and for activation functions that cannot be
-  // trained. No weight has changed then.
-  virtual double Train(const Data& data, TKQstructure& params, int& epochs,
-                       const TEpochObserver& observer = {},
-                       const TValidationSet* validation_set = nullptr);
+  // trained. Training that fails half-way throws too: TException after an epoch whose error is no
+  // finite number, or when a weight is none in the end; TAssertion when the output of a fuzzy
+  // network leaves [0, 1]. Whatever is thrown, network and trainer are as they were before.
+  double Train(const Data& data, TKQstructure& params, int& epochs,
+               const TEpochObserver& observer = {}, const TValidationSet* validation_set = nullptr);
 
   // Trains for one epoch and returns its error. As Train otherwise.
   double Epoch(const Data& data, TKQstructure& params);

@@ -56,6 +56,9 @@ class TTrainCheckpoint {
   // Puts them back. REQUIRES: the state of the constructor.
   void Restore(TTrainState& state) const;
 
+  // Whether each weight that was a finite number is one now. REQUIRES: the same.
+  bool IsStillFinite(const TTrainState& state) const;
+
  private:
   TWeightBuffer weights_;
   TWeightBuffer changes_;
