@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "FileTestTools.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/LineCheck.h"
 #include "Shared/TAssertion.h"
@@ -20,8 +21,7 @@ class CommandTable : public testing::Test {
  protected:
   void SetUp() override {
     before_ = std::filesystem::current_path();
-    folder_ = std::filesystem::path(testing::TempDir()) /
-              testing::UnitTest::GetInstance()->current_test_info()->name();
+    folder_ = ScratchPath();
     std::filesystem::remove_all(folder_);
     std::filesystem::create_directories(folder_);
     std::filesystem::current_path(folder_);

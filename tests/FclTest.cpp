@@ -54,7 +54,7 @@ double Holds(const TRuleElement& element, const TMFSetList& inputs, const double
 }
 
 TEST(FclTest, AnIndependentReaderAnswersTheSame) {
-  const std::string path = testing::TempDir() + "sailing.fcl";
+  const std::string path = ScratchPath();
   FileTools::Reader reader(kRules, "f");
   const TFuzzyRuleSet rules = TRuleFile::LoadRules(reader);
   FclFile::Save(path, "end_if", rules);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -19,7 +20,14 @@ inline std::string Contents(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// A test with a file at `path_`. Tests run beside each other, so each has one of its own.
+// Where this test may put files. The same test may run in another process at the same time, also
+// in that of another build.
+inline std::string ScratchPath() {
+  const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
+  return testing::TempDir() + test.test_suite_name() + test.name() + std::to_string(getpid());
+}
+
+// A test with a file at `path_`.
 class TFileTest : public testing::Test {
  protected:
   ~TFileTest() override { std::filesystem::remove(path_); }
@@ -30,10 +38,7 @@ class TFileTest : public testing::Test {
     std::ofstream(path_, std::ios::binary) << text;
   }
 
-  const std::string path_ =
-      testing::TempDir() +
-      testing::UnitTest::GetInstance()->current_test_info()->test_suite_name() +
-      testing::UnitTest::GetInstance()->current_test_info()->name();
+  const std::string path_ = ScratchPath();
 };
 
 // The text that `write` lays out.

@@ -91,8 +91,7 @@ class SaveFileTest : public testing::Test {
     return std::string(Reader::FromFile(directory_ / name).ReadToken());
   }
 
-  const fs::path directory_ =
-      fs::path(testing::TempDir()) / testing::UnitTest::GetInstance()->current_test_info()->name();
+  const fs::path directory_ = ScratchPath();
 };
 
 TEST_F(SaveFileTest, ReplacesAFileAndKeepsItsPermissionsAndLinks) {
