@@ -121,6 +121,27 @@ TReading<std::string_view> TCommandLine::Word(std::string_view tag) const {
   return {TReadCode::kRead, word.substr(0, kLongestWord)};
 }
 
+TReading<std::string_view> TCommandLine::WordOfTag(std::string_view tag) const {
+  CheckListed(tag);
+  std::string_view rest = Arguments();
+  const auto take_word = [&rest] {
+    const std::string_view word = FirstWord(rest);
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()) + word.size());
+    return word;
+  };
+  for (std::string_view word = take_word(); !word.empty(); word = take_word()) {
+    if (word == tag) {
+      const std::string_view value = take_word();
+      if (value.empty()) break;
+      return {TReadCode::kRead, value.substr(0, kLongestWord)};
+    }
+    const TTag* const other = form_ ? FindTag(form_->tags, word) : nullptr;
+    using enum TValueKind;
+    if (other && (other->kind == kAlias || other->kind == kNewAlias)) take_word();
+  }
+  return {TReadCode::kTagAbsent, {}};
+}
+
 TReading<bool> TCommandLine::Boolean(std::string_view tag) const {
   const TReading<std::string_view> word = Word(tag);
   if (word.code != TReadCode::kRead) return {word.code, false};

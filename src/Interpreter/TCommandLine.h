@@ -61,6 +61,10 @@ class TCommandLine {
   // The word behind the tag, cut to 80 characters.
   TReading<std::string_view> Word(std::string_view tag) const;
 
+  // The same for a tag that may be an alias as well: an occurrence that is the value of a tag which
+  // takes an alias does not count.
+  TReading<std::string_view> WordOfTag(std::string_view tag) const;
+
   // "true" or "on", "false" or "off", in any case.
   TReading<bool> Boolean(std::string_view tag) const;
 

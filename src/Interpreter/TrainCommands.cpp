@@ -15,6 +15,7 @@
 #include "NeuralNets/Training/TTrainModule.h"
 #include "Shared/Narrowing.h"
 #include "Shared/NumberFormat.h"
+#include "Shared/NumberScan.h"
 #include "Shared/Text.h"
 #include "Tarn/TFrozenCentres.h"
 
@@ -92,7 +93,10 @@ constexpr TFreezing kFreezings[] = {
 // Freezes what the line names for as long as the result lives; null where it names nothing.
 std::unique_ptr<TFrozenCentres> FreezeCentres(const TCommandLine& line, const TLesson& lesson) {
   const auto words = line.WordsAt("freeze");
-  if (!words) return nullptr;
+  if (!words) {
+    if (line.WordOfTag("freeze").code == TReadCode::kRead) Fail(kFreezeWords);
+    return nullptr;
+  }
   bool inputs = false;
   bool outputs = false;
   for (const std::string_view element : *words) {
@@ -114,16 +118,19 @@ std::unique_ptr<TFrozenCentres> FreezeCentres(const TCommandLine& line, const TL
 // The validation set that the line names, which the registry keeps; nothing where it names none.
 std::optional<TValidationSet> NamedValidation(const TCommandLine& line, const TLesson& lesson,
                                               const TBasicNetwork& network) {
-  const TReading<std::int64_t> patience = line.Long("patience");
+  const TReading<std::string_view> patience = line.WordOfTag("patience");
   const bool has_end = patience.code == TReadCode::kRead;
-  if (line.Word("validation").code != TReadCode::kRead) {
+  const TReading<std::string_view> validation = line.WordOfTag("validation");
+  if (validation.code != TReadCode::kRead) {
     if (has_end) Fail("tag validation not found");
     return std::nullopt;
   }
-  const std::string_view alias = RequiredAlias(line, "validation");
+  const std::string_view alias = validation.value;
+  RefuseReserved(alias);
   const Data& set = *RequiredObject<Data>(lesson.registry, alias, " is not of type data");
   CheckFits(lesson, alias, set, network);
-  return TValidationSet{set, has_end ? AtLeast(1, patience.value, "patience") : 0};
+  const std::int64_t epochs = ScanInteger(patience.value).value_or(0);
+  return TValidationSet{set, has_end ? AtLeast(1, epochs, "patience") : 0};
 }
 
 // --- Gradient trainers -----------------------------------------------------------------------
@@ -154,7 +161,7 @@ TMethodKind ReadMethod(const TCommandLine& line, TKQstructure& params) {
 std::unique_ptr<TKQstructure> ReadPenalty(const TCommandLine& line, double learning_rate,
                                           bool forgets) {
   const TReading<double> decay = line.Double("decay");
-  const TReading<std::string_view> kind = line.Word("penalty");
+  const TReading<std::string_view> kind = line.WordOfTag("penalty");
   const bool is_named = kind.code == TReadCode::kRead;
   const bool is_quadratic = is_named && EqualNoCase(kind.value, "quadratic");
   if (is_named && !is_quadratic && !EqualNoCase(kind.value, "forgetting")) {
@@ -174,7 +181,7 @@ std::unique_ptr<TKQstructure> ReadPenalty(const TCommandLine& line, double learn
 // Puts the measure of the error that the line asks for into the parameters.
 void ReadErrorFunction(const TCommandLine& line, const TLesson& lesson,
                        const TBasicNetwork& network, TKQstructure& params) {
-  const TReading<std::string_view> word = line.Word("error");
+  const TReading<std::string_view> word = line.WordOfTag("error");
   if (word.code != TReadCode::kRead || EqualNoCase(word.value, "meansquare")) return;
   if (!EqualNoCase(word.value, "crossentropy")) {
     Fail("unknown error ", word.value, ": meansquare or crossentropy");
