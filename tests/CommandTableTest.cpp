@@ -116,6 +116,38 @@ TEST_F(CommandTable, HasExamplesThatWorkAndTagsThatAreRequired) {
   });
 }
 
+// The line with this value behind `tag`, which may have had another one or none.
+std::string WithValue(std::string line, std::string_view tag, const std::string& value) {
+  const std::string_view old = TCommandLine(line).Word(tag).value;
+  if (old.empty()) return line.append(" ").append(tag).append(" ").append(value);
+  return line.replace(line.find(old, line.find(tag) + tag.size()), old.size(), value);
+}
+
+TEST_F(CommandTable, RefusesWrongAliasesBooleansAndPathsBeforeAnythingChanges) {
+  ForEachForm([](const TCommand&, const TForm& form) {
+    TScene scene;
+    scene.Do("copy source d destination taken");
+    scene.MakeRoom(form);
+    const std::string example(form.example);
+    for (const TTag& tag : form.tags) {
+      if (form.word == "aliasexists" || (form.word == "fired" && tag.name == "network")) continue;
+      std::vector<std::string> wrong;
+      if (tag.kind == TValueKind::kNewAlias) wrong = {"taken"};
+      if (tag.kind == TValueKind::kAlias) wrong = {"nobody"};
+      if (tag.kind == TValueKind::kAlias && !tag.words.empty()) {
+        wrong.push_back(HasWord(tag.words, "Data") ? "s" : "d");
+      }
+      if (tag.kind == TValueKind::kBoolean) wrong = {"maybe"};
+      if (tag.kind == TValueKind::kPath) wrong = {"none.txt", "(none/none.txt)"};
+      for (const std::string& value : wrong) {
+        const std::string line = WithValue(example, tag.name, value);
+        EXPECT_LT(scene.interpreter.Execute(line), 0) << line;
+      }
+    }
+    scene.Do(example);
+  });
+}
+
 // More lines for forms that do not read all of their tags in each.
 constexpr std::string_view kMoreExamples[] = {"divide source d destination {one} rows {1}",
                                               "labeltarn network fuzzy labels words terms {a} "
