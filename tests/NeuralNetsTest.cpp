@@ -5,14 +5,11 @@
 #include <limits>
 #include <numeric>
 
-#include "KQmessage/TKQstructure.h"
 #include "Networks.h"
-#include "NeuralNets/TConnectedConnections.h"
 #include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/TGainLayer.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"
-#include "NeuralNets/TPrunedConnections.h"
 #include "NeuralNets/TSimpleInputLayer.h"
 #include "NeuralNets/TSimpleLayer.h"
 
@@ -72,26 +69,6 @@ TEST(ActFunctionsTest, NeuronsAndWholeLayersComputeTheFunctionOfTheName) {
   }
 }
 
-TEST(ActFunctionsTest, PlaceholdersAndUnknownEntriesAreAssertions) {
-  constexpr char kModule[] = "NeuralNets/ActFunctions";
-  const auto line = [&](int n) { return AssertionText("false", kModule, n); };
-  TSimpleLayer layer(1);
-  TBasicNeuron& neuron = layer.Neuron(0);
-  EXPECT_EQ(line(37), Failure([&] { layer.Activate(); }));
-  EXPECT_EQ(line(151), Failure([&] { ActCog(neuron, 0.25); }));
-  EXPECT_EQ(layer.Outputs()[0], 0.25);
-
-  TFnRegistry registry;
-  registry.Register(ActTanh, "mine");
-  EXPECT_TRUE(registry.Contains("MINE") && !registry.Contains("tanh"));
-  EXPECT_EQ(line(223), Failure([&] { registry.Lookup("tanh"); }));
-  EXPECT_EQ(line(239), Failure([&] { registry.Lookup(ActLinear); }));
-  EXPECT_EQ(Failure([&] { registry.Register(ActLinear, "Mine"); }),
-            AssertionText("strcasecmp(p,pp->name)!=0", kModule, 252));
-  registry.Register(ActTanh, "alias");
-  EXPECT_EQ(registry.Lookup(ActTanh), "alias");
-}
-
 // --- Error measures --------------------------------------------------------------------------
 
 TEST(TErrorObjTest, CrossEntropyByHand) {
@@ -103,23 +80,6 @@ TEST(TErrorObjTest, CrossEntropyByHand) {
   EXPECT_DOUBLE_EQ(std::log(2.0) + std::log(8.0), entropy.Value());
   entropy.Accumulate(TValues{0.5, 0.5}, TValues{0, 0.5});
   EXPECT_EQ(kInfinity, entropy.Value());
-}
-
-TEST(TErrorObjTest, PenaltiesByHand) {
-  const struct {
-    const char* description;
-    double penalty;  // of the weights 1 and -2 at the scale 3
-  } cases[] = {{"(quadpenalty :epsilon1 1)", 3 * (0.5 + 0.8)},
-               {"(LWF :ForgettingRate 0.5)", 0},
-               {"(lwf :ForgettingRate 0.5 :LearningRate 0.1)", 0.15}};
-  const TValues weights = {1, -2};
-  for (const auto& c : cases) {
-    const TKQstructure description = TKQstructure::Parse(c.description);
-    EXPECT_DOUBLE_EQ(c.penalty, TErrorObj::Penalty(weights, &description, 3.0)) << c.description;
-  }
-  const TKQstructure unknown("decay");
-  EXPECT_EQ(Failure([&] { TErrorObj::Penalty(weights, &unknown, 1.0); }),
-            AssertionText("false", "NeuralNets/TErrorObj", 94));
 }
 
 // --- Structure -------------------------------------------------------------------------------
@@ -203,28 +163,6 @@ TEST(TBasicNetworkTest, AbsentConnectionsContributeNothingWhateverMeetsThere) {
   EXPECT_EQ(network.Recall(&patterns)->GetOutputDatum(0, 0), 12.0);
 }
 
-TEST(TBasicNetworkTest, KindsOfConnectionsRefuseWhatTheyCannotDo) {
-  TSimpleLayer two(2);
-  TSimpleLayer three(3);
-  TPrunedConnections pruned;
-  EXPECT_TRUE(Refuses("attached", [&] { pruned.Exists(0, 0); }));
-  pruned.Attach(two, three);
-  EXPECT_TRUE(Refuses("false", [&] { pruned.SetWeight(0, 3, 1.0); }));
-  TConnectedConnections full;
-  full.Attach(two, three);
-  full.SetExists(1, 2, true);
-  full.SetWeight(1, 2, 0.5);
-  EXPECT_TRUE(Refuses("false", [&] { full.SetExists(1, 2, false); }));
-  EXPECT_EQ(full.GetWeight(1, 2), 0.5);
-  struct : TIterateObj2 {
-    void Patch(const TWeightPatch&, double*) override {}
-  } walk;
-  EXPECT_TRUE(Refuses("conn1 -> GetConnectionsNType() == conn2 -> GetConnectionsNType()",
-                      [&] { full.Iterate2(pruned, walk); }));
-  TValues five(5);
-  EXPECT_TRUE(Refuses("conn1 -> Size() == conn2 -> Size()", [&] { full.Iterate2(five, walk); }));
-}
-
 TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
   TMLPNetwork network = MakeNumbered();
   network.Connections(2, 1).SetTrainable(1, 0, false);
@@ -239,19 +177,6 @@ TEST(TBasicNetworkTest, NeuronsComeAndGoWithTheirConnections) {
   network.Layer(3).Outputs()[0] = 0.0;
   EXPECT_EQ(before, RecallOf(network, {0.5, -0.25}));
   network.RemoveNeuron(2, 1);
-  EXPECT_EQ(weights, network.GetWeights(FMaskAll));
-
-  const struct {
-    int layer, node;
-    const char* expression;
-  } refused[] = {{-1, 0, "LayerNum>=0"},      {4, 0, "LayerNum<numLayers"},
-                 {1, 0, "LayerNum!=inLayer"}, {3, 0, "LayerNum!=outLayer"},
-                 {2, -1, "node>=0"},          {2, 8, "node<=GetNumNeurons()"},
-                 {2, 4, "node<=numneurons"}};
-  for (const auto& c : refused) {
-    EXPECT_TRUE(Refuses(c.expression, [&] { network.AddNeuron(c.layer, c.node); }));
-  }
-  EXPECT_TRUE(Refuses("node<numneurons", [&] { network.RemoveNeuron(2, 3); }));
   EXPECT_EQ(weights, network.GetWeights(FMaskAll));
 }
 

@@ -307,32 +307,6 @@ TEST(TrainMethodTest, DerivativesOfOutputsAgreeWithDifferences) {
 
 // --- Training --------------------------------------------------------------------------------
 
-// One layer of sums: its least squares are those of a matrix, of which the rows are made without
-// noise, so that the error goes to 0.
-TEST(TrainMethodTest, EachReachesTheMinimumOfAQuadratic) {
-  struct {
-    const char* settings;
-    int epochs;
-    double error;
-  } const kCases[] = {{":Method levenberg", 25, 1e-9},
-                      {":Method rprop", 300, 1e-4},
-                      {":Method adam :LearningRate 0.01 :batch 5", 1000, 2e-3}};
-  Random::Seed(3);
-  Data data(40, 3, 2, false);
-  for (int n = 0; n < 40; ++n) {
-    const double x = Random::Uniform(-1, 1), y = Random::Uniform(-1, 1), z = Random::Uniform(-1, 1);
-    data.AddRow(TValues{x, y, z}, TValues{2 * x - y + 0.5, x + y - 3 * z});
-  }
-  for (const auto& c : kCases) {
-    const auto network = MakePerceptron({3, 2}, true);
-    network->Layer(2).SetActivation(ActLinear);
-    TBackpropModule trainer(network);
-    const double error = TrainFor(trainer, data, c.settings, c.epochs);
-    EXPECT_LT(error, c.error) << c.settings;
-    EXPECT_NEAR(ErrorOn(*network, data), error, 1e-3) << c.settings;
-  }
-}
-
 TEST(TrainMethodTest, AwkwardDataAndAllMethodsGiveNumbers) {
   Random::Seed(9);
   const auto fill = [](int rows, const auto& value) {
