@@ -44,13 +44,10 @@ TEST(TKQstructure, SettingAgainKeepsPlaceAndSpelling) {
   EXPECT_EQ(Printed(message), "(m :third 4 :other 2)");
 }
 
-TEST(TKQstructure, CopiesAreDeepAndSlotsDouble) {
+TEST(TKQstructure, CopiesAreDeep) {
   TKQstructure message;
   for (int i = 0; i < 17; ++i) message.SetLong(std::to_string(i) + "k", i);
-  EXPECT_EQ(message.Capacity(), 32U);
-
   TKQstructure copy = message;
-  EXPECT_EQ(copy.Capacity(), 17U);
   EXPECT_EQ(Printed(copy), Printed(message));
   copy.SetLong("0k", 99);
   EXPECT_EQ(message.Deref("0K")->Name(), "0");

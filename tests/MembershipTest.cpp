@@ -12,7 +12,6 @@
 #include "Membership/TRectangularMF.h"
 #include "Membership/TSingletonMF.h"
 #include "Membership/TTriangularMF.h"
-#include "Shared/TAssertion.h"
 
 namespace kiln {
 namespace {
@@ -55,27 +54,6 @@ TEST(Membership, FollowsTheShapes) {
       EXPECT_DOUBLE_EQ(mf.GetMembership(x), membership) << mf.Type() << x;
     }
   }
-}
-
-TEST(MFSet, HasASpareSlotThatIsNoMember) {
-  TBasicMFSet set("free", "Wind", 2, 0, 1);
-  set.SetMF(0, std::make_unique<TLShoulderTriangularMF>("Low", 0, 1));
-  set.SetMF(2, std::make_unique<TSingletonMF>("High", 1));
-  EXPECT_EQ(set.GetMF(1), nullptr);
-  EXPECT_EQ(set.FindMF("LOW"), 0);
-  EXPECT_EQ(set.FindMF("high"), -1);
-  EXPECT_EQ(Failure([&] { set.GetMF(3); }), "Bad MF Number Invalid Parameter TBasicMFSet::GetMF");
-
-  std::vector<double> degrees(2);
-  EXPECT_EQ(BrokenCheck([&] { set.GetMemberships(0.75, degrees); }), "members[i] != NULL");
-  set.SetMF(1, std::make_unique<TRShoulderTriangularMF>("High", 0, 1));
-  set.GetMemberships(0.75, degrees);
-  EXPECT_EQ(degrees, (std::vector<double>{0.25, 0.75}));
-
-  TMFSetList list(1, {});
-  EXPECT_EQ(Failure([&] { list.GetMFSet(1); }),
-            "Invalid MF set number Bad Parameter TMFSetList::GetMFSet");
-  EXPECT_THROW(Written(list), TAssertion);
 }
 
 TEST(FuzzyMFFiler, WritesWhatItReads) {

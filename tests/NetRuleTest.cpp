@@ -6,13 +6,10 @@
 
 #include "FileTestTools.h"
 #include "Networks.h"
-#include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/TSimpleLayer.h"
 #include "RuleObject/TRuleFile.h"
 #include "Tarn/RuleExtraction/NetworkLabels.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
 #include "Tarn/TConditionLayer.h"
-#include "Tarn/TTarnOutputLayer.h"
 
 namespace kiln {
 namespace {
@@ -115,31 +112,6 @@ TEST(NetRule, TellsWhichThresholdKeepsRulesOut) {
   EXPECT_EQ(obstacle(":method Vireo2 :thresholdin 9"), "ThresholdIn 1.500000");
   EXPECT_EQ(TNetRule::ObstacleToRules(TTarn(kInputMF, 1, kOutputMF), TKQstructure()).has_value(),
             false);
-}
-
-// A shift between the variables of a node changes no answer, and no rule of two methods.
-TEST(NetRule, ReadsWhatTheNetworkAnswers) {
-  Random::Seed(5);
-  TTarn network(kInputMF, 4, kOutputMF);
-  network.InitWeights(-2.0, 2.0);
-  TTarn shifted = network;
-  for (int node = 0; node < 4; ++node) {
-    for (int k = 0; k < 5; ++k) {
-      shifted.SetWeightValue(2, k, node, network.GetWeightValue(2, k, node) + (k < 3 ? 1 : -1));
-    }
-  }
-  const auto data = MakePatterns(5, 2, 2, 0.0, 1.0);
-  TErrorRMSObj one(2);
-  TErrorRMSObj other(2);
-  EXPECT_NEAR(network.RecallError(data.get(), &one), shifted.RecallError(data.get(), &other),
-              1e-12);
-  const auto rules = [](const TTarn& from, const std::string& method) {
-    return Short(Extracted(from, ":thresholdin 0.01 :method " + method).Rules());
-  };
-  for (const char* const method : {"NodeLocation", "Vireo2"}) {
-    EXPECT_EQ(rules(network, method), rules(shifted, method));
-  }
-  EXPECT_NE(rules(network, "RETarn"), rules(shifted, "RETarn"));
 }
 
 // The functions say of every value what the condition layer says, and ranges hold all centres.
@@ -284,23 +256,6 @@ TEST(NetRule, GivesBackWhatWasInserted) {
       EXPECT_EQ(Written(Extracted(*inserted)), text);
     }
   }
-}
-
-TEST(NetworkLabels, CountWhatANetworkHas) {
-  const auto counts = [](const TBasicNetwork& network) {
-    const TNetLabel labels = MakeDefaultLabels(network);
-    return TSizes{labels.NumInputs(), labels.NumConditions(), labels.NumOutputs(),
-                  labels.NumActions()};
-  };
-  EXPECT_EQ(counts(TTarn(kInputMF, 4, kOutputMF)), (TSizes{2, 5, 2, 4}));
-  EXPECT_EQ(counts(*MakePerceptron({4, 2}, true)), (TSizes{4, 0, 2, 0}));
-  EXPECT_EQ(counts(*MakePerceptron({4, 3, 5, 2}, true)), (TSizes{4, 0, 5, 0}));
-  EXPECT_EQ(counts(TBasicNetwork(1)), (TSizes{0, 0, 0, 0}));
-  TBasicNetwork longer(7);
-  longer.SetLayer(2, std::make_unique<TConditionLayer>(kInputMF));
-  longer.SetLayer(4, std::make_unique<TSimpleLayer>(8));
-  longer.SetLayer(5, std::make_unique<TTarnOutputLayer>(kOutputMF));
-  EXPECT_EQ(counts(longer), (TSizes{2, 5, 8, 0}));
 }
 
 }  // namespace

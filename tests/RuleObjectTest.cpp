@@ -233,36 +233,12 @@ TEST(RuleFile, RefusesToWriteWhatHasNoName) {
   EXPECT_EQ(write({0, 3}, {1, 0}), kNoName);
 }
 
-TEST(RuleSequence, ChecksPositions) {
-  TRuleExpression operands("and");
-  for (const int position : {0, 0, -1}) operands.Insert(position, TRuleAtom{operands.Count()});
-  operands.Replace(1, TRuleAtom{1});
-  operands.Remove(0);
-  EXPECT_EQ(Tree(operands.Get(0)) + Tree(operands.Get(1)), "yz");
-
-  const auto failed = [](const std::string& check, auto action) {
-    const std::string text = "Assertion failed: exprnum" + check + ", file RuleObject/RuleObject";
-    return Failure(action).starts_with(text);
-  };
-  EXPECT_TRUE(failed(">=0", [&] { operands.Get(-1); }));
-  EXPECT_TRUE(failed("<numSubExpressions", [&] { operands.Remove(2); }));
-  EXPECT_TRUE(failed("<=numSubExpressions", [&] { operands.Insert(3, {}); }));
-  EXPECT_TRUE(failed("<numConsequences", [] { TRuleConsequenceList().Get(0); }));
-}
-
 TEST(NetLabel, NamesVariablesAndTerms) {
   EXPECT_EQ(Written(MakeDefaultLabels({3, 2}, {2})), kDefaultLabels);
   const TNetLabel plain = MakeDefaultLabels(std::vector<int>(27), {0});
   EXPECT_EQ(plain.GetInputName(26), "InputBA");
   EXPECT_EQ(plain.NumConditions() + plain.NumActions(), 0);
   EXPECT_EQ(LetterCode(25) + LetterCode(11881375) + LetterCode(11881376), "ZZZZZZA");
-
-  TNetLabel labels({1}, {2, 2});
-  const std::string kOut = " number out of bounds Bad Parameter TNetLabel::";
-  EXPECT_EQ(Failure([&] { labels.SetInputName(-1, ""); }), "Input" + kOut + "SetInputName");
-  EXPECT_EQ(Failure([&] { labels.GetConditionName(1); }), "Condition" + kOut + "GetConditionName");
-  EXPECT_EQ(Failure([&] { labels.GetOutputName(2); }), "Output" + kOut + "SetOutputName");
-  EXPECT_EQ(Failure([&] { labels.GetActionName(4); }), "Action" + kOut + "GetActionName");
 }
 
 TEST(LabelFile, ReadsWhatAPersonWrote) {
