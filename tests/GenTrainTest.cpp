@@ -8,18 +8,12 @@
 #include "GA-Apps/GenTrain/TMLPGA.h"
 #include "GA-Apps/GenTrain/TTarnGA.h"
 #include "Networks.h"
-#include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/TIterateObjFlags.h"
 
 namespace kiln {
 namespace {
 
 constexpr TWeightBounds kBounds = {-5.0F, -2.0F};
-
-double RecallErrorOf(const TBasicNetwork& network, const Data& set) {
-  TErrorRMSObj error(network.NumOutputs());
-  return network.Clone()->RecallError(&set, &error);
-}
 
 // Networks with frozen weights, which no float holds, and a pruned one.
 class GeneticTraining : public testing::Test {
@@ -69,7 +63,7 @@ class GeneticTraining : public testing::Test {
         EXPECT_TRUE(std::ranges::is_sorted(errors, std::greater<>())) << crossover;
         EXPECT_LT(errors.back(), errors.front());
         EXPECT_EQ(result, errors.back());
-        EXPECT_EQ(result, RecallErrorOf(network, *set));
+        EXPECT_EQ(result, ErrorOn(network, *set));
         const TValues trained = network.GetWeights(FMaskAll);
         for (std::size_t i = 0; i < start.size(); ++i) {
           const double bred = trainer.ExportBest()[i].Real();
@@ -123,7 +117,7 @@ TEST_F(GeneticTraining, PutsTheNetworkOnceAmongRandomIndividuals) {
 TEST_F(GeneticTraining, EndsAtTheTargetOrOnRequestAndDoesNothingInNoGenerations) {
   TMLPGA trainer(perceptron, kBounds, 20);
   const TValues weights = perceptron->GetWeights(FMaskAll);
-  EXPECT_EQ(Train(trainer, {0, 0.0F}), RecallErrorOf(*perceptron, *set));
+  EXPECT_EQ(Train(trainer, {0, 0.0F}), ErrorOn(*perceptron, *set));
   EXPECT_EQ(perceptron->GetWeights(FMaskAll), weights);
   Train(trainer, {60, 0.0F, 1, -1, 0.05F});
   const double target = errors.at(30);
@@ -169,7 +163,7 @@ TEST_F(GeneticTraining, MeasuresTheMeanOverItsSetsOrGivesChanceToWhatIsBeyondRep
   evaluator.EvaluatePopulation({}, views, fitness);
   Random::Seed(3);
   EXPECT_EQ(fitness[0], static_cast<float>(0.5 * Random::Next() / 32767.0));
-  const double mean = (RecallErrorOf(*perceptron, *set) + RecallErrorOf(*perceptron, *other)) / 2.0;
+  const double mean = (ErrorOn(*perceptron, *set) + ErrorOn(*perceptron, *other)) / 2.0;
   EXPECT_EQ(evaluator.Lowest().DblError, mean);
   EXPECT_EQ(fitness[1], static_cast<float>(1.0 / mean));
 

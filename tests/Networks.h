@@ -5,6 +5,7 @@
 
 #include "DataObject/Data.h"
 #include "Failures.h"
+#include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "Shared/Random.h"
 #include "Values.h"
@@ -35,6 +36,24 @@ inline std::unique_ptr<Data> MakePatterns(int rows, int inputs, int outputs, dou
     data->AddRow(input, output);
   }
   return data;
+}
+
+// The root mean square error of a copy of the network.
+inline double ErrorOn(const TBasicNetwork& network, const Data& data) {
+  TErrorRMSObj error(network.NumOutputs());
+  return network.Clone()->RecallError(&data, &error);
+}
+
+// The derivative of `function` by `x`, as a central difference.
+template <typename TFunction>
+double Slope(double& x, double step, const TFunction& function) {
+  const double at = x;
+  x = at + step;
+  const double above = function();
+  x = at - step;
+  const double below = function();
+  x = at;
+  return (above - below) / (2 * step);
 }
 
 }  // namespace kiln

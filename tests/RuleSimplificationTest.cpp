@@ -125,18 +125,14 @@ TEST(RuleModel, AnswersAsTheNetworkOfItsRules) {
       EXPECT_NEAR(model.ErrorWithout(parts[i]), c.ErrorOf(shorter[i]), 1e-12);
     }
 
-    constexpr double kStep = 1e-6;
     TValues degrees = model.Degrees();
     const TValues gradient = model.Gradient();
+    const auto square = [&] {
+      model.SetDegrees(degrees);
+      return model.Error() * model.Error();
+    };
     for (std::size_t k = 0; k < degrees.size(); ++k) {
-      const auto square_at = [&](double degree) {
-        TValues changed = degrees;
-        changed[k] = degree;
-        model.SetDegrees(changed);
-        return model.Error() * model.Error();
-      };
-      const double above = square_at(degrees[k] + kStep);
-      EXPECT_NEAR(gradient[k], (above - square_at(degrees[k] - kStep)) / (2 * kStep), 1e-8);
+      EXPECT_NEAR(gradient[k], Slope(degrees[k], 1e-6, square), 1e-8);
     }
   }
 }

@@ -9,7 +9,6 @@
 
 #include "KQmessage/TKQstructure.h"
 #include "Networks.h"
-#include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"
 #include "Tarn/Centres.h"
@@ -224,27 +223,19 @@ TKQstructure Params(const std::string& settings) {
 }
 
 // The sum of (o - t)^2 over all outputs of all rows.
-double SquaredError(TTarn& tarn, const Data& data) {
-  TErrorRMSObj rms(tarn.NumOutputs());
-  return std::pow(tarn.RecallError(&data, &rms), 2) * data.Outputs() * data.DataRows();
+double SquaredError(const TTarn& tarn, const Data& data) {
+  return std::pow(ErrorOn(tarn, data), 2) * data.Outputs() * data.DataRows();
 }
 
 // The derivative of half of it by each weight, as a central difference.
 TValues Gradient(TTarn tarn, const Data& data) {
-  constexpr double kStep = 1e-6;
   TValues weights = tarn.GetWeights(FMaskAll);
-  const auto error_of = [&](double& weight, double value) {
-    weight = value;
+  const auto half_error = [&] {
     tarn.SetWeights(weights, FMaskAll);
     return SquaredError(tarn, data) / 2;
   };
   TValues gradient;
-  for (double& weight : weights) {
-    const double at = weight;
-    const double above = error_of(weight, at + kStep);
-    gradient.push_back((above - error_of(weight, at - kStep)) / (2 * kStep));
-    weight = at;
-  }
+  for (double& weight : weights) gradient.push_back(Slope(weight, 1e-6, half_error));
   return gradient;
 }
 

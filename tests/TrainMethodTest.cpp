@@ -5,7 +5,6 @@
 
 #include "KQmessage/TKQstructure.h"
 #include "Networks.h"
-#include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/Training/TBackpropModule.h"
 #include "NeuralNets/Training/TLevenbergPass.h"
 #include "Tarn/TTarnBP.h"
@@ -17,11 +16,6 @@ namespace {
 double TrainFor(TTrainModule& trainer, const Data& data, const std::string& settings, int epochs) {
   TKQstructure params = TKQstructure::Parse("(P " + settings + ")");
   return trainer.Train(data, params, epochs);
-}
-
-double ErrorOn(TBasicNetwork& network, const Data& data) {
-  TErrorRMSObj error(network.NumOutputs());
-  return network.RecallError(&data, &error);
 }
 
 // --- Slow methods, on numbers that are measured ----------------------------------------------
@@ -264,14 +258,10 @@ void ExpectDerivatives(TTrainState& state, TLayerwisePass& pass, const Data& dat
       state.ForEachBlock([&](std::size_t to, std::size_t from) {
         const std::span<double> weights = network.Connections(to, from).Weights();
         for (std::size_t i = 0; i < weights.size(); ++i) {
-          const double weight = weights[i];
-          const auto output_at = [&](double value) {
-            weights[i] = value;
+          const double slope = Slope(weights[i], 1e-6, [&] {
             network.RecallPattern(data.Row(n).Inputs, outputs);
-            weights[i] = weight;
             return outputs[o];
-          };
-          const double slope = (output_at(weight + 1e-6) - output_at(weight - 1e-6)) / 2e-6;
+          });
           ASSERT_NEAR(state.gradients.Block(to, from)[i], slope, 1e-6) << name << ", place " << i;
         }
       });

@@ -102,15 +102,9 @@ class TSlowTrainer {
 
   // Of half the error, where that is a square. Connections that lead back have none.
   double Gradient(const TLink& link, const DataRow& row, const TSettings& s) {
-    constexpr double kStep = 1e-5;
     if (link.leads_back) return 0.0;
-    const double weight = *link.weight;
-    *link.weight = weight + kStep;
-    const double above = PatternError(row, s);
-    *link.weight = weight - kStep;
-    const double below = PatternError(row, s);
-    *link.weight = weight;
-    return (above - below) / (s.entropy ? 2 : 4) / kStep;
+    const double slope = Slope(*link.weight, 1e-5, [&] { return PatternError(row, s); });
+    return s.entropy ? slope : slope / 2;
   }
 
   void Update(const TSettings& s, double share) {

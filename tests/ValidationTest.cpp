@@ -10,17 +10,11 @@
 #include "Networks.h"
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/Maps/TMapScore.h"
-#include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/TScore.h"
 #include "NeuralNets/Training/TBackpropModule.h"
 
 namespace kiln {
 namespace {
-
-double ErrorOn(const TBasicNetwork& network, const Data& set) {
-  TErrorRMSObj error(network.NumOutputs());
-  return network.Clone()->RecallError(&set, &error);
-}
 
 TKQstructure Params(const std::string& method) {
   TKQstructure params("Params");
