@@ -143,34 +143,20 @@ TEST_F(GeneticTraining, LeavesTheNetworkAloneWhenItFails) {
   EXPECT_EQ(perceptron->GetWeights(FMaskAll), weights);
 }
 
-// Repairs only chromosomes whose first gene is positive.
-class Choosy : public TMLPGAEval {
- public:
-  using TMLPGAEval::TMLPGAEval;
-  bool Repair(std::span<GeneValue> genes) override { return genes[0].Real() > 0.0F; }
-};
-
-TEST_F(GeneticTraining, MeasuresTheMeanOverItsSetsOrGivesChanceToWhatIsBeyondRepair) {
-  Choosy evaluator(*perceptron, kBounds);
+TEST_F(GeneticTraining, TakesTheReciprocalOfTheMeanErrorForFitness) {
   const auto other = MakePatterns(7, 2, 2, 0.0, 1.0);
+  TMLPGAEval evaluator(*perceptron, kBounds);
   evaluator.SetData(std::array<const Data*, 2>{set.get(), other.get()});
-  std::vector<std::vector<GeneValue>> genes(2, evaluator.SeedGenome());
-  genes[0][0] = GeneValue::OfReal(-1.0F);
-  genes[1][0] = GeneValue::OfReal(1.0F);
-  const std::array<std::span<GeneValue>, 2> views = {genes[0], genes[1]};
-  std::array<float, 2> fitness = {};
-  Random::Seed(3);
-  evaluator.EvaluatePopulation({}, views, fitness);
-  Random::Seed(3);
-  EXPECT_EQ(fitness[0], static_cast<float>(0.5 * Random::Next() / 32767.0));
+  const std::vector<GeneValue> genes = evaluator.SeedGenome();
+  const auto record = evaluator.Evaluate(genes);
   const double mean = (ErrorOn(*perceptron, *set) + ErrorOn(*perceptron, *other)) / 2.0;
-  EXPECT_EQ(evaluator.Lowest().DblError, mean);
-  EXPECT_EQ(fitness[1], static_cast<float>(1.0 / mean));
+  EXPECT_EQ(record.DblError, mean);
+  EXPECT_EQ(record.FltFitness, static_cast<float>(1.0 / mean));
 
   Data exact(1, 2, 2, false);
   exact.AddRow(TValues{0.0, 0.0}, TValues{0.5, 0.5});
   evaluator.SetData(std::array<const Data*, 1>{&exact});
-  const std::vector<GeneValue> zeros(genes[0].size());
+  const std::vector<GeneValue> zeros(genes.size());
   EXPECT_EQ(evaluator.Evaluate(zeros).FltFitness, 2147483648.0F) << "no error at all";
 }
 

@@ -111,16 +111,5 @@ TEST(LineCheck, FindsWhatNobodyCanHaveMeant) {
   }
 }
 
-TEST(Interpreter, AnErrorLeavesTheCursorWhereItWas) {
-  TInterpreter interpreter;
-  auto set = std::make_shared<Data>(5, 1, 0, false);
-  for (double value = 0; value < 3; ++value) set->AddRow({&value, 1}, {});
-  interpreter.Insert({"d", set});
-  set->SetCursor(-9);
-  EXPECT_EQ(interpreter.Execute("query getnextrow d"), -1);
-  EXPECT_EQ(interpreter.GetError(), "Invalid Data Row Bad Parameter Data::GetInputRow");
-  EXPECT_EQ(set->Cursor(), -9);
-}
-
 }  // namespace
 }  // namespace kiln

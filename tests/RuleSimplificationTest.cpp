@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "Networks.h"
-#include "NeuralNets/TErrorObj.h"
 #include "Tarn/RuleExtraction/DegreeFit.h"
 #include "Tarn/RuleExtraction/RuleSimplification.h"
 #include "Tarn/RuleExtraction/TNetRule.h"
@@ -52,9 +51,8 @@ struct TCase {
     auto [inputs, outputs] = TNetRule::GetNetMF(terms, MakeDefaultLabels({2, 3, 2, 4}, {3, 2}));
     TRuleList list("RENet");
     for (const TFlatRule& rule : of) list.Append(RuleOf(rule));
-    TErrorRMSObj error(2);
-    return TNetRule::RITarn({std::move(inputs), std::move(list), std::move(outputs)})
-        ->RecallError(data.get(), &error);
+    return ErrorOn(*TNetRule::RITarn({std::move(inputs), std::move(list), std::move(outputs)}),
+                   *data);
   }
 
   // The error of answering the means.
