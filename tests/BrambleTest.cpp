@@ -263,7 +263,8 @@ TEST_F(GeneticRun, HandsRepairsDown) {
 }
 
 TEST_F(GeneticRun, StartsFromGenesWrittenIntoTheExport) {
-  for (GeneValue& gene : driver.ExportCurrent().back()) gene = GeneValue::OfReal(2.0F);
+  const auto genes = driver.ExportCurrent();
+  std::ranges::fill(genes.back(), GeneValue::OfReal(2.0F));
   EXPECT_EQ(Bests({.IntGenerations = 1}), std::vector<float>{24.0F});
   EXPECT_EQ(driver.ExportGenome().size(), 12U);
 }
