@@ -25,14 +25,13 @@ void TRprop::Move(TWeight& own, double gradient, double& weight) const {
   if (turn < 0.0) {
     own.step = std::max(own.step * kShrinkage, kLeastStep);
     own.gradient = 0.0;
-    if (has_risen_) weight = own.before;
+    if (has_risen_) weight -= own.change;
     return;
   }
   if (turn > 0.0) own.step = std::min(own.step * kGrowth, largest_step_);
   own.gradient = gradient;
-  own.before = weight;
-  if (gradient > 0.0) weight -= own.step;
-  if (gradient < 0.0) weight += own.step;
+  own.change = gradient > 0.0 ? -own.step : gradient < 0.0 ? own.step : 0.0;
+  weight += own.change;
 }
 
 }  // namespace kiln

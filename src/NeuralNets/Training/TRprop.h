@@ -12,8 +12,8 @@ namespace kiln {
 // step size of its own, and only the sign of its gradient counts. With g the gradient and g' that
 // of the update before:
 //   g g' > 0   the step size grows, and the weight goes a step down the gradient
-//   g g' < 0   the step size shrinks; where the error has risen as well, the weight goes back to
-//              where it was before its last step, otherwise it stays; then g counts as 0
+//   g g' < 0   the step size shrinks; where the error has risen as well, the weight takes its last
+//              step back, otherwise it stays; then g counts as 0
 //   g g' = 0   the weight goes a step down the gradient
 // It takes gradients over the whole set: those of a part change their signs by chance.
 class TRprop {
@@ -40,7 +40,7 @@ class TRprop {
   struct TWeight {
     double step = 0.0;
     double gradient = 0.0;  // g'
-    double before = 0.0;    // the weight before its last step
+    double change = 0.0;    // what the last step added to the weight
   };
 
   void Move(TWeight& own, double gradient, double& weight) const;
