@@ -204,7 +204,7 @@ class TAssembly {
     for (const std::size_t c : side) {
       const std::string& name = columns_.all[c].name;
       if (!columns_.all[c].IsOfWords()) names.push_back(name);
-      for (const std::string& word : words_[c]) names.push_back(name + '=' + word);
+      for (const std::string& word : words_[c]) names.emplace_back(name).append("=").append(word);
     }
     return names;
   }

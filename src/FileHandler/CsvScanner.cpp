@@ -84,7 +84,7 @@ TCell TScanner::ReadQuoted() {
   return {unquoted_, true};
 }
 
-bool TScanner::IsNumber(std::string_view cell, double& value) {
+bool TScanner::IsNumber(std::string_view cell, double& value) const {
   if (cell.starts_with('+') && !cell.starts_with("+-")) cell.remove_prefix(1);
   std::string with_point;
   if (separator_ == kDecimalCommaSeparator && std::ranges::count(cell, ',') == 1) {

@@ -56,7 +56,7 @@ class TScanner {
   TCell ReadCell();
 
   // Whether the text of a cell is a number. "nan" is none.
-  bool IsNumber(std::string_view cell, double& value);
+  bool IsNumber(std::string_view cell, double& value) const;
 
   // Passes over what stands behind a cell: true for a separator, false for the end of a row.
   bool ReadSeparator();

@@ -50,8 +50,9 @@ class TDataManip {
   // The columns at the listed places, of either side, in the listed order, with all labels. The
   // result has as many positions as the source.
   // REQUIRES: the places exist.
-  static std::unique_ptr<Data> Rearrange(const Data* source, std::span<const ColumnPlace> inputs,
-                                         std::span<const ColumnPlace> outputs);
+  static std::unique_ptr<Data> Rearrange(const Data* source,
+                                         std::span<const ColumnPlace> input_places,
+                                         std::span<const ColumnPlace> output_places);
 
   // The listed rows in the listed order, with their labels. REQUIRES: the rows exist.
   static std::unique_ptr<Data> Rows(const Data* source, std::span<const int> rows);
