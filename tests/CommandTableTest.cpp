@@ -135,7 +135,7 @@ TEST_F(CommandTable, RefusesWrongAliasesBooleansAndPathsBeforeAnythingChanges) {
       if (tag.kind == TValueKind::kNewAlias) wrong = {"taken"};
       if (tag.kind == TValueKind::kAlias) wrong = {"nobody"};
       if (tag.kind == TValueKind::kAlias && !tag.words.empty()) {
-        wrong.push_back(HasWord(tag.words, "Data") ? "s" : "d");
+        wrong.emplace_back(HasWord(tag.words, "Data") ? "s" : "d");
       }
       if (tag.kind == TValueKind::kBoolean) wrong = {"maybe"};
       if (tag.kind == TValueKind::kPath) wrong = {"none.txt", "(none/none.txt)"};
