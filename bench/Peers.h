@@ -29,7 +29,7 @@ using TArrival = std::function<double(int seed)>;
 TArrival FannArrival(const TArrivalTask& task, double error);
 
 // scikit-learn, from weights of its own: "lbfgs", whose time is that of the shortest training that
-// arrives, or "adam", at a rate of 0.01 in batches of 200, at most 2000 epochs.
+// arrives, or "adam", at a rate of 0.01 in batches of 200, at most 1000 epochs.
 TArrival ScikitArrival(const TScratch& scratch, const TArrivalTask& task, const char* solver,
                        double error);
 
