@@ -155,7 +155,7 @@ std::vector<std::string_view> RequiredWords(const TCommandLine& line, std::strin
 
 std::vector<std::string_view> RequiredDestinations(const TInterpreter& interpreter,
                                                    const TCommandLine& line) {
-  const auto aliases = RequiredWords(line, "destination", "tag destination not found");
+  auto aliases = RequiredWords(line, "destination", "tag destination not found");
   for (std::size_t i = 0; i < aliases.size(); ++i) {
     RefuseReserved(aliases[i]);
     const auto others = std::span(aliases).first(i);
@@ -237,6 +237,7 @@ TAnswer Recombine(TInterpreter& interpreter, const TCommandLine& line) {
   RequireAsMany("rows", rows.size(), "sources", sources.size());
   StartRandom(line);
   std::vector<const Data*> sets;
+  sets.reserve(sources.size());
   for (const auto& source : sources) sets.push_back(source.get());
   interpreter.Insert({destination, TDataManip::Recombine(sets, rows)});
   for (const auto& source : sources) source->ResetCursor();
@@ -284,6 +285,7 @@ class TColumnFinder {
 
   std::vector<ColumnPlace> All(TSide side) const {
     std::vector<ColumnPlace> places;
+    places.reserve(static_cast<std::size_t>(Columns(side)));
     for (int c = 0; c < Columns(side); ++c) places.push_back({side, c});
     return places;
   }
