@@ -37,7 +37,7 @@ class TConfusion {
 
 // How well a network answers the rows of a data set.
 struct TScore {
-  double error;                       // root of the mean square over all outputs
+  double error = 0.0;                 // root of the mean square over all outputs
   std::optional<TConfusion> classes;  // where the outputs of the set are classes
 };
 
