@@ -36,7 +36,7 @@ struct TCase {
 TEST_F(TCsvTest, ReadsWhatOtherProgramsWrite) {
   const TCase cases[] = {
       // Separators, decimal commas, line ends, a byte order mark, blank lines, blanks around cells.
-      {"a,b\n1,2.5\n", {}, "a,b\n1,2.5\n"},
+      {"a,\r1,2.5\r", {}, "a,column1\n1,2.5\n"},
       {"\xEF\xBB\xBF\"a,b\";c\r\n1,5;-2\r\n\r\n+3;4e-1", {}, "\"a,b\",c\n1.5,-2\n3,0.4\n"},
       {"a\tb;c\n 1 \t2\n", {}, "a,\"b;c\"\n1,2\n"},
       // Quotes: separators, quotes and line ends in them.
@@ -79,13 +79,13 @@ TEST_F(TCsvTest, ReadsWhatOtherProgramsWrite) {
 TEST_F(TCsvTest, SaysWhatIsWrongAndWhere) {
   const TCase cases[] = {
       {"", {}, "an empty file (PATH, line 1)"},
-      {"a,b\n1,2\n3\n", {}, "1 cells in place of 2 (PATH, line 3)"},
-      {"a,b\n1,2\n\"3\n\",4\n1,2,3\n", {}, "column 0 (a): \"3\n\" is no number (PATH, line 3)"},
+      {"a,b\n1,2\n3\n", {}, "1 cell in place of 2 (PATH, line 3)"},
+      {"a,b\n1,2\n\"3\n\",4\n1,2,3\n", {}, "column 0 (a): \"3...\" is no number (PATH, line 3)"},
       {"a,b\n1,2\n1,2,3\n", {}, "more than 2 cells (PATH, line 3)"},
       {"a,b\n1,2\n1,x\n", {}, "column 1 (b): \"x\" is no number (PATH, line 3)"},
       {"a,b\n1,x\n1,2\n", {}, "column 1 (b): the number 2 among words (PATH, line 3)"},
       {"a,b\n1,2\n1, \n", {}, "column 1 (b): no value (PATH, line 3)"},
-      {"a,b\n1,2\n\n1,NaN\n", {}, "column 1 (b): no value (PATH, line 4)"},
+      {"a,b\r1,2\r\n\r1,NaN\n", {}, "column 1 (b): no value (PATH, line 4)"},
       {"a,b\n1,2\n1,\"x\n\n", {}, "column 1 (b): a quote without an end (PATH, line 3)"},
       {"a,b\n1,\"x\"y\n", {}, "column 1 (b): text behind the closing quote (PATH, line 2)"},
       {"a,b\n1,x\"y\n", {}, "column 1 (b): a quote inside a cell without quotes (PATH, line 2)"},

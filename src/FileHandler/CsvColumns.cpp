@@ -1,9 +1,7 @@
 #include "FileHandler/CsvColumns.h"
 
-#include <string_view>
-#include <unordered_map>
-
 #include "Shared/NumberScan.h"
+#include "Shared/TNameIndex.h"
 
 namespace kiln::CsvFile {
 
@@ -31,31 +29,23 @@ TFirstLine ReadFirstLine(TScanner& scanner) {
 class TFinder {
  public:
   explicit TFinder(const std::vector<TColumn>& columns) : size_(columns.size()) {
-    for (std::size_t c = 0; c < size_; ++c) {
-      const auto [entry, is_new] = by_name_.emplace(columns[c].name, c);
-      if (!is_new) entry->second = kSeveral;
-    }
+    for (const TColumn& column : columns) names_.Add(column.name);
   }
 
   // The column called `word` in the header, else that of this number.
   std::size_t Find(const std::string& word) const {
-    if (const auto named = by_name_.find(word); named != by_name_.end()) {
-      if (named->second == kSeveral) Fail("several columns are called " + word);
-      return named->second;
-    }
-    const bool is_number = word.find_first_not_of("0123456789") == word.npos;
-    const auto number = is_number ? ScanInteger(word) : std::nullopt;
-    if (!number || static_cast<std::size_t>(*number) >= size_) Fail("no column " + word);
-    return static_cast<std::size_t>(*number);
+    if (names_.HasSeveral(word)) Fail("several columns are called " + word);
+    const auto named = names_.Find(word);
+    const auto found = named ? named : ScanPlace(word, size_);
+    if (!found) Fail("no column " + word);
+    return *found;
   }
 
   [[noreturn]] static void Fail(const std::string& message) { throw TFault(message, 0, kNoColumn); }
 
  private:
-  static constexpr std::size_t kSeveral = static_cast<std::size_t>(-1);
-
   std::size_t size_;
-  std::unordered_map<std::string_view, std::size_t> by_name_;
+  TNameIndex names_;
 };
 
 // Gives columns the parts that the options ask for.
@@ -118,7 +108,8 @@ TColumns ReadColumns(TScanner& scanner, const Options& options) {
   columns.has_header = options.header.value_or(first.has_text);
   columns.all.resize(first.cells.size());
   for (std::size_t c = 0; c < columns.all.size(); ++c) {
-    columns.all[c].name = columns.has_header ? first.cells[c] : "column" + std::to_string(c);
+    const bool has_name = columns.has_header && !first.cells[c].empty();
+    columns.all[c].name = has_name ? first.cells[c] : "column" + std::to_string(c);
   }
   if (!columns.has_header) scanner = start;
   AssignParts(columns, options);

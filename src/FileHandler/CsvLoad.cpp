@@ -94,6 +94,10 @@ class TPieceReader {
     std::vector<std::size_t> labels;
   };
 
+  static std::string Cells(std::size_t count) {
+    return std::to_string(count) + (count == 1 ? " cell" : " cells");
+  }
+
   // Tells whether the row counts.
   bool ReadRow(TScanner& scanner, std::vector<TWords>& words, TRow& row) const {
     bool counts = true;
@@ -106,9 +110,8 @@ class TPieceReader {
       }
       const bool goes_on = scanner.ReadSeparator();
       if (goes_on == (c < last)) continue;
-      const std::string wanted = std::to_string(last + 1);
-      if (goes_on) scanner.FailRow("more than " + wanted + " cells");
-      scanner.FailRow(std::to_string(c + 1) + " cells in place of " + wanted);
+      if (goes_on) scanner.FailRow("more than " + Cells(last + 1));
+      scanner.FailRow(Cells(c + 1) + " in place of " + std::to_string(last + 1));
     }
     return counts;
   }
@@ -126,11 +129,11 @@ class TPieceReader {
     if (column.IsOfWords()) {
       double number = 0.0;
       if (column.kind == TKind::kWords && scanner.IsNumber(cell.text, number)) {
-        scanner.Fail("the number " + std::string(cell.text) + " among words");
+        scanner.Fail("the number " + Shown(cell.text) + " among words");
       }
       row.values[c] = static_cast<double>(words[column.words].Find(cell.text));
     } else if (column.is_value && !scanner.IsNumber(cell.text, row.values[c])) {
-      scanner.Fail('"' + std::string(cell.text) + "\" is no number");
+      scanner.Fail('"' + Shown(cell.text) + "\" is no number");
     }
     return true;
   }
@@ -276,7 +279,7 @@ std::string Message(const TFault& fault, const TColumns& columns) {
   if (fault.Column() == kNoColumn) return fault.what();
   std::string place = "column " + std::to_string(fault.Column());
   if (columns.has_header && fault.Column() < columns.all.size()) {
-    place += " (" + columns.all[fault.Column()].name + ')';
+    place += " (" + Shown(columns.all[fault.Column()].name) + ')';
   }
   return place + ": " + fault.what();
 }
@@ -291,8 +294,7 @@ Table Load(const std::string& path, const Options& options) {
   try {
     return MakeTable(text, options, columns);
   } catch (const TFault& fault) {
-    const auto line = 1 + std::ranges::count(text.substr(0, fault.Offset()), '\n');
-    throw FileTools::Error(Message(fault, columns), path, static_cast<std::size_t>(line));
+    throw FileTools::Error(Message(fault, columns), path, LineAt(text, fault.Offset()));
   }
 }
 

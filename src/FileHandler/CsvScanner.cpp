@@ -16,6 +16,7 @@ namespace {
 
 constexpr char kQuote = '"';
 constexpr char kDecimalCommaSeparator = ';';
+constexpr std::size_t kMostShown = 60;  // characters of a text in a message
 
 }  // namespace
 
@@ -35,8 +36,7 @@ TScanner::TScanner(std::string_view text, char separator, std::size_t offset)
       separator_(separator) {}
 
 bool TScanner::IsCellEnd(const char* at) const {
-  if (at == end_ || *at == separator_ || *at == '\n') return true;
-  return *at == '\r' && (at + 1 == end_ || at[1] == '\n');
+  return at == end_ || *at == separator_ || *at == '\n' || *at == '\r';
 }
 
 void TScanner::SkipEmptyLines() {
@@ -119,6 +119,24 @@ void TScanner::FailRow(const std::string& message) const {
   throw TFault(message, static_cast<std::size_t>(cell_ - begin_), kNoColumn);
 }
 
+std::string Shown(std::string_view text) {
+  const auto is_control = [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; };
+  const auto control = std::ranges::find_if(text, is_control) - text.begin();
+  std::size_t size = std::min(static_cast<std::size_t>(control), kMostShown);
+  if (size == text.size()) return std::string(text);
+  while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0U) == 0x80) --size;
+  return std::string(text.substr(0, size)) + "...";
+}
+
+std::size_t LineAt(std::string_view text, std::size_t offset) {
+  std::size_t line = 1;
+  for (std::size_t i = 0; i < offset; ++i) {
+    const bool is_lone_return = text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n');
+    if (text[i] == '\n' || is_lone_return) ++line;
+  }
+  return line;
+}
+
 char FindSeparator(std::string_view text) {
   bool has_semicolon = false;
   bool quoted = false;
@@ -126,7 +144,7 @@ char FindSeparator(std::string_view text) {
     if (c == kQuote) quoted = !quoted;
     if (quoted) continue;
     if (c == '\t') return c;
-    if (c == '\n') break;
+    if (c == '\n' || c == '\r') break;
     has_semicolon = has_semicolon || c == ';';
   }
   return has_semicolon ? ';' : ',';

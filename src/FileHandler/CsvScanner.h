@@ -37,7 +37,7 @@ struct TCell {
 // Walks through a text cell by cell.
 //
 // The separator of cells is a tab, a semicolon or a comma. Beside semicolons a number may have a
-// comma in place of the point.
+// comma in place of the point. Rows end with a line feed, a carriage return or both.
 class TScanner {
  public:
   // Starts at `offset` of the text, where a row begins. The text outlives the scanner.
@@ -77,6 +77,14 @@ class TScanner {
   std::size_t column_ = 0;
   std::string unquoted_;  // a cell that is not as it stands in the text
 };
+
+// `text` as a message can show it: cut off where it is long or goes on to another line.
+std::string Shown(std::string_view text);
+
+// The line, counted from 1, on which an offset stands. Lines end with a line feed, a carriage
+// return or both.
+// REQUIRES: the text is at least as long.
+std::size_t LineAt(std::string_view text, std::size_t offset);
 
 // The separator of a text by its first line: of tab, semicolon and comma the first that stands
 // there outside quotes.

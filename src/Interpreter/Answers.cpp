@@ -9,9 +9,11 @@ namespace {
 template <typename T, typename TFormat>
 std::string Braced(std::span<const T> values, TFormat format) {
   std::string text = "{";
+  const char* gap = "";
   for (const T& value : values) {
-    if (text.size() > 1) text += ", ";
+    text += gap;
     text += format(value);
+    gap = ", ";
   }
   text += '}';
   return text;

@@ -178,13 +178,10 @@ TAnswer HistoryOf(TInterpreter& interpreter, const TCommandLine& line) {
          AnswerArray(validation);
 }
 
-// A getter of one figure for every column of a side.
-using TFigures = std::vector<double> (TDataStats::*)();
-
 struct TStatistic {
   std::string_view word;
-  TFigures inputs;
-  TFigures outputs;
+  TDataStats::TFigures inputs;
+  TDataStats::TFigures outputs;
 };
 
 constexpr TStatistic kStatistics[] = {

@@ -20,6 +20,7 @@ struct TExamination {
   std::shared_ptr<Data> set;
 };
 
+// The network and the set that the line names.
 TExamination RequiredExamination(const TInterpreter& interpreter, const TCommandLine& line) {
   TExamination exam;
   exam.network_alias = RequiredAlias(line, "network");
@@ -33,10 +34,9 @@ TExamination RequiredExamination(const TInterpreter& interpreter, const TCommand
   return exam;
 }
 
-TScore ScoreOf(const TExamination& exam) {
+void RequireOutputs(const TExamination& exam) {
   RequireColumns(exam.set_alias, exam.set->Outputs(), "outputs", exam.network_alias,
                  exam.network->NumOutputs());
-  return MeasureScore(*exam.network, *exam.set);
 }
 
 }  // namespace
@@ -49,9 +49,10 @@ TAnswer Score(TInterpreter& interpreter, const TCommandLine& line) {
     return answer + " quantisation " + AnswerGeneral(score.quantisation) + " topographic " +
            AnswerGeneral(score.topographic);
   }
-  const TScore score = ScoreOf(exam);
+  RequireOutputs(exam);
+  const TScore score = MeasureScore(*exam.network, *exam.set);
   answer += " error " + AnswerGeneral(score.error);
-  if (score.classes) answer += " right " + std::to_string(score.classes->Right());
+  if (score.right) answer += " right " + std::to_string(*score.right);
   return answer;
 }
 
@@ -60,14 +61,14 @@ TAnswer Confusion(TInterpreter& interpreter, const TCommandLine& line) {
   if (std::dynamic_pointer_cast<TKohonenNetwork>(exam.network)) {
     Fail(exam.network_alias, " is a map, which tells no classes");
   }
-  const TScore score = ScoreOf(exam);
-  if (!score.classes) Fail("the outputs of ", exam.set_alias, " are not classes");
-  const TConfusion& classes = *score.classes;
+  RequireOutputs(exam);
+  const auto confusion = MeasureConfusion(*exam.network, *exam.set);
+  if (!confusion) Fail("the outputs of ", exam.set_alias, " are not classes");
   std::vector<std::string> rows;
-  for (std::size_t expected = 0; expected < classes.Classes(); ++expected) {
+  for (std::size_t expected = 0; expected < confusion->Classes(); ++expected) {
     std::vector<int> counts;
-    for (std::size_t answered = 0; answered < classes.Classes(); ++answered) {
-      counts.push_back(classes.Count(expected, answered));
+    for (std::size_t answered = 0; answered < confusion->Classes(); ++answered) {
+      counts.push_back(confusion->Count(expected, answered));
     }
     rows.push_back(AnswerArray(counts));
   }

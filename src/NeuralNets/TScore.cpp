@@ -32,26 +32,35 @@ bool HasClasses(const Data& set) {
   return true;
 }
 
-}  // namespace
-
-int TConfusion::Right() const {
-  int right = 0;
-  for (std::size_t c = 0; c < classes_; ++c) right += Count(c, c);
-  return right;
+// Calls compare(row, output) for each row with what the network answers, in a copy of it.
+template <typename TCompare>
+void ForEachAnswer(const TBasicNetwork& network, const Data& set, TCompare compare) {
+  const std::unique_ptr<TBasicNetwork> copy = network.Clone();
+  TRecall(*copy).ForEachRow(set, compare);
 }
+
+}  // namespace
 
 TScore MeasureScore(const TBasicNetwork& network, const Data& set) {
   network.CheckFits(set, "MeasureScore");
-  const std::unique_ptr<TBasicNetwork> copy = network.Clone();
   TErrorRMSObj error(network.NumOutputs());
-  TScore score = {0.0, std::nullopt};
-  if (HasClasses(set)) score.classes.emplace(std::max<std::size_t>(network.NumOutputs(), 2));
-  TRecall(*copy).ForEachRow(set, [&](const DataRow& row, std::span<const double> output) {
+  int right = 0;
+  ForEachAnswer(network, set, [&](const DataRow& row, std::span<const double> output) {
     error.Accumulate(row.Outputs, output);
-    if (score.classes) score.classes->Add(AnsweredClass(row.Outputs), AnsweredClass(output));
+    if (AnsweredClass(row.Outputs) == AnsweredClass(output)) ++right;
   });
-  score.error = error.Value();
-  return score;
+  if (!HasClasses(set)) return {error.Value(), std::nullopt};
+  return {error.Value(), right};
+}
+
+std::optional<TConfusion> MeasureConfusion(const TBasicNetwork& network, const Data& set) {
+  network.CheckFits(set, "MeasureConfusion");
+  if (!HasClasses(set)) return std::nullopt;
+  TConfusion confusion(std::max<std::size_t>(network.NumOutputs(), 2));
+  ForEachAnswer(network, set, [&](const DataRow& row, std::span<const double> output) {
+    confusion.Add(AnsweredClass(row.Outputs), AnsweredClass(output));
+  });
+  return confusion;
 }
 
 }  // namespace kiln

@@ -23,9 +23,6 @@ class TConfusion {
     return counts_[expected * classes_ + answered];
   }
 
-  // Rows whose class was answered.
-  int Right() const;
-
  private:
   int& At(std::size_t expected, std::size_t answered) {
     return counts_[expected * classes_ + answered];
@@ -37,8 +34,8 @@ class TConfusion {
 
 // How well a network answers the rows of a data set.
 struct TScore {
-  double error = 0.0;                 // root of the mean square over all outputs
-  std::optional<TConfusion> classes;  // where the outputs of the set are classes
+  double error = 0.0;        // root of the mean square over all outputs
+  std::optional<int> right;  // rows whose class was answered, where the outputs are classes
 };
 
 // Outputs are classes when in every row all are 0 but for a 1: the class is that column, and the
@@ -48,5 +45,8 @@ struct TScore {
 // The network answers in a copy and stays as it is. Throws TException when the columns of the set
 // do not fit. REQUIRES: the set has rows.
 TScore MeasureScore(const TBasicNetwork& network, const Data& set);
+
+// Nothing where the outputs of the set are no classes. Otherwise as above.
+std::optional<TConfusion> MeasureConfusion(const TBasicNetwork& network, const Data& set);
 
 }  // namespace kiln

@@ -46,6 +46,14 @@ std::optional<std::int64_t> ScanInteger(std::string_view text) {
   return value;
 }
 
+std::optional<std::size_t> ScanPlace(std::string_view text, std::size_t count) {
+  std::size_t place = 0;
+  const char* const last = text.data() + text.size();
+  const auto [end, error] = std::from_chars(text.data(), last, place);
+  if (error != std::errc() || end != last || place >= count) return std::nullopt;
+  return place;
+}
+
 std::optional<double> ScanNumber(std::string_view text) {
   // Most numbers of a file have neither blanks nor a plus sign in front.
   if (text.empty() || text.front() < '-') text = SkipToNumber(text);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -12,6 +13,10 @@ namespace kiln {
 
 // A decimal integer. Beyond 64 bits it becomes the nearest 64-bit one.
 std::optional<std::int64_t> ScanInteger(std::string_view text);
+
+// A place among `count`, from 0 on. Unlike the others `text` must be nothing but its decimal
+// digits.
+std::optional<std::size_t> ScanPlace(std::string_view text, std::size_t count);
 
 // A decimal or, behind "0x", a hexadecimal number, "inf", "infinity" or "nan" in any case; infinite
 // beyond the range of doubles.

@@ -36,7 +36,9 @@ class TDataStats {
   int GetMinOutputRow(int column);
   double GetAverageOutput(int column);
 
-  // One value a column.
+  // A getter of one value a column, as those below.
+  using TFigures = std::vector<double> (TDataStats::*)();
+
   std::vector<double> GetInputMaxima();
   std::vector<double> GetInputMinima();
   std::vector<double> GetInputAverages();
