@@ -12,7 +12,7 @@ root=$PWD/root
 mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
 touch "$root/var/lib/dpkg/status"
 as_package_manager() {
-  dpkg --root="$root" --force-depends --force-not-root --force-bad-path --log="$PWD/dpkg.log" "$@" >>dpkg.out 2>&1
+  dpkg --root="$root" --force-depends --force-not-root --force-bad-path --force-script-chrootless --log="$PWD/dpkg.log" "$@" >>dpkg.out 2>&1
 }
 as_package_manager -i packages/*.deb || { cat dpkg.out; exit 1; }
 
@@ -32,6 +32,10 @@ cmake -S "$doc/examples/embed" -B embed -DKiln_DIR="$root/usr/lib/cmake/Kiln" >e
 cmake --build embed >>embed.log 2>&1 || { cat embed.log; exit 1; }
 embed/embed | tail -n 4 | tee embed.txt
 [ "$(grep -cE 'inputs \{(0, 0|1, 1)\} outputs \{0\.0|inputs \{(0, 1|1, 0)\} outputs \{0\.9' embed.txt)" = 4 ]
+
+if /usr/bin/python3 -c 'import numpy' 2>/dev/null; then
+  PYTHONPATH=$root/usr/lib/python3/dist-packages env -u PYTHONDONTWRITEBYTECODE /usr/bin/python3 -c 'import kiln; assert kiln.Session()("purge") is None'
+fi
 
 as_package_manager --purge kiln libkiln-dev
 [ -z "$(find "$root/usr" -type f 2>/dev/null)" ] || { find "$root" -type f; exit 1; }

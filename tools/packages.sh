@@ -8,6 +8,7 @@ have() {
     libedit-dev) have_header histedit.h ;;
     libfuzzylite-dev) have_header fl/Headers.h ;;
     libclang-rt-14-dev) ls "$(clang++ -print-resource-dir)"/lib/linux/libclang_rt.fuzzer-*.a ;;
+    python3-*) /usr/bin/python3 -c "import ${1#python3-}" ;;
     *) command -v "$1" ;;
   esac >/dev/null 2>&1
 }

@@ -1,0 +1,301 @@
+"""One console of Kiln, driven through pipes."""
+
+from __future__ import annotations
+
+import csv
+import io
+import os
+import re
+import shutil
+import signal
+import subprocess
+import threading
+import weakref
+from collections.abc import Iterator
+from contextlib import contextmanager
+from pathlib import Path
+from types import TracebackType
+from typing import Any, Optional
+
+import numpy as np
+from numpy.typing import ArrayLike, NDArray
+
+PROMPT = b"Kiln>>"
+GRACE = 1.0  # seconds in which a console that is told to quit has to end
+
+Matrix = NDArray[np.float64]
+
+
+class Error(Exception):
+    """What the console answered behind `Error:`, or what it said before it ended."""
+
+
+def find_program() -> str:
+    """Names the variable KILN, else `kiln` on the path, else the build of the tree around us."""
+    built = Path(__file__).resolve().parents[2] / "build" / "kiln"
+    program = os.environ.get("KILN") or shutil.which("kiln")
+    if program:
+        return program
+    if built.exists():
+        return str(built)
+    raise Error("there is no kiln: neither on the path, nor named by the variable KILN")
+
+
+class Session:
+    """A console that lives as long as this object, and takes one line at a time.
+
+    Threads may share it: they wait for each other. A process that is forked has to make its own.
+    The arguments are options of `kiln`, or files that it carries out first. Without a prompt (`-q`)
+    nobody could tell where an answer ends.
+
+    >>> session = Session("--strict")
+    >>> session.data("xor", [[0, 0], [0, 1], [1, 0], [1, 1]], [0, 1, 1, 0])
+    >>> session("create MLP alias net inputs 2 layers 3 hidden {4} outputs 1 bias true seed 1")
+    >>> session("create BPTrainer alias teacher network net")
+    >>> session("train alias teacher data xor epochs 2000 LearningRate 0.5 Momentum 0.9")
+    0.01104612
+    >>> session("recall network net input xor output answers")
+    >>> inputs, outputs = session.array("answers")
+    >>> outputs.round().ravel()
+    array([0., 1., 1., 0.])
+    >>> session("destroy teeth")
+    Traceback (most recent call last):
+    ...
+    kiln.session.Error: teeth does not exist
+    """
+
+    def __init__(self, *arguments: str) -> None:
+        self._pid = os.getpid()
+        self._lock = threading.RLock()  # for one call at a time
+        self._signals = threading.RLock()  # for whether a call runs, and can be interrupted
+        self._running = self._interrupted = False
+        self._markers = 0
+        # Objects go through a file that has no name, so that there is nothing to clean up.
+        self._file = open(os.memfd_create("kiln"), "w+b", buffering=0)
+        self._path = f"/dev/fd/{self._file.fileno()}"
+        # In a group of its own: Ctrl-C is for us, and we pass it on. Unlike what a shell starts in
+        # the background, it must not ignore it.
+        self._process = subprocess.Popen(
+            ["env", "--default-signal=INT", find_program(), "-i", *arguments],
+            stdin=subprocess.PIPE,
+            stdout=subprocess.PIPE,
+            stderr=subprocess.STDOUT,
+            bufsize=0,
+            pass_fds=[self._file.fileno()],
+            start_new_session=True,
+        )
+        self._end = weakref.finalize(self, _end, self._process, self._file, self._pid)
+        _value_of(os.fsdecode(self._read_until(PROMPT)))
+
+    def __call__(self, line: str) -> Any:
+        """Carries out a command. Returns None for `OK`, else the result.
+
+        A result is a number, a list (of lists) where it stands in braces, and text otherwise; of
+        an `@` line, what the system's command wrote.
+
+        Raises Error with the text of an error, or when the program ends; ValueError where there
+        is more than one line. Ctrl-C asks the command to end, and raises KeyboardInterrupt when
+        it has.
+        """
+        if "\n" in line or "\0" in line:
+            raise ValueError("a command is one line")
+        with self._turn():
+            return _value_of(os.fsdecode(self._ask(os.fsencode(line))))
+
+    def interrupt(self) -> None:
+        """Asks the command that another thread has called to end in good order.
+
+        A training ends after its epoch or generation, and keeps what it has reached. Where nothing
+        is called, nothing happens.
+        """
+        with self._signals:
+            if self._running and not self._interrupted:
+                self._interrupted = True
+                self._process.send_signal(signal.SIGINT)
+
+    def data(self, alias: str, inputs: ArrayLike, outputs: Optional[ArrayLike] = None) -> None:
+        """Makes a data set of inputs (rows, m) and outputs (rows, n), digit for digit.
+
+        One dimension of outputs is one column; without outputs, n is 0.
+        """
+        left = _matrix(inputs)
+        right = np.empty((len(left), 0)) if outputs is None else _matrix(outputs)
+        if len(left) != len(right):
+            raise ValueError(f"{len(left)} rows of inputs but {len(right)} of outputs")
+        rows, columns = np.hstack([left, right]), (left.shape[1], right.shape[1])
+        numbers = " ".join(map(repr, rows.ravel().tolist()))
+        self.load(
+            "Data",
+            alias,
+            f"[DataSet]\n[Rows={len(rows)}]\n[Inputs={columns[0]}]\n"
+            f"[ExpectedOutputs={columns[1]}]\n[Data]\n{numbers}\n[~Data]\n[~DataSet]\n",
+        )
+
+    def array(self, alias: str) -> tuple[Matrix, Matrix]:
+        """Returns inputs (rows, m) and outputs (rows, n) of a data set, the oldest row first."""
+        with self._turn():
+            words = str(self(f"query structureof {alias}")).split()
+            sizes = dict(zip(words[::2], words[1::2]))
+            # Data files have room for labels or outputs, tables for both.
+            text = self.save("CSV" if sizes["labels"] == "on" else "Data", alias)
+        shape = int(sizes["datarows"]), int(sizes["inputs"]) + int(sizes["outputs"])
+        if sizes["labels"] == "on":
+            table = list(csv.reader(io.StringIO(text, newline="")))[1:]
+            numbers = np.array([row[: shape[1]] for row in table], float)
+        else:
+            first, last = text.index("[Data]") + len("[Data]"), text.index("[~Data]")
+            numbers = np.array(text[first:last].split(), float)
+        rows = numbers.reshape(shape)
+        return rows[:, : int(sizes["inputs"])], rows[:, int(sizes["inputs"]) :]
+
+    def load(self, kind: str, alias: str, text: str, tags: str = "") -> Any:
+        """Makes an object of the text of a file: `load KIND alias ALIAS`, with more tags."""
+        with self._turn():
+            self._file.seek(0)
+            self._file.truncate()
+            self._file.write(os.fsencode(text))
+            return self(f"load {kind} alias {alias} filename ({self._path}) {tags}")
+
+    def save(self, kind: str, alias: str, tags: str = "") -> str:
+        """Returns what `save KIND alias ALIAS`, with more tags, writes into a file."""
+        with self._turn():
+            self._file.seek(0)
+            self._file.truncate()
+            self(f"save {kind} alias {alias} filename ({self._path}) {tags}")
+            self._file.seek(0)
+            return os.fsdecode(self._file.read())
+
+    @property
+    def alive(self) -> bool:
+        """Whether there is a program, which this process may talk to."""
+        return self._pid == os.getpid() and self._end.alive and self._process.poll() is None
+
+    def close(self) -> None:
+        """Ends the program, as does the end of this object; a call at work comes first."""
+        if self._pid == os.getpid():
+            with self._lock:
+                self._end()
+
+    def __enter__(self) -> Session:
+        return self
+
+    def __exit__(
+        self,
+        kind: Optional[type[BaseException]],
+        exception: Optional[BaseException],
+        trace: Optional[TracebackType],
+    ) -> None:
+        self.close()
+
+    @contextmanager
+    def _turn(self) -> Iterator[None]:
+        """Waits for other threads. No lock is safe behind a fork, so that comes first."""
+        if self._pid != os.getpid():
+            raise Error("this session belongs to the process in which it was made")
+        with self._lock:
+            if not self._end.alive:
+                raise Error("kiln has ended")
+            yield
+
+    def _ask(self, line: bytes) -> bytes:
+        """Returns all that is written until the next prompt."""
+        if self._interrupted:
+            self._synchronise()
+        with self._signals:
+            self._running = True
+        try:
+            self._write(line)
+            answer = self._read_until(PROMPT)
+        except KeyboardInterrupt:
+            self.interrupt()
+            self._synchronise()
+            raise
+        finally:
+            with self._signals:
+                self._running = False
+        if self._interrupted:
+            answer = (answer + self._synchronise()).replace(PROMPT, b"").lstrip()
+        return answer
+
+    def _synchronise(self) -> bytes:
+        """Reads what an interrupted command leaves behind.
+
+        A signal that comes before or after its command is answered with a line end and one more
+        prompt, and nobody can tell whether it did. This command has an answer of its own.
+        """
+        self._markers += 1
+        marker = f"synchronise-{self._markers}"
+        self._write(f"\nhelp {marker}".encode())
+        rest = self._read_until(f"Error: no help for {marker}\n".encode() + PROMPT)
+        self._interrupted = False
+        return rest
+
+    def _write(self, line: bytes) -> None:
+        assert self._process.stdin
+        rest = memoryview(line + b"\n")
+        try:
+            while rest:
+                rest = rest[os.write(self._process.stdin.fileno(), rest) :]
+        except BrokenPipeError:
+            pass  # the program has ended; what it said last can be read
+
+    def _read_until(self, end: bytes) -> bytes:
+        """Returns what is written before this end of it. Raises Error when the program ends."""
+        assert self._process.stdout
+        text = bytearray()
+        while not text.endswith(end):
+            piece = os.read(self._process.stdout.fileno(), 1 << 20)
+            if not piece:
+                last = text.decode("utf-8", "replace").strip() or "without a word"
+                raise Error(f"kiln has ended with status {self._process.wait()}: {last}")
+            text += piece
+        return bytes(text[: -len(end)])
+
+
+def _end(process: subprocess.Popen[bytes], file: io.FileIO, pid: int) -> None:
+    """Ends the program of a session that is gone; in a forked process, only lets go of it."""
+    assert process.stdin and process.stdout
+    file.close()
+    if pid == os.getpid():
+        try:
+            process.stdin.write(b"quit\n")  # more than the end of the pipe, which forks hold too
+            process.wait(GRACE)
+        except BrokenPipeError:
+            process.wait()
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+    process.stdin.close()
+    process.stdout.close()
+
+
+def _matrix(values: ArrayLike) -> Matrix:
+    array = np.asarray(values, np.float64)
+    if array.ndim == 1:
+        array = array[:, np.newaxis]
+    if array.ndim != 2:
+        raise ValueError(f"an array of rows and columns, not of {array.ndim} dimensions")
+    return array
+
+
+def _value_of(answer: str) -> Any:
+    """The result in the last line of an answer; epochs of a map stand in front of it."""
+    last = answer.rstrip("\n").rpartition("\n")[2]
+    match = re.fullmatch(r"(?:\d+ )*(?:OK|Result: (?P<result>.*)|Error: (?P<error>.*))", last)
+    if not match:
+        return answer or None
+    if match["error"] is not None:
+        raise Error(match["error"])
+    return None if match["result"] is None else _parsed(match["result"])
+
+
+def _parsed(text: str) -> Any:
+    if text.startswith("{") and text.endswith("}"):
+        elements = re.findall(r"\{[^{}]*\}|[^,{}\s][^,{}]*", text[1:-1])
+        return [_parsed(element) for element in elements]
+    for number in (int, float):
+        try:
+            return number(text)
+        except ValueError:
+            pass
+    return text
