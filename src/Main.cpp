@@ -15,6 +15,7 @@
 #include "Console/TConsole.h"
 #include "Console/TPlainLines.h"
 #include "Shared/Interruption.h"
+#include "Shared/TTeam.h"
 
 namespace {
 
@@ -52,6 +53,16 @@ bool Converse(kiln::TConsole& console, const kiln::TOptions& options, bool at_te
   if (options.ends_at_failure) return console.ConverseUntilFailure(*lines);
   console.Converse(*lines);
   return true;
+}
+
+// Has the workers share large work from now on. A person is told of more than there are cores for.
+void Employ(std::size_t workers) {
+  kiln::TTeam::SetWorkers(workers);
+  const std::size_t cores = kiln::TTeam::Cores();
+  if (workers > cores && isatty(STDERR_FILENO)) {
+    std::cerr << "kiln: " << workers << " workers share " << cores
+              << (cores == 1 ? " core\n" : " cores\n");
+  }
 }
 
 // Carries out all tasks and then, where one is wanted, holds the conversation. Returns the status
@@ -97,6 +108,7 @@ int main(int argc, char* argv[]) {
   std::ios::sync_with_stdio(false);
   kiln::Signals::Install();
   if (isatty(STDIN_FILENO) || options->talks_on) kiln::Signals::CatchInterrupts();
+  Employ(options->workers);
   const bool at_terminal = !options->is_plain && IsAtTerminal();
   kiln::TConsole console(std::cout, MannerFor(*options, at_terminal));
   console.Interpreter().Define(options->definitions);

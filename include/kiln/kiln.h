@@ -39,6 +39,11 @@ class TSession {
 
   void SetObserver(TObserver observer);
 
+  // For all sessions: how many threads share large work, from 1, as at first, to 1024; other
+  // numbers count as the nearest of these. Results are the same for any number. REQUIRES: no
+  // session is carrying out a command.
+  static void SetThreads(int threads);
+
   // For all sessions; without a listener such lines go to the standard output.
   static void SetListener(TListener listener);
 

@@ -2,7 +2,12 @@
 
 #include <getopt.h>
 
+#include <charconv>
+#include <cstdlib>
+#include <cstring>
 #include <iostream>
+
+#include "Shared/TTeam.h"
 
 namespace kiln {
 
@@ -10,20 +15,15 @@ namespace {
 
 constexpr int kPlain = 256;  // of the options without a letter
 constexpr char kLetters[] =  // "-": what is no option is taken in its place, as option 1
-    "-e:iqbsD:C:hV";
+    "-e:iqbsD:C:j:hV";
 
 constexpr option kOptions[] = {
-    {"execute", required_argument, nullptr, 'e'},
-    {"interactive", no_argument, nullptr, 'i'},
-    {"quiet", no_argument, nullptr, 'q'},
-    {"batch", no_argument, nullptr, 'b'},
-    {"strict", no_argument, nullptr, 's'},
-    {"define", required_argument, nullptr, 'D'},
-    {"directory", required_argument, nullptr, 'C'},
-    {"plain", no_argument, nullptr, kPlain},
-    {"help", no_argument, nullptr, 'h'},
-    {"version", no_argument, nullptr, 'V'},
-    {nullptr, 0, nullptr, 0},
+    {"execute", required_argument, nullptr, 'e'},   {"interactive", no_argument, nullptr, 'i'},
+    {"quiet", no_argument, nullptr, 'q'},           {"batch", no_argument, nullptr, 'b'},
+    {"strict", no_argument, nullptr, 's'},          {"define", required_argument, nullptr, 'D'},
+    {"directory", required_argument, nullptr, 'C'}, {"cores", required_argument, nullptr, 'j'},
+    {"plain", no_argument, nullptr, kPlain},        {"help", no_argument, nullptr, 'h'},
+    {"version", no_argument, nullptr, 'V'},         {nullptr, 0, nullptr, 0},
 };
 
 constexpr char kHelp[] = R"(Usage: kiln [OPTION]... [FILE]...
@@ -36,6 +36,8 @@ Carries out the commands in the files or, without any, talks with you.
   -s, --strict             refuse unknown tags, numbers that are none, and the like
   -D, --define NAME=VALUE  put VALUE in place of $NAME in files and -e commands
   -C, --directory DIR      work in this folder
+  -j, --cores N            share large work among N cores: all, unless KILN_THREADS
+                           says how many; the results are always the same
       --plain              treat a terminal like a pipe
   -h, --help               show this
   -V, --version            show the version
@@ -44,6 +46,28 @@ The status is 0 when all went well, 1 when a command failed, which ends files an
 commands, 2 when an option is wrong and 130 after an interruption. Inside, type
 "help" for the commands and "quit" to end.
 )";
+
+// Reads a number of cores that `source` has given. Returns whether it is one.
+bool TakeWorkers(TOptions& options, const char* text, const char* source) {
+  const char* const end = text + std::strlen(text);
+  const auto [rest, fault] = std::from_chars(text, end, options.workers);
+  if (fault == std::errc() && rest == end && options.workers >= 1 &&
+      options.workers <= TTeam::kMaxWorkers) {
+    return true;
+  }
+  std::cerr << "kiln: " << source << " takes a number of cores from 1 to " << TTeam::kMaxWorkers
+            << ", not " << text << '\n';
+  return false;
+}
+
+// Without an option the environment says how many workers there are, else as many as cores.
+bool TakeDefaultWorkers(TOptions& options) {
+  constexpr char kVariable[] = "KILN_THREADS";
+  const char* const threads = std::getenv(kVariable);
+  if (threads && *threads) return TakeWorkers(options, threads, kVariable);
+  options.workers = TTeam::Cores();
+  return true;
+}
 
 // Takes note of one option. Returns whether it is right.
 bool Take(TOptions& options, int letter, const char* argument) {
@@ -69,6 +93,8 @@ bool Take(TOptions& options, int letter, const char* argument) {
     case 'C':
       options.folder = argument;
       break;
+    case 'j':
+      return TakeWorkers(options, argument, "-j");
     case kPlain:
       options.is_plain = true;
       break;
@@ -92,14 +118,17 @@ bool Take(TOptions& options, int letter, const char* argument) {
 
 std::optional<TOptions> ReadOptions(int argc, char* argv[]) {
   TOptions options;
+  bool has_workers = false;
   for (;;) {
     const int letter = getopt_long(argc, argv, kLetters, kOptions, nullptr);
     if (letter == -1) break;
+    has_workers = has_workers || letter == 'j';
     if (!Take(options, letter, optarg)) {
       std::cerr << "kiln --help shows the options\n";
       return std::nullopt;
     }
   }
+  if (!has_workers && !TakeDefaultWorkers(options)) return std::nullopt;
   // Behind "--" everything is a file.
   for (; optind < argc; ++optind) options.tasks.push_back({TTask::TKind::kFile, argv[optind]});
   return options;

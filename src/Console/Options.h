@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,6 +23,7 @@ struct TOptions {
   std::vector<TTask> tasks;  // in the order given
   std::string folder;        // in which to work; empty: the present one
   TDefinitions definitions;
+  std::size_t workers = 1;
   bool talks_on = false;         // has a conversation after the tasks
   bool is_quiet = false;         // writes results alone
   bool ends_at_failure = false;  // ends a conversation at the first command that fails
@@ -31,7 +33,8 @@ struct TOptions {
   bool asks_for_version = false;
 };
 
-// Reads the command line. Nothing when it is wrong, which the standard error then says.
+// Reads the command line and, for what it may say instead, the environment. Nothing when either is
+// wrong, which the standard error then says.
 std::optional<TOptions> ReadOptions(int argc, char* argv[]);
 
 // What "--help" shows: all options, on less than a screen.

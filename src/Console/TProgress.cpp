@@ -1,15 +1,14 @@
 #include "Console/TProgress.h"
 
-#include <pthread.h>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
-#include <csignal>
 
 #include "Interpreter/TCommandLine.h"
 #include "Shared/NumberFormat.h"
+#include "Shared/TSignalsBlocked.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -20,16 +19,11 @@ constexpr auto kPatience = std::chrono::milliseconds(500);
 constexpr auto kRepeat = std::chrono::milliseconds(100);
 constexpr char kEraseLine[] = "\r\033[K";
 
-// A thread that no signal is delivered to: they shall interrupt the one that works.
+// They shall interrupt the thread that works.
 template <typename TFunction>
 std::thread ThreadWithoutSignals(TFunction function) {
-  sigset_t all;
-  sigset_t present;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &present);
-  std::thread thread(function);
-  pthread_sigmask(SIG_SETMASK, &present, nullptr);
-  return thread;
+  const TSignalsBlocked blocked;
+  return std::thread(function);
 }
 
 std::size_t Columns(int descriptor) {

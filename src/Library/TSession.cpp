@@ -1,7 +1,10 @@
 #include <kiln/kiln.h>
 
+#include <algorithm>
+
 #include "Interpreter/TInterpreter.h"
 #include "Shared/Say.h"
+#include "Shared/TTeam.h"
 
 namespace kiln {
 
@@ -32,6 +35,11 @@ void TSession::SetListener(TListener listener) {
   HaveSaid([listener = std::move(listener)](std::string_view text, TSaying saying) {
     if (saying == TSaying::kLine) listener(text);
   });
+}
+
+void TSession::SetThreads(int threads) {
+  TTeam::SetWorkers(
+      static_cast<std::size_t>(std::clamp(threads, 1, static_cast<int>(TTeam::kMaxWorkers))));
 }
 
 std::string_view Version() {

@@ -26,6 +26,11 @@ printf 'query aliasexists here\n' >sub/here.kiln
 
 expect 0 'Kiln 0.9|' '' -V
 expect 2 '' 'kiln: -D takes NAME=VALUE, not 1=2|kiln --help shows the options|' -D 1=2
+cores='takes a number of cores from 1 to 1024, not'
+expect 2 '' "kiln: -j $cores 0|kiln --help shows the options|" -j 0
+expect 2 '' "kiln: -j $cores 2x|kiln --help shows the options|" -j 2x
+KILN_THREADS=-1 expect 2 '' "kiln: KILN_THREADS $cores -1|"
+KILN_THREADS=x expect 0 'OK|' '' -j 1024 -e purge
 expect 2 '' 'kiln: cannot work in nowhere: No such file or directory|' -C nowhere
 # Files and commands in the order given, the first failure being the last command.
 expect 0 'OK|Result: false|OK|' '' -e purge -D NAME=x good.kiln

@@ -6,7 +6,6 @@
 
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
 #include <iostream>
 #include <optional>
@@ -14,6 +13,7 @@
 #include <system_error>
 
 #include "Shared/Interruption.h"
+#include "Shared/TSignalsBlocked.h"
 
 namespace kiln::FileTools {
 
@@ -70,23 +70,6 @@ fs::path FollowLinks(fs::path path) {
   }
   return path;
 }
-
-// Keeps signals from this thread as long as it stands.
-class TSignalsBlocked {
- public:
-  TSignalsBlocked() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  ~TSignalsBlocked() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-
-  TSignalsBlocked(const TSignalsBlocked&) = delete;
-  TSignalsBlocked& operator=(const TSignalsBlocked&) = delete;
-
- private:
-  sigset_t before_ = {};
-};
 
 // A new file in the folder of a target. It is removed at the end unless it took its place.
 class TemporaryFile {

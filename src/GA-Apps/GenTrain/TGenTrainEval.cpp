@@ -1,28 +1,39 @@
 #include "GA-Apps/GenTrain/TGenTrainEval.h"
 
+#include <algorithm>
+
 #include "DataObject/Data.h"
+#include "NeuralNets/PlainNetworks.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "Shared/Narrowing.h"
 #include "Shared/Random.h"
 #include "Shared/TException.h"
+#include "Shared/TTeam.h"
 
 namespace kiln {
 
 namespace {
 
+constexpr double kBeyondRepair = -1.0;  // in place of an error
 constexpr char kSetData[] = "TGenTrainEval::SetData";
 
 float FitnessOf(double error) {
   return error == 0.0 ? TGenTrainEval::kFitnessWithoutError : ToSingle(1.0 / error);
 }
 
+std::vector<TMask> FlagsOf(const TBasicNetwork& network) {
+  std::vector<TMask> weights;
+  TIterateObjGetFlags flags(weights, FMaskAll);
+  network.Read(flags);
+  return weights;
+}
+
 }  // namespace
 
 TGenTrainEval::TGenTrainEval(TBasicNetwork& network)
-    : MbrNetNetwork(network), MbrRclRecall(network), MbrErrError(network.NumOutputs()) {
-  TIterateObjGetFlags flags(MbrDyaFlgWeights, FMaskAll);
-  network.Read(flags);
-}
+    : MbrNetNetwork(network),
+      MbrDyaFlgWeights(FlagsOf(network)),
+      MbrMsrNetwork(network, MbrDyaFlgWeights) {}
 
 void TGenTrainEval::SetData(std::span<const Data* const> sets) {
   if (sets.empty()) throw TException("no data sets", "Bad Parameter", kSetData);
@@ -53,49 +64,53 @@ std::vector<GeneValue> TGenTrainEval::SeedGenome() const {
   return genes;
 }
 
-// Walks the blocks in the one order of weights.
-void TGenTrainEval::SetGenes(std::span<const GeneValue> genes) {
-  std::size_t gene = 0;
-  for (std::size_t from = 0; from < MbrNetNetwork.NumLayers(); ++from) {
-    for (std::size_t to = 0; to < MbrNetNetwork.NumLayers(); ++to) {
-      for (double& weight : MbrNetNetwork.Connections(to, from).Weights()) {
-        if (IsTrained(gene)) weight = genes[gene].Real();
-        ++gene;
-      }
-    }
-  }
-}
-
-double TGenTrainEval::Error() {
-  double sum = 0.0;
-  for (const Data* set : MbrDyaPtrDatSets) {
-    MbrErrError.Reset();
-    sum += MbrRclRecall.Error(*set, MbrErrError);
-  }
-  return sum / static_cast<double>(MbrDyaPtrDatSets.size());
-}
-
 TGenTrainRecord TGenTrainEval::Evaluate(std::span<const GeneValue> genes) {
   SetGenes(genes);
   const double error = Error();
   return {error, FitnessOf(error)};
 }
 
+// An individual is worth its recalls of all rows. Where connections lead back, what one individual
+// leaves in the network is seen by the next: they have to come one after the other.
+std::size_t TGenTrainEval::WorkersFor(std::size_t individuals) const {
+  if (!IsFeedForward(MbrNetNetwork)) return 1;
+  double rows = 0.0;
+  for (const Data* set : MbrDyaPtrDatSets) rows += set->DataRows();
+  return TTeam::WorkersFor(individuals, 2.0 * rows * static_cast<double>(MbrDyaFlgWeights.size()));
+}
+
+// Each worker makes its own copy, which then lies apart from those of others.
+TGenTrainMeasure& TGenTrainEval::MeasureAt(std::size_t place) {
+  if (MbrDyaPtrCopies.empty()) return MbrMsrNetwork;
+  std::unique_ptr<TCopy>& copy = MbrDyaPtrCopies[place];
+  if (!copy) copy = std::make_unique<TCopy>(MbrNetNetwork, MbrDyaFlgWeights);
+  return copy->MsrNetwork;
+}
+
 void TGenTrainEval::EvaluatePopulation(std::span<const MetaGene>,
                                        std::span<const std::span<GeneValue>> genes,
                                        std::span<float> fitness) {
+  const std::size_t workers = WorkersFor(genes.size());
+  if (workers > 1) MbrDyaPtrCopies.resize(std::max(workers, MbrDyaPtrCopies.size()));
+  MbrDyaDblErrors.resize(genes.size());
+  TTeam::Collect<double>(MbrDyaDblErrors, workers, [&](std::size_t i, std::size_t place) {
+    if (!Repair(genes[i])) return kBeyondRepair;
+    TGenTrainMeasure& measure = MeasureAt(place);
+    measure.SetGenes(genes[i]);
+    return measure.Error(MbrDyaPtrDatSets);
+  });
   MbrRecLowest = {};
-  for (std::size_t i = 0; i < genes.size(); ++i) {
-    if (!Repair(genes[i])) {
-      fitness[i] = static_cast<float>(Random::Uniform(0.0, 0.5));
-      continue;
-    }
-    const TGenTrainRecord record = Evaluate(genes[i]);
-    // Of errors that fitness doesn't tell apart the last counts: that individual ranks highest.
-    const bool counts = record.DblError < TGenTrainRecord{}.DblError;
-    if (counts && record.FltFitness >= MbrRecLowest.FltFitness) MbrRecLowest = record;
-    fitness[i] = record.FltFitness;
-  }
+  for (std::size_t i = 0; i < genes.size(); ++i) fitness[i] = Rate(MbrDyaDblErrors[i]);
+}
+
+// The fitness of an individual, which is taken note of when its error is the lowest so far.
+float TGenTrainEval::Rate(double error) {
+  if (error == kBeyondRepair) return static_cast<float>(Random::Uniform(0.0, 0.5));
+  const float fitness = FitnessOf(error);
+  // Of errors that fitness doesn't tell apart the last counts: that individual ranks highest.
+  const bool counts = error < TGenTrainRecord{}.DblError;
+  if (counts && fitness >= MbrRecLowest.FltFitness) MbrRecLowest = {error, fitness};
+  return fitness;
 }
 
 }  // namespace kiln

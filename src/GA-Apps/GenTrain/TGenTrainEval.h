@@ -1,14 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <span>
 #include <vector>
 
 #include "Bramble/Eval.h"
 #include "Bramble/MetaChrom.h"
-#include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/TIterateObj.h"
-#include "NeuralNets/TRecall.h"
+#include "GA-Apps/GenTrain/TGenTrainMeasure.h"
 
 namespace kiln {
 
@@ -53,19 +52,21 @@ class TGenTrainEval : public Evaluator {
   std::vector<GeneValue> SeedGenome() const;
 
   // Writes genes into the network. REQUIRES: there is one for every weight.
-  void SetGenes(std::span<const GeneValue> genes);
+  void SetGenes(std::span<const GeneValue> genes) { MbrMsrNetwork.SetGenes(genes); }
 
   // Brings genes into a form that makes sense. False for those that are beyond repair.
-  virtual bool Repair(std::span<GeneValue> genes) = 0;
+  // Workers repair several individuals at a time.
+  virtual bool Repair(std::span<GeneValue> genes) const = 0;
 
   // The root mean square error of the network as it is, averaged over the sets.
-  double Error();
+  double Error() { return MbrMsrNetwork.Error(MbrDyaPtrDatSets); }
 
   // Sets the genes. The fitness is 1 / error, kFitnessWithoutError for an error of exactly 0, and 0
   // for one that is not a number.
   TGenTrainRecord Evaluate(std::span<const GeneValue> genes);
 
-  // Repairs, then evaluates. What is beyond repair has a random fitness in [0, 0.5].
+  // Repairs, then evaluates, as the pieces of a team. What is beyond repair has a random fitness in
+  // [0, 0.5].
   void EvaluatePopulation(std::span<const MetaGene> genome,
                           std::span<const std::span<GeneValue>> genes,
                           std::span<float> fitness) override;
@@ -82,11 +83,25 @@ class TGenTrainEval : public Evaluator {
   bool IsTrained(std::size_t gene) const { return MbrDyaFlgWeights[gene] == FMaskAll; }
 
  private:
+  // A copy of the network for one of several workers.
+  struct TCopy {
+    TCopy(const TBasicNetwork& network, std::span<const TMask> flags)
+        : PtrNetNetwork(network.Clone()), MsrNetwork(*PtrNetNetwork, flags) {}
+
+    std::unique_ptr<TBasicNetwork> PtrNetNetwork;
+    TGenTrainMeasure MsrNetwork;
+  };
+
+  std::size_t WorkersFor(std::size_t individuals) const;
+  TGenTrainMeasure& MeasureAt(std::size_t place);
+  float Rate(double error);
+
   TBasicNetwork& MbrNetNetwork;
   std::vector<TMask> MbrDyaFlgWeights;  // one a gene
   std::vector<const Data*> MbrDyaPtrDatSets;
-  TRecall MbrRclRecall;
-  TErrorRMSObj MbrErrError;
+  TGenTrainMeasure MbrMsrNetwork;
+  std::vector<std::unique_ptr<TCopy>> MbrDyaPtrCopies;  // one a place
+  std::vector<double> MbrDyaDblErrors;                  // one an individual
   TGenTrainRecord MbrRecLowest;
 };
 

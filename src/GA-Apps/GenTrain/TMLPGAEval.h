@@ -13,7 +13,7 @@ class TMLPGAEval : public TGenTrainEval {
       : TGenTrainEval(network),
         MbrMgnWeight(MetaGene::Real(bounds.FltMinimum, bounds.FltMaximum)) {}
 
-  bool Repair(std::span<GeneValue>) override { return true; }
+  bool Repair(std::span<GeneValue>) const override { return true; }
 
  protected:
   MetaGene DefinitionOf(std::size_t) const override { return MbrMgnWeight; }

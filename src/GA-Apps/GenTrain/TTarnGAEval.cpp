@@ -27,7 +27,7 @@ MetaGene TTarnGAEval::DefinitionOf(std::size_t gene) const {
   return is_centre ? MetaGene::Real(0.0F, 1.0F) : MbrMgnWeight;
 }
 
-bool TTarnGAEval::Repair(std::span<GeneValue> genes) {
+bool TTarnGAEval::Repair(std::span<GeneValue> genes) const {
   OrderGroups(genes, 0, MbrNdxFirstRuleWeight, MbrDyaIntInputGroups);
   OrderGroups(genes, MbrNdxFirstOutputCentre, genes.size(), MbrDyaIntOutputGroups);
   return true;

@@ -24,7 +24,7 @@ class TTarnGAEval : public TGenTrainEval {
   // in part. Passes of five centres and more go beyond the end of their group, where they swap
   // nothing, and the next group is taken to begin where the last pass was. Neither weights of rules
   // nor frozen centres are ever moved. Always returns true.
-  bool Repair(std::span<GeneValue> genes) override;
+  bool Repair(std::span<GeneValue> genes) const override;
 
  protected:
   MetaGene DefinitionOf(std::size_t gene) const override;

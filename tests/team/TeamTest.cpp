@@ -1,0 +1,134 @@
+#include "Shared/TTeam.h"
+
+#include <gtest/gtest.h>
+#include <kiln/kiln.h>
+
+#include <atomic>
+#include <numeric>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "../FileTestTools.h"
+#include "Shared/NumberFormat.h"
+#include "Shared/Random.h"
+
+namespace kiln {
+namespace {
+
+// --- Pieces ----------------------------------------------------------------------------------
+
+class Team : public testing::TestWithParam<std::size_t> {
+ protected:
+  Team() { TTeam::SetWorkers(GetParam()); }
+  ~Team() override { TTeam::SetWorkers(1); }
+};
+
+INSTANTIATE_TEST_SUITE_P(OfWorkers, Team, testing::Values(1, 2, 3, 7));
+
+TEST_P(Team, CarriesOutEachPieceOnce) {
+  std::vector<std::vector<std::size_t>> done(GetParam(), std::vector<std::size_t>(100));
+  std::vector<std::size_t> results(100);
+  for (std::size_t round = 0; round < 1000; ++round) {
+    TTeam::Collect<std::size_t>(results, GetParam(), [&](std::size_t number, std::size_t place) {
+      ++done[place][number];
+      return number * round;
+    });
+    EXPECT_EQ(std::accumulate(results.begin(), results.end(), std::size_t{0}), 4950 * round);
+  }
+  for (std::size_t number = 0; number < 100; ++number) {
+    std::size_t times = 0;
+    for (const auto& by_place : done) times += by_place[number];
+    EXPECT_EQ(times, 1000U);
+  }
+}
+
+TEST_P(Team, PassesOnWhatTheFirstOfFailingPiecesThrows) {
+  for (int round = 0; round < 200; ++round) {
+    try {
+      TTeam::ForEach(50, GetParam(), [](std::size_t number, std::size_t) {
+        if (number % 10 == 7) throw std::out_of_range(std::to_string(number));
+      });
+      ADD_FAILURE();
+    } catch (const std::out_of_range& failure) {
+      EXPECT_STREQ(failure.what(), "7");
+    }
+  }
+}
+
+TEST_P(Team, CarriesOutLoopsOfPiecesAtOnce) {
+  std::atomic<int> in_order = 0;
+  TTeam::ForEach(20, GetParam(), [&](std::size_t, std::size_t) {
+    std::size_t next = 0;
+    TTeam::ForEach(5, GetParam(), [&](std::size_t number, std::size_t place) {
+      in_order += number == next++ && place == 0;
+    });
+  });
+  EXPECT_EQ(in_order, 100);
+}
+
+// --- Sessions whose files are the same for every number of workers ---------------------------
+
+struct TSharedWork {
+  std::string kind, network, trainer, train;
+};
+
+class SharedWork : public TFileTest {
+ protected:
+  // All that a session answers and the files hold that it writes.
+  std::string Session(const TSharedWork& work, int threads) const {
+    TSession::SetThreads(threads);
+    TSession session;
+    std::string all;
+    const auto say = [&](const std::string& command) {
+      const TSession::TReply reply = session.Execute(command);
+      EXPECT_TRUE(reply.ok) << command << ": " << reply.text;
+      all += reply.text + "\n";
+    };
+    AddRows(say);
+    say("create " + work.kind + " alias n inputs 3 seed 1 " + work.network);
+    say("create " + work.trainer + " alias t network n");
+    say("train alias t data d " + work.train);
+    say("recall network n input d output o");
+    say("query score network n data d");
+    say("query history t");
+    for (const std::string& object : {work.kind + " alias n", std::string("Data alias o")}) {
+      say("save " + object + " filename (" + path_ + ")");
+      all += Contents(path_);
+    }
+    TSession::SetThreads(1);
+    return all;
+  }
+
+ private:
+  template <typename TSay>
+  static void AddRows(const TSay& say) {
+    Random::Seed(1);
+    const auto value = [] { return FormatGeneral(Random::Uniform(0.0, 1.0), 17); };
+    say("create Data alias d inputs 3 outputs 2 rows 1100 labels off");
+    for (int row = 0; row < 1200; ++row) {
+      say("append alias d inputs {" + value() + ", " + value() + ", " + value() + "} outputs {" +
+          value() + ", " + value() + "}");
+    }
+  }
+};
+
+const std::string kPerceptron = "layers 4 hidden {40, 20} outputs 2 bias true";
+const std::string kTarn = "condition {3, 4, 5} rules 30 outputs 2 action {3, 5}";
+const std::string kBreed = "minweight -2 maxweight 2 population 30";
+
+TEST_F(SharedWork, IsTheSameForEveryNumberOfWorkers) {
+  const TSharedWork kinds[] = {
+      {"MLP", kPerceptron, "GATrainer " + kBreed, "generations 5 mutation 0.1 seed 3"},
+      {"Tarn", kTarn, "GATrainer " + kBreed, "generations 5 validation d seed 3"},
+  };
+  for (const TSharedWork& work : kinds) {
+    const std::string alone = Session(work, 1);
+    for (const int threads : {2, 3, 7}) {
+      EXPECT_TRUE(Session(work, threads) == alone) << threads << " " << work.train;
+    }
+  }
+}
+
+}  // namespace
+}  // namespace kiln
