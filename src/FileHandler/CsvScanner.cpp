@@ -18,6 +18,13 @@ constexpr char kQuote = '"';
 constexpr char kDecimalCommaSeparator = ';';
 constexpr std::size_t kMostShown = 60;  // characters of a text in a message
 
+// Whether a quote is open behind the text where none is in front of it. Most tables have few.
+bool HasOddQuotes(std::string_view text) {
+  bool is_odd = false;
+  for (std::size_t at = 0; (at = text.find(kQuote, at)) != text.npos; ++at) is_odd = !is_odd;
+  return is_odd;
+}
+
 }  // namespace
 
 TFault::TFault(std::string message, std::size_t offset, std::size_t column)
@@ -152,7 +159,7 @@ char FindSeparator(std::string_view text) {
 
 std::size_t PieceEnd(std::string_view text, std::size_t begin, std::size_t size) {
   if (text.size() - begin <= size) return text.size();
-  bool quoted = std::ranges::count(text.substr(begin, size), kQuote) % 2 != 0;
+  bool quoted = HasOddQuotes(text.substr(begin, size));
   for (std::size_t at = begin + size; at < text.size(); ++at) {
     if (text[at] == kQuote) quoted = !quoted;
     if (text[at] == '\n' && !quoted) return at + 1;
