@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "NeuralNets/Parameters.h"
+#include "NeuralNets/WeightPenalties.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"
 
@@ -12,14 +13,11 @@ namespace {
 
 double QuadraticPenalty(std::span<const double> weights, const TKQstructure& constants,
                         double scale) {
-  const double epsilon1 = NumberOr(constants, "EPSILON1", 0.0);
-  const double epsilon2 = NumberOr(constants, "EPSILON2", 0.0);
-  const double beta = NumberOr(constants, "BETA", 1.0);
+  const TQuadraticPenalty penalty = {NumberOr(constants, "EPSILON1", 0.0),
+                                     NumberOr(constants, "EPSILON2", 0.0),
+                                     NumberOr(constants, "BETA", 1.0)};
   double sum = 0.0;
-  for (const double weight : weights) {
-    const double q = weight * weight;
-    sum += scale * (epsilon1 * beta * q / (beta * q + 1.0) + epsilon2 * q);
-  }
+  for (const double weight : weights) sum += scale * penalty.Price(weight);
   return sum;
 }
 

@@ -29,23 +29,6 @@ void TIterateObj2Step::Patch(const TWeightPatch& patch, double* changes) {
                  changes, rates_);
 }
 
-// An absent connection weighs 0, for which both penalties have no gradient.
-
-void TIterateObj2CalcPenaltyTerm::Patch(const TWeightPatch& patch, double* gradients) {
-  for (std::size_t i = 0; i < patch.Size(); ++i) {
-    const double weight = patch.weights[i];
-    const double root = beta_ * weight * weight + 1.0;
-    gradients[i] += (epsilon1_ * beta_ / (root * root) + epsilon2_) * 2.0 * weight;
-  }
-}
-
-void TIterateObjLWFCalcPenaltyTerm::Patch(const TWeightPatch& patch, double* gradients) {
-  for (std::size_t i = 0; i < patch.Size(); ++i) {
-    if (patch.weights[i] < 0.0) gradients[i] -= term_;
-    if (patch.weights[i] > 0.0) gradients[i] += term_;
-  }
-}
-
 void TIterateObj2Update::Patch(const TWeightPatch& patch, double* gradients) {
   Kernels().update(patch.weights, patch.masks, patch.Size(), gradients, nullptr, rates_);
 }

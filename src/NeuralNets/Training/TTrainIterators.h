@@ -4,6 +4,7 @@
 
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TIterateObj.h"
+#include "NeuralNets/WeightPenalties.h"
 
 namespace kiln {
 
@@ -39,28 +40,21 @@ class TIterateObj2Step : public TIterateObj2 {
   const TRates& rates_;
 };
 
-// On weights and gradients: g += (epsilon1 beta / (beta w^2 + 1)^2 + epsilon2) 2 w.
-class TIterateObj2CalcPenaltyTerm : public TIterateObj2 {
+// On weights and gradients: g += the slope of a penalty (see WeightPenalties.h).
+template <typename TPenalty>
+class TIterateObj2PenaltySlope : public TIterateObj2 {
  public:
-  TIterateObj2CalcPenaltyTerm(double epsilon1, double epsilon2, double beta)
-      : epsilon1_(epsilon1), epsilon2_(epsilon2), beta_(beta) {}
-  void Patch(const TWeightPatch& patch, double* gradients) override;
+  explicit TIterateObj2PenaltySlope(const TPenalty& penalty) : penalty_(penalty) {}
+  void Patch(const TWeightPatch& patch, double* gradients) override {
+    for (std::size_t i = 0; i < patch.Size(); ++i) gradients[i] += penalty_.Slope(patch.weights[i]);
+  }
 
  private:
-  double epsilon1_;
-  double epsilon2_;
-  double beta_;
+  TPenalty penalty_;
 };
 
-// On weights and gradients: g += sign(w) term.
-class TIterateObjLWFCalcPenaltyTerm : public TIterateObj2 {
- public:
-  explicit TIterateObjLWFCalcPenaltyTerm(double term) : term_(term) {}
-  void Patch(const TWeightPatch& patch, double* gradients) override;
-
- private:
-  double term_;
-};
+using TIterateObj2CalcPenaltyTerm = TIterateObj2PenaltySlope<TQuadraticPenalty>;
+using TIterateObjLWFCalcPenaltyTerm = TIterateObj2PenaltySlope<TForgettingPenalty>;
 
 // On weights and gradients: w -= r g.
 class TIterateObj2Update : public TIterateObj2 {

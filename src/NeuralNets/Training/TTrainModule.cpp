@@ -164,10 +164,9 @@ void TTrainModule::Update(const TTrainRun& run, int rows, const TErrorObj& error
 void TTrainModule::AddPenaltyGradients(const TTrainRun& run, double share) {
   const TPenaltyTerm& penalty = run.penalty;
   if (penalty.kind == TPenaltyTerm::TKind::kNone) return;
-  TIterateObj2CalcPenaltyTerm quadratic(share * penalty.epsilon1, share * penalty.epsilon2,
-                                        penalty.beta);
   const bool is_gradient = run.method.kind == TMethodKind::kGradient;
-  TIterateObjLWFCalcPenaltyTerm forgetting((is_gradient ? 1.0 : share) * penalty.forgetting);
+  TIterateObj2CalcPenaltyTerm quadratic(penalty.quadratic.Times(share));
+  TIterateObjLWFCalcPenaltyTerm forgetting(penalty.forgetting.Times(is_gradient ? 1.0 : share));
   const bool is_quadratic = penalty.kind == TPenaltyTerm::TKind::kQuadratic;
   TIterateObj2& term = is_quadratic ? static_cast<TIterateObj2&>(quadratic) : forgetting;
   state_.ForEachBlock([&](std::size_t to, std::size_t from) {

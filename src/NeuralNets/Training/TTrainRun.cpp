@@ -61,35 +61,30 @@ bool IsCrossEntropy(const TKQstructure& params) {
 TPenaltyTerm::TPenaltyTerm(const TKQstructure& message, double learning_rate)
     : description(&message),
       kind(PenaltyKind(message.Name())),
-      epsilon1(learning_rate * NumberOr(message, "EPSILON1", 0.0)),
-      epsilon2(learning_rate * NumberOr(message, "EPSILON2", 0.0)),
-      beta(NumberOr(message, "BETA", 1.0)),
-      forgetting(0.0) {
+      quadratic{learning_rate * NumberOr(message, "EPSILON1", 0.0),
+                learning_rate * NumberOr(message, "EPSILON2", 0.0),
+                NumberOr(message, "BETA", 1.0)} {
   const double rate = NumberOr(message, "FORGETTINGRATE", 0.0);
   if (kind == TKind::kForgetting && learning_rate != 0.0) {
-    forgetting = rate * (rate / learning_rate);
+    forgetting.factor = rate * (rate / learning_rate);
   }
 }
 
 double TPenaltyTerm::Price(double weight) const {
-  if (kind == TKind::kForgetting) return forgetting * std::abs(weight);
-  const double square = weight * weight;
-  return epsilon1 * beta * square / (beta * square + 1.0) + epsilon2 * square;
+  return kind == TKind::kForgetting ? forgetting.Price(weight) : quadratic.Price(weight);
 }
 
 double TPenaltyTerm::Slope(double weight) const {
-  if (kind == TKind::kForgetting) {
-    return weight > 0.0 ? forgetting : weight < 0.0 ? -forgetting : 0.0;
-  }
-  const double root = beta * weight * weight + 1.0;
-  return (epsilon1 * beta / (root * root) + epsilon2) * 2.0 * weight;
+  return kind == TKind::kForgetting ? forgetting.Slope(weight) : quadratic.Slope(weight);
 }
 
 double TPenaltyTerm::Residual(double weight) const {
+  const auto& [epsilon1, epsilon2, beta] = quadratic;
   return weight * std::sqrt(2.0 * (epsilon1 * beta / (beta * weight * weight + 1.0) + epsilon2));
 }
 
 double TPenaltyTerm::ResidualSlope(double weight) const {
+  const auto& [epsilon1, epsilon2, beta] = quadratic;
   const double root = beta * weight * weight + 1.0;
   const double factor = std::sqrt(2.0 * (epsilon1 * beta / root + epsilon2));
   return factor > 0.0 ? 2.0 * (epsilon1 * beta / (root * root) + epsilon2) / factor : 0.0;
@@ -113,7 +108,7 @@ double TTrainRun::PriceOf(const TErrorObj& error_of_set) const {
 
 TRates TTrainRun::ForgettingRates() const {
   TRates with_pull = rates;
-  with_pull.pull = rates.rate * penalty.forgetting;
+  with_pull.pull = rates.rate * penalty.forgetting.factor;
   return with_pull;
 }
 

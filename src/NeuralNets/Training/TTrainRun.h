@@ -6,6 +6,7 @@
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/Training/TTrainMethod.h"
+#include "NeuralNets/WeightPenalties.h"
 
 namespace kiln {
 
@@ -13,10 +14,10 @@ class Data;
 class TBasicNetwork;
 class TKQstructure;
 
-// The weight penalty of one training run; see TErrorObj::Penalty. With w a weight, r the learning
-// rate and k the part of the data set that a gradient stands for, its gradient is
-//   quadratic   (e1 beta / (beta w^2 + 1)^2 + e2) 2 w, with e1 = k r EPSILON1 and e2 = k r EPSILON2
-//   forgetting  sign(w) f (f / r), or nothing when r is 0
+// The weight penalty of one training run, whose description TErrorObj::Penalty explains. With r the
+// learning rate and f FORGETTINGRATE it is
+//   quadratic   of r EPSILON1, r EPSILON2 and BETA
+//   forgetting  of the factor f (f / r), or 0 when r is 0
 // For methods other than the plain gradient, which have no such rate, r is 1.
 struct TPenaltyTerm {
   enum class TKind { kNone, kQuadratic, kForgetting };
@@ -24,7 +25,7 @@ struct TPenaltyTerm {
   // Throws TAssertion when the head of the description is unknown.
   TPenaltyTerm(const TKQstructure& message, double learning_rate);
 
-  // The price of a weight, and its derivative: the gradient above, for the whole set.
+  // The price of a weight, for the whole set, and its derivative. REQUIRES: there is a penalty.
   double Price(double weight) const;
   double Slope(double weight) const;
 
@@ -35,10 +36,8 @@ struct TPenaltyTerm {
 
   const TKQstructure* description;  // in the parameters of the caller
   TKind kind;
-  double epsilon1;    // r EPSILON1
-  double epsilon2;    // r EPSILON2
-  double beta;        // BETA
-  double forgetting;  // f (f / r)
+  TQuadraticPenalty quadratic;
+  TForgettingPenalty forgetting;
 };
 
 // The settings of one call of a trainer, read once.
