@@ -73,10 +73,12 @@ std::string Shape(const TBasicNetwork& network) {
 std::string Comment(const std::string& name, const TBasicNetwork& network,
                     const ColumnNames& names) {
   std::string text = "void " + name + "(const double *input, double *output);\n";
-  if (dynamic_cast<const TKohonenNetwork*>(&network)) {
-    text += "int " + name + "_unit(const double *input);\n";
-  }
+  const bool is_map = dynamic_cast<const TKohonenNetwork*>(&network);
+  if (is_map) text += "int " + name + "_unit(const double *input);\n";
   text += '\n' + std::string(network.KindName()) + ", written by Kiln: " + Shape(network);
+  const std::size_t stack = is_map ? 0 : StackOf(network);
+  if (stack > 0)
+    text += "Values of layers take " + std::to_string(stack) + " bytes of the stack.\n";
   return text + Listed(names.Inputs, "input") + Listed(names.Outputs, "output");
 }
 

@@ -25,8 +25,13 @@ namespace {
   throw TException(message, "Bad Network", "CFile::Save");
 }
 
-std::string LayerName(const TBasicNetwork& network, std::size_t layer) {
-  return layer == network.InputLayer() ? "input" : "layer" + std::to_string(layer);
+// The array that holds the values of a layer. The last layer has that of the caller, unless it
+// reads the input, which may be the same array.
+std::string ArrayOf(const TBasicNetwork& network, std::size_t layer) {
+  if (layer == network.InputLayer()) return "input";
+  const bool is_output = layer == network.OutputLayer();
+  const bool reads_input = std::ranges::count(network.Sources(layer), network.InputLayer()) > 0;
+  return is_output && !reads_input ? "output" : "layer" + std::to_string(layer);
 }
 
 // --- Activation functions --------------------------------------------------------------------
@@ -119,7 +124,7 @@ struct TSparseBlock {
 void WriteBlock(TCSource& source, const TBasicNetwork& network, std::size_t to, std::size_t from) {
   const TBasicConnections& block = network.Connections(to, from);
   if (block.Weights().empty()) return;
-  const std::string ends = LayerName(network, from) + ", " + LayerName(network, to) + ')';
+  const std::string ends = ArrayOf(network, from) + ", " + ArrayOf(network, to) + ')';
   const std::string rows = std::to_string(block.Rows()) + ", ";
   if (block.IsComplete()) {
     const std::string weights = source.Table(BlockName("weights", to, from), block.Weights());
@@ -153,6 +158,19 @@ std::vector<bool> NeededLayers(const TBasicNetwork& network) {
   return needed;
 }
 
+// The layers that the function computes, in its order: those that are needed, but for the input and
+// for constant ones, which are in the tables. The output is computed in any case.
+std::vector<std::size_t> ComputedLayers(const TBasicNetwork& network) {
+  const std::vector<bool> needed = NeededLayers(network);
+  std::vector<std::size_t> layers;
+  for (std::size_t layer = 0; layer < needed.size(); ++layer) {
+    if (!needed[layer] || network.Layer(layer).NumNeurons() == 0) continue;
+    if (layer == network.InputLayer()) continue;
+    if (layer == network.OutputLayer() || !IsConstant(network, layer)) layers.push_back(layer);
+  }
+  return layers;
+}
+
 // What a layer's sums begin with: what comes from layers that are constant. Nothing where none are.
 std::optional<std::vector<double>> ConstantPart(const TBasicNetwork& network, std::size_t layer) {
   std::optional<std::vector<double>> sums;
@@ -165,7 +183,7 @@ std::optional<std::vector<double>> ConstantPart(const TBasicNetwork& network, st
 }
 
 void WriteSums(TCSource& source, const TBasicNetwork& network, std::size_t layer) {
-  const std::string values = LayerName(network, layer);
+  const std::string values = ArrayOf(network, layer);
   const auto start = ConstantPart(network, layer);
   const std::string first =
       start ? source.Table("start_" + std::to_string(layer), *start) + "[i]" : "0.0";
@@ -185,8 +203,8 @@ void WriteFuzzyLayer(TCSource& source, const TBasicNetwork& network, const TFuzz
   const std::string centres =
       source.Table(BlockName("centres", to, from), network.Connections(to, from).Weights());
   source.Statement(source.Function(function) + '(' + std::to_string(layer.Groups().NumVariables()) +
-                   ", " + terms + ", " + centres + ", " + LayerName(network, from) + ", " +
-                   LayerName(network, to) + ')');
+                   ", " + terms + ", " + centres + ", " + ArrayOf(network, from) + ", " +
+                   ArrayOf(network, to) + ')');
 }
 
 void WriteLayer(TCSource& source, const TBasicNetwork& network, std::size_t index) {
@@ -246,21 +264,28 @@ void CheckLayers(const TBasicNetwork& network) {
   if (network.NumInputs() == 0 || network.NumOutputs() == 0) Refuse("No inputs or outputs");
 }
 
+std::size_t StackOf(const TBasicNetwork& network) {
+  std::size_t neurons = 0;
+  for (const std::size_t layer : ComputedLayers(network)) {
+    if (ArrayOf(network, layer) != "output") neurons += network.Layer(layer).NumNeurons();
+  }
+  return neurons * sizeof(double);
+}
+
 void WriteLayers(TCSource& source, const TBasicNetwork& network) {
   // Constant layers are computed now; the tables hold what comes of them.
   const std::unique_ptr<TBasicNetwork> computed = network.Clone();
   const std::vector<bool> needed = NeededLayers(*computed);
   for (std::size_t layer = 0; layer < needed.size(); ++layer) {
-    const std::size_t neurons = computed->Layer(layer).NumNeurons();
-    if (!needed[layer] || neurons == 0 || layer == computed->InputLayer()) continue;
-    const bool is_output = layer == computed->OutputLayer();
-    if (IsConstant(*computed, layer)) computed->Layer(layer).Compute({});
-    if (IsConstant(*computed, layer) && !is_output) continue;
-    source.Local(LayerName(*computed, layer), neurons);
+    if (needed[layer] && IsConstant(*computed, layer)) computed->Layer(layer).Compute({});
+  }
+  const std::string output = ArrayOf(*computed, computed->OutputLayer());
+  for (const std::size_t layer : ComputedLayers(*computed)) {
+    const std::string values = ArrayOf(*computed, layer);
+    if (values != "output") source.Local(values, computed->Layer(layer).NumNeurons());
     WriteLayer(source, *computed, layer);
   }
-  const std::string last = LayerName(*computed, computed->OutputLayer());
-  source.Loop(0, computed->NumOutputs(), "output[i] = " + last + "[i]");
+  if (output != "output") source.Loop(0, computed->NumOutputs(), "output[i] = " + output + "[i]");
 }
 
 }  // namespace kiln::CFile

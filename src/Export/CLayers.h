@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "Export/TCSource.h"
 
 namespace kiln {
@@ -15,7 +17,10 @@ namespace CFile {
 // Throws TException for any other layer or block, before anything is written.
 void CheckLayers(const TBasicNetwork& network);
 
-// REQUIRES: CheckLayers has passed.
+// How many bytes of the stack the function takes for the values of layers.
+// REQUIRES: CheckLayers has passed, here and below.
+std::size_t StackOf(const TBasicNetwork& network);
+
 void WriteLayers(TCSource& source, const TBasicNetwork& network);
 
 // The search of a map for the nearest prototype.

@@ -160,6 +160,7 @@ void TCSource::Statement(const std::string& text) {
 }
 
 void TCSource::Loop(std::size_t first, std::size_t last, const std::string& assignment) {
+  has_loop_ = true;
   Statement("for (i = " + std::to_string(first) + "; i < " + std::to_string(last) + "; ++i) " +
             assignment);
 }
@@ -175,7 +176,7 @@ void TCSource::Finish() {
   }
   out_.WriteText(definitions_);
   out_.WriteText("void " + name_ + "(const double *input, double *output) {\n" + locals_ +
-                 "  int i;\n\n" + statements_ + "}\n");
+                 (has_loop_ ? "  int i;\n\n" : "\n") + statements_ + "}\n");
 }
 
 }  // namespace kiln

@@ -58,6 +58,7 @@ class TCSource {
   std::string definitions_;
   std::string locals_;
   std::string statements_;
+  bool has_loop_ = false;
 };
 
 // `value` as a constant of C. REQUIRES: it is finite.

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cmath>
 #include <sstream>
 
@@ -7,6 +8,7 @@
 #include "Interpreter/Commands.h"
 #include "Interpreter/NetworkObjects.h"
 #include "Interpreter/QueryScore.h"
+#include "NeuralNets/ActFunctions.h"
 #include "NeuralNets/Maps/TKohonenNetwork.h"
 #include "NeuralNets/TMLPNetwork.h"
 #include "NeuralNets/Training/TTrainHistory.h"
@@ -70,16 +72,35 @@ std::string Structure(const TTarn& network) {
   return text.str();
 }
 
-std::string Structure(const TMLPNetwork& network) {
-  std::vector<int> hidden;
+std::vector<const TBasicLayer*> HiddenLayers(const TMLPNetwork& network) {
+  std::vector<const TBasicLayer*> layers;
   for (std::size_t i = 1; i < network.NumLayers(); ++i) {
     if (i == network.InputLayer() || i == network.OutputLayer()) continue;
-    hidden.push_back(static_cast<int>(network.Layer(i).NumNeurons()));
+    layers.push_back(&network.Layer(i));
   }
+  return layers;
+}
+
+// The name of the function that the neurons of a layer share.
+std::string FunctionOf(const TBasicLayer& layer) {
+  const TActFunction function = layer.GetActivation();
+  return function ? TFnRegistry::Instance().Lookup(function) : "mixed";
+}
+
+std::string Structure(const TMLPNetwork& network) {
+  std::vector<int> hidden;
+  std::vector<std::string> functions;
+  for (const TBasicLayer* layer : HiddenLayers(network)) {
+    hidden.push_back(static_cast<int>(layer->NumNeurons()));
+    functions.push_back(FunctionOf(*layer));
+  }
+  functions.push_back(FunctionOf(network.Layer(network.OutputLayer())));
   std::ostringstream text;
   text << "layers " << network.NumLayers() - 1 << " inputs " << network.NumInputs() << " hidden "
        << AnswerArray(hidden) << " outputs " << network.NumOutputs() << " bias "
        << AnswerSwitch(network.Layer(0).IsBias());
+  const auto sigmoids = std::ranges::count(functions, "sigmoid");
+  if (sigmoids < std::ssize(functions)) text << " functions " << AnswerArray(functions);
   return text.str();
 }
 
