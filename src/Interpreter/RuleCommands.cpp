@@ -74,7 +74,8 @@ TSimplification SimplificationOf(const TCommandLine& line, const Data& set) {
   return simplification;
 }
 
-// The words for terms behind a tag, which may be left out.
+// The words for terms behind a tag, which may be left out. Rules could not tell two apart that are
+// the same in any case.
 std::optional<std::vector<std::string>> TermsAt(const TCommandLine& line, std::string_view tag) {
   const auto words = line.WordsAt(tag);
   if (!words) return std::nullopt;
@@ -83,6 +84,7 @@ std::optional<std::vector<std::string>> TermsAt(const TCommandLine& line, std::s
     const std::string_view term = TrimBlanks(element);
     const bool is_number = term.find_first_of("+-.0123456789") == 0;
     if (!FileTools::IsWord(term) || is_number) Fail(tag, " must be words");
+    if (FindNoCase(terms, term)) Fail(tag, " must differ");
     terms.emplace_back(term);
   }
   return terms;
