@@ -1,5 +1,5 @@
 // Writes a syntax file for vim to the standard output: what the table of commands knows is
-// coloured.
+// coloured, a command at the start of a line and all else behind one.
 #include <iostream>
 #include <set>
 #include <string_view>
@@ -9,7 +9,7 @@
 namespace {
 
 void WriteKeywords(const char* group, const std::set<std::string_view>& words) {
-  std::cout << "syntax keyword " << group;
+  std::cout << "syntax keyword " << group << " contained";
   for (const std::string_view word : words) std::cout << ' ' << word;
   std::cout << '\n';
 }
@@ -25,7 +25,9 @@ int main() {
       commands.insert(command.word);
       for (const kiln::TForm& form : command.forms) {
         if (!form.word.empty()) forms.insert(form.word);
-        for (const kiln::TTag& tag : form.tags) tags.insert(tag.name);
+        for (const kiln::TTag& tag : form.tags) {
+          if (&tag != form.Positional(command.word)) tags.insert(tag.name);
+        }
       }
     }
   }
@@ -33,16 +35,17 @@ int main() {
                "if exists('b:current_syntax')\n  finish\nendif\n";
   WriteKeywords("kilnTag", tags);
   WriteKeywords("kilnForm", forms);
-  std::cout << R"(syntax match kilnComment /^\s*#.*/
-syntax match kilnFile /([^)]*)/
-syntax match kilnName /\$\w\+/
-syntax match kilnNumber /[-+]\?\<\d\+\(\.\d*\)\?\([eE][-+]\?\d\+\)\?\>/
-syntax match kilnCommand /^\s*\c\%()";
+  std::cout << R"(syntax match kilnComment /^ *#.*/
+syntax match kilnArguments / .*/ contained contains=kilnForm,kilnTag,kilnFile,kilnName,kilnNumber
+syntax match kilnFile /([^)]*)/ contained contains=kilnName
+syntax match kilnName /\$\h\w*/ contained
+syntax match kilnNumber /[-+]\?\<\d\+\(\.\d*\)\?\([eE][-+]\?\d\+\)\?\>/ contained
+syntax match kilnCommand /^ *\c\%()";
   for (const char* separator = ""; const std::string_view command : commands) {
     std::cout << separator << command;
     separator = "\\|";
   }
-  std::cout << R"(\)\>/
+  std::cout << R"(\)\>/ nextgroup=kilnArguments
 highlight default link kilnCommand Statement
 highlight default link kilnForm Type
 highlight default link kilnTag Identifier

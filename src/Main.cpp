@@ -32,9 +32,10 @@ bool IsAtTerminal() {
 kiln::TManner MannerFor(const kiln::TOptions& options, bool at_terminal) {
   const char* const no_colour = std::getenv("NO_COLOR");
   return {.is_quiet = options.is_quiet,
-          .has_pages = at_terminal,
+          .at_terminal = at_terminal,
           .has_colour = at_terminal && !(no_colour && *no_colour),
-          .is_printable = isatty(STDOUT_FILENO) != 0};
+          .out_is_screen = isatty(STDOUT_FILENO) != 0,
+          .error_is_screen = isatty(STDERR_FILENO) != 0};
 }
 
 std::unique_ptr<kiln::TLineSource> Lines(kiln::TConsole& console, bool at_terminal) {
@@ -101,7 +102,8 @@ int main(int argc, char* argv[]) {
   if (options->asks_for_help) return Tell(kiln::HelpOnOptions());
   if (options->asks_for_version) return Tell("Kiln " + std::string(kiln::Version()) + "\n");
   if (!options->folder.empty() && chdir(options->folder.c_str()) != 0) {
-    std::cerr << "kiln: cannot work in " << options->folder << ": " << std::strerror(errno) << '\n';
+    std::cerr << "kiln: cannot work in " << options->folder.string() << ": " << std::strerror(errno)
+              << '\n';
     return kWrongOptions;
   }
 

@@ -10,6 +10,7 @@
 #include "FileTestTools.h"
 #include "Interpreter/Commands.h"
 #include "Interpreter/LineCheck.h"
+#include "Interpreter/Usage.h"
 #include "Shared/TAssertion.h"
 #include "Shared/Text.h"
 
@@ -186,6 +187,18 @@ TEST_F(CommandTable, ListsNoTagThatNoHandlerReads) {
           << "nobody reads " << tag.name << " of " << form.example;
     }
   });
+}
+
+TEST_F(CommandTable, FitsATerminalOf80Columns) {
+  std::string pages = "Result: " + Overview();
+  for (const TFamily* family : Families()) {
+    for (const TCommand& command : family->commands) pages += "\nResult: " + Describe(command);
+  }
+  ForEachForm([&](const TCommand& command, const TForm& form) {
+    pages += "\nResult: " + Describe(command, form);
+  });
+  std::istringstream lines(pages);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
 }
 
 // --- The reference for users -----------------------------------------------------------------

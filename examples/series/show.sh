@@ -10,11 +10,7 @@ cp "$here/series.kiln" .
 rm -f ./*.csv series.log
 awk -f "$here/mackey-glass.awk"
 
-echo 'run filename (series.kiln)' | "$kiln" >session.txt
-if grep -q 'Error: ' session.txt; then
-  cat session.txt
-  exit 1
-fi
+"$kiln" --strict series.kiln >session.txt
 
 printf 'What Kiln was told, and what it answered:\n\n'
 sed 's/^/  /' series.log

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <span>
 
+#include "Console/Screen.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/TCommand.h"
 #include "Interpreter/TCommandLine.h"
@@ -120,6 +121,7 @@ void AddCommandWords(TChoices& choices) {
   for (const TFamily* family : Families()) {
     for (const TCommand& command : family->commands) choices.Add(command.word);
   }
+  choices.AddAll("exit quit");
 }
 
 // What may come behind the words of a form: the value of the tag before, or another tag.
@@ -148,7 +150,6 @@ TCompletion CompleteWord(const TInterpreter& interpreter, std::string_view line)
   TChoices choices(line, typed.last);
   if (typed.words.empty()) {
     AddCommandWords(choices);
-    choices.AddAll("exit quit");
     return choices.Take();
   }
   const bool is_help = EqualNoCase(typed.words.front(), "help");
@@ -165,6 +166,11 @@ TCompletion CompleteWord(const TInterpreter& interpreter, std::string_view line)
   return choices.Take();
 }
 
+// Whether a name in brackets reaches the command as it is.
+bool CanBeTyped(std::string_view file) {
+  return file.find(')') == file.npos && Screen::Fitting(file, file.npos).size() == file.size();
+}
+
 // `name` is what stands between the bracket and the end of the line.
 TCompletion CompleteFile(std::string_view line, std::string_view name) {
   name.remove_prefix(std::min(name.find_first_not_of(' '), name.size()));
@@ -176,6 +182,7 @@ TCompletion CompleteFile(std::string_view line, std::string_view name) {
        entry != end && !no_folder; entry.increment(no_folder)) {
     const std::string file = entry->path().filename().string();
     if (file.starts_with('.') && !name.substr(folder.size()).starts_with('.')) continue;
+    if (!CanBeTyped(file)) continue;
     std::error_code not_there;
     choices.Add(folder + file, entry->is_directory(not_there) ? "/" : ")");
   }

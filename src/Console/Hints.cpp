@@ -35,6 +35,27 @@ std::string OtherForm(const TCommand& command, std::string_view arguments) {
   return DidYouMean(TCommandLine(arguments).CommandWord(), words);
 }
 
+// For a line that means no form of its command. Words in front of forms count in one case only.
+std::string OtherWords(const TCommand& command, const TCommandLine& line) {
+  const bool has_words = !command.forms.front().word.empty();
+  std::string hint;
+  if (has_words) hint = DidYouMean(line.CommandWord(), {{command.word}});
+  return hint.empty() ? OtherForm(command, line.Arguments()) : hint;
+}
+
+// For what follows "help".
+std::string OtherTopic(const TCommandLine& topic) {
+  const std::string_view word = topic.CommandWord();
+  if (const TCommand* command = FindCommand(word)) return OtherForm(*command, topic.Arguments());
+  for (const TFamily* family : Families()) {
+    for (const TCommand& command : family->commands) {
+      if (word.empty() || !FindNoCase(command.forms, word, &TForm::word)) continue;
+      return std::string("did you mean help ").append(command.word).append(" ").append(word) + "?";
+    }
+  }
+  return OtherCommand(word);
+}
+
 // For an alias of which there is no object.
 std::string OtherAlias(const TInterpreter& interpreter, const TForm& form,
                        const TCommandLine& line) {
@@ -55,11 +76,12 @@ std::string HintOn(const TInterpreter& interpreter, std::string_view text) {
   const TCommandLine line(text);
   const TCommand* const command = FindCommand(line.CommandWord());
   if (!command) return OtherCommand(line.CommandWord());
+  if (command->word == "help") return OtherTopic(TCommandLine(line.Arguments()));
   const TForm* form = nullptr;
   try {
     form = &command->choose(*command, interpreter, line);
   } catch (const TCommandFailure&) {
-    std::string hint = OtherForm(*command, line.Arguments());
+    std::string hint = OtherWords(*command, line);
     if (hint.empty()) hint = OtherAlias(interpreter, command->forms.front(), line);
     return hint;
   }

@@ -1,10 +1,10 @@
 #include "Console/LineEditor.h"
 
 #include <histedit.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -15,9 +15,10 @@
 #include <vector>
 
 #include "Console/Completion.h"
+#include "Console/Screen.h"
+#include "Console/Signals.h"
 #include "Interpreter/TLineReader.h"
 #include "Shared/Interruption.h"
-#include "Shared/TDescriptor.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -73,13 +74,20 @@ class TLineEditor : public TLineSource {
   static unsigned char CompleteWord(EditLine* editor, int key);
 
   void SetUp();
+  void LoadHistory();
+  ssize_t ReadByte(char& byte);
+  std::size_t RowsBefore(const char* place) const;
+  void Redraw(Signals::TScreenChange change);
+  void Drop();
   unsigned char Complete();
   void Show(const std::vector<std::string>& words) const;
   void Remember();
 
+  using THistory = std::unique_ptr<History, TEnd>;
+
   const TInterpreter& interpreter_;
   std::ostream& out_;
-  std::unique_ptr<History, TEnd> history_;
+  THistory history_;
   std::unique_ptr<EditLine, TEnd> editor_;
   std::string history_path_;  // empty: there is no place for it
   std::string prompt_;
@@ -109,11 +117,20 @@ void TLineEditor::SetUp() {
   el_set(editor, EL_BIND, "^I", "kiln-complete", nullptr);
   el_set(editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
 
+  LoadHistory();
+}
+
+void TLineEditor::LoadHistory() {
   HistEvent event;
   ::history(history_.get(), &event, H_SETSIZE, kHistorySize);
   ::history(history_.get(), &event, H_SETUNIQUE, 1);
   history_path_ = HistoryPath();
-  if (!history_path_.empty()) ::history(history_.get(), &event, H_LOAD, history_path_.c_str());
+  if (history_path_.empty()) return;
+  const int lines = ::history(history_.get(), &event, H_LOAD, history_path_.c_str());
+  // A file that is missing, no history or too long is written anew.
+  if (lines < 0 || lines > kHistorySize) {
+    ::history(history_.get(), &event, H_SAVE, history_path_.c_str());
+  }
 }
 
 TLineEditor& TLineEditor::Of(EditLine* editor) {
@@ -122,25 +139,63 @@ TLineEditor& TLineEditor::Of(EditLine* editor) {
   return *static_cast<TLineEditor*>(self);
 }
 
-// Reads on through signals, but for the wish to drop the line. Returns how many characters there
-// were: 1, 0 at the end of the input, or -1.
+// Reads on through signals, but for the wish to drop the line. Returns what read() does.
+ssize_t TLineEditor::ReadByte(char& byte) {
+  for (;;) {
+    const ssize_t count = read(STDIN_FILENO, &byte, 1);
+    const int error = errno;
+    const Signals::TScreenChange change = Signals::TakeScreenChange();
+    if (change != Signals::TScreenChange::kNone) Redraw(change);
+    if (count >= 0 || error != EINTR) return count;
+    if (!Interruption::IsRequested()) continue;
+    Drop();
+    return count;
+  }
+}
+
+// Returns how many characters there were: 1, 0 at the end of the input, or -1.
 int TLineEditor::ReadCharacter(EditLine* editor, wchar_t* character) {
   std::mbstate_t state = {};
   for (;;) {
     char byte = 0;
-    try {
-      const ssize_t count = ReadSome(STDIN_FILENO, &byte, 1);
-      if (count <= 0) return static_cast<int>(count);
-    } catch (const TInterrupted&) {
-      Of(editor).is_interrupted_ = true;
-      return -1;
-    }
+    const ssize_t count = Of(editor).ReadByte(byte);
+    if (count <= 0) return static_cast<int>(count);
     const std::size_t length = std::mbrtowc(character, &byte, 1, &state);
     constexpr auto kUnfinished = static_cast<std::size_t>(-2);
     if (length == kUnfinished) continue;
     if (length == static_cast<std::size_t>(-1)) *character = L'?';
     return 1;
   }
+}
+
+// How many rows of the screen the line fills before this place in it.
+std::size_t TLineEditor::RowsBefore(const char* place) const {
+  const std::string text(el_line(editor_.get())->buffer, place);
+  return Screen::Width(prompt_ + text) / Screen::Columns(STDOUT_FILENO);
+}
+
+// Draws the line that is being edited where it stands or, when others have used the screen, where
+// these have stopped. Terminals break lines anew when they are resized.
+void TLineEditor::Redraw(Signals::TScreenChange change) {
+  EditLine* const editor = editor_.get();
+  if (change == Signals::TScreenChange::kResized) {
+    const std::size_t rows = RowsBefore(el_line(editor)->cursor);
+    if (rows > 0) out_ << "\033[" << rows << 'A';
+  }
+  out_ << "\r\033[J" << std::flush;
+  el_resize(editor);
+  el_set(editor, EL_PREP_TERM, 0);  // or else the library would not set the modes again
+  el_set(editor, EL_PREP_TERM, 1);
+  el_set(editor, EL_REFRESH);
+}
+
+// Leaves the line as it stands on the screen.
+void TLineEditor::Drop() {
+  is_interrupted_ = true;
+  const LineInfo* const typed = el_line(editor_.get());
+  const std::size_t rows = RowsBefore(typed->lastchar) - RowsBefore(typed->cursor);
+  if (rows > 0) out_ << "\033[" << rows << 'B';
+  out_ << "^C" << std::flush;
 }
 
 bool TLineEditor::Next(std::string_view prompt) {
@@ -150,35 +205,36 @@ bool TLineEditor::Next(std::string_view prompt) {
   is_interrupted_ = false;
   Interruption::Forget();
   out_.flush();
+  const Signals::TEditScope edit;
   el_resize(editor_.get());
   el_set(editor_.get(), EL_PREP_TERM, 1);  // or else keys pressed at once would be echoed twice
   int count = 0;
   const char* const text = el_gets(editor_.get(), &count);
   if (is_interrupted_) {
-    out_ << "^C" << std::flush;
     fault_ = TInterrupted().what();
     return true;
   }
-  if (!text || count <= 0) {
-    out_ << '\n';  // the prompt of the shell gets a line of its own
-    return false;
-  }
+  if (!text || count <= 0) return false;
   line_.assign(text, static_cast<std::size_t>(count));
   while (line_.ends_with('\n') || line_.ends_with('\r')) line_.pop_back();
   line_ = std::string(TrimBlanks(line_));
   if (line_.size() > TLineReader::kLongest) fault_ = "line too long";
-  if (!line_.empty()) Remember();
+  if (!line_.empty() && fault_.empty()) Remember();
   return true;
 }
 
-// The history is written after each line: the session may end in many ways.
+// Each line goes behind the others at once: a session may end in many ways, and several may write
+// to one history.
 void TLineEditor::Remember() {
   HistEvent event;
   ::history(history_.get(), &event, H_ENTER, line_.c_str());
-  if (history_path_.empty()) return;
-  const mode_t before = umask(S_IRWXG | S_IRWXO);
-  ::history(history_.get(), &event, H_SAVE, history_path_.c_str());
-  umask(before);
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+      history_path_.empty() ? nullptr : std::fopen(history_path_.c_str(), "ae"), std::fclose);
+  const THistory line(history_init());
+  if (!file || !line || std::fseek(file.get(), 0, SEEK_END) != 0) return;
+  ::history(line.get(), &event, H_SETSIZE, 1);
+  ::history(line.get(), &event, H_ENTER, line_.c_str());
+  ::history(line.get(), &event, H_SAVE_FP, file.get());
 }
 
 unsigned char TLineEditor::CompleteWord(EditLine* editor, int /*key*/) {
@@ -200,14 +256,20 @@ unsigned char TLineEditor::Complete() {
   return CC_REFRESH;
 }
 
+// Words in columns, without what would follow them.
 void TLineEditor::Show(const std::vector<std::string>& words) const {
-  constexpr std::size_t kWidth = 80;
+  constexpr std::size_t kGap = 2;
+  std::vector<std::string> shown;
   std::size_t widest = 0;
-  for (const std::string& word : words) widest = std::max(widest, word.size() + 1);
-  const std::size_t columns = std::max<std::size_t>(kWidth / widest, 1);
-  for (std::size_t i = 0; i < words.size(); ++i) {
+  for (const std::string& word : words) {
+    shown.push_back(Printable(word.substr(0, word.find_last_not_of(" )") + 1)));
+    widest = std::max(widest, Screen::Width(shown.back()) + kGap);
+  }
+  const std::size_t columns =
+      std::max<std::size_t>((Screen::Columns(STDOUT_FILENO) - 1) / widest, 1);
+  for (std::size_t i = 0; i < shown.size(); ++i) {
     if (i % columns == 0) out_ << '\n';
-    out_ << words[i] << std::string(widest - words[i].size(), ' ');
+    out_ << shown[i] << std::string(widest - Screen::Width(shown[i]), ' ');
   }
   out_ << '\n' << std::flush;
 }

@@ -91,7 +91,7 @@ bool Take(TOptions& options, int letter, const char* argument) {
       options.is_strict = true;
       break;
     case 'C':
-      options.folder = argument;
+      options.folder /= argument;  // each from where the one before leads
       break;
     case 'j':
       return TakeWorkers(options, argument, "-j");

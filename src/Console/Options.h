@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -20,8 +21,8 @@ struct TTask {
 
 // What the command line of the program says.
 struct TOptions {
-  std::vector<TTask> tasks;  // in the order given
-  std::string folder;        // in which to work; empty: the present one
+  std::vector<TTask> tasks;      // in the order given
+  std::filesystem::path folder;  // in which to work; empty: the present one
   TDefinitions definitions;
   std::size_t workers = 1;
   bool talks_on = false;         // has a conversation after the tasks

@@ -13,6 +13,27 @@ void Install();
 // ends the reading of a line.
 void CatchInterrupts();
 
+// Stands for a person who edits a line at the terminal of the standard input, whose modes are not
+// the usual ones meanwhile. A signal that ends or stops the program gives it these back first.
+class TEditScope {
+ public:
+  TEditScope();
+  ~TEditScope();
+
+  TEditScope(const TEditScope&) = delete;
+  TEditScope& operator=(const TEditScope&) = delete;
+};
+
+// What has happened to the screen while a line was edited.
+enum class TScreenChange {
+  kNone,
+  kResized,  // the window has another size
+  kResumed,  // the program had been stopped, and others have used the screen
+};
+
+// The latest change since the last call. A change ends a wait for keys by EINTR.
+TScreenChange TakeScreenChange();
+
 // Stands for a command that runs. Earlier requests of an interruption are forgotten.
 class TCommandScope {
  public:

@@ -24,7 +24,6 @@ TConsole::TConsole(std::ostream& out, TManner manner) : out_(out), manner_(manne
 bool TConsole::CarryOut(const TTask& task) {
   const Signals::TCommandScope command;
   std::string failure;
-  if (guide_) guide_->Begin({});
   try {
     Perform(task);
   } catch (const std::bad_alloc&) {
@@ -42,12 +41,15 @@ bool TConsole::CarryOut(const TTask& task) {
 // Throws what is wrong.
 void TConsole::Perform(const TTask& task) {
   if (task.kind == TTask::TKind::kFile) {
+    if (guide_) guide_->Begin({});
     interpreter_.RunScript(task.text, [this](int code) { Answer(code); });
     return;
   }
   const std::string_view line = TrimBlanks(task.text);
   if (line.empty() || line.starts_with('#')) return;
-  const int code = interpreter_.ExecuteOfScript(line);
+  const int code = interpreter_.ExecuteOfScript(line, [this](std::string_view expanded) {
+    if (guide_) guide_->Begin(expanded);
+  });
   if (code < 0) Fail(interpreter_.GetError(), " (-e ", line, ")");
   Answer(code);
 }
@@ -65,7 +67,10 @@ bool TConsole::ConverseUntilFailure(TLineSource& lines) {
 }
 
 TConsole::TOutcome TConsole::TakeLine(TLineSource& lines) {
-  if (!lines.Next(manner_.is_quiet ? std::string_view() : kPrompt)) return TOutcome::kEnd;
+  if (!lines.Next(manner_.is_quiet ? std::string_view() : kPrompt)) {
+    if (manner_.at_terminal) out_ << '\n';
+    return TOutcome::kEnd;
+  }
   try {
     if (!lines.Fault().empty()) return Refuse(lines.Fault());
     line_ = lines.Line();
@@ -92,7 +97,8 @@ TConsole::TOutcome TConsole::Refuse(std::string_view fault) {
 TConsole::TOutcome TConsole::Obey() {
   if (line_ == "!!") {
     line_ = remembered_;
-    out_ << line_ << '\n';
+    Write(line_, out_);
+    out_ << '\n';
   }
   return line_.starts_with('@') ? RunSystemCommand() : Execute();
 }
@@ -141,18 +147,27 @@ void TConsole::WriteAnswer(int code) {
   }
   const std::string& result = interpreter_.GetResult();
   if (!manner_.is_quiet) out_ << "Result: ";
-  const std::string text = manner_.has_pages ? result : OneLine(result);
-  out_ << (manner_.is_printable ? Printable(text) : text) << '\n';
+  Write(manner_.at_terminal ? result : OneLine(result), out_);
+  out_ << '\n';
 }
 
 void TConsole::Complain(std::string_view why, std::ostream& out) const {
   std::ostream& place = manner_.is_quiet ? std::cerr : out;
-  place << (manner_.has_colour ? "\033[31mError:\033[0m " : "Error: ");
-  if (manner_.is_printable) {
-    place << Printable(why) << '\n';
+  place << (manner_.has_colour && IsScreen(place) ? "\033[31mError:\033[0m " : "Error: ");
+  Write(why, place);
+  place << '\n';
+}
+
+void TConsole::Write(std::string_view text, std::ostream& out) const {
+  if (IsScreen(out)) {
+    out << Printable(text);
   } else {
-    place << why << '\n';
+    out << text;
   }
+}
+
+bool TConsole::IsScreen(const std::ostream& out) const {
+  return &out == &std::cerr ? manner_.error_is_screen : manner_.out_is_screen;
 }
 
 }  // namespace kiln

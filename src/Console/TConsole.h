@@ -14,10 +14,14 @@ namespace kiln {
 
 // How a console writes.
 struct TManner {
-  bool is_quiet = false;      // results alone on the output, errors on the standard error
-  bool has_pages = false;     // answers of several lines on several lines
-  bool has_colour = false;    // "Error:" in red
-  bool is_printable = false;  // nothing that a terminal would obey, wherever it comes from
+  bool is_quiet = false;     // results alone on the output, errors on the standard error
+  bool at_terminal = false;  // to a person: answers of several lines on several lines, and a line
+                             // end behind the last prompt
+  bool has_colour = false;   // "Error:" in red on a screen
+  // Whether the output and the standard error are screens. Nothing that a terminal would obey is
+  // written there, wherever it comes from.
+  bool out_is_screen = false;
+  bool error_is_screen = false;
 };
 
 // A session: carries out commands of files and of the command line, and holds conversations.
@@ -59,6 +63,8 @@ class TConsole {
   void Answer(int code);
   void WriteAnswer(int code);
   void Complain(std::string_view why, std::ostream& out) const;
+  void Write(std::string_view text, std::ostream& out) const;
+  bool IsScreen(const std::ostream& out) const;
   TOutcome Refuse(std::string_view fault);
 
   TInterpreter interpreter_;

@@ -7,6 +7,7 @@
 #include "Console/Hints.h"
 #include "Shared/Interruption.h"
 #include "Shared/Say.h"
+#include "Shared/Text.h"
 
 namespace kiln {
 
@@ -43,7 +44,7 @@ void TGuide::Remark(std::string_view line, int code) {
   if (code >= 0 && hint_.empty()) hint_ = HintBehind(interpreter_, line);
   // Strict reading has made an error of it.
   if (hint_.empty() || interpreter_.GetError() == hint_) return;
-  std::cerr << hint_ << std::endl;
+  std::cerr << Printable(hint_) << std::endl;
 }
 
 }  // namespace kiln

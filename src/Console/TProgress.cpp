@@ -1,11 +1,11 @@
 #include "Console/TProgress.h"
 
-#include <sys/ioctl.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cmath>
+#include <filesystem>
 
+#include "Console/Screen.h"
 #include "Interpreter/TCommandLine.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/TSignalsBlocked.h"
@@ -24,12 +24,6 @@ template <typename TFunction>
 std::thread ThreadWithoutSignals(TFunction function) {
   const TSignalsBlocked blocked;
   return std::thread(function);
-}
-
-std::size_t Columns(int descriptor) {
-  winsize size = {};
-  constexpr std::size_t kUsual = 80;
-  return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
 }
 
 // "12 s", "3 min", "5 h".
@@ -63,7 +57,7 @@ void TProgress::Begin(std::string_view line) {
   {
     const std::lock_guard lock(mutex_);
     is_running_ = true;
-    script_.clear();
+    script_line_ = 0;
     StartLine(line);
     command_start_ = line_start_;
   }
@@ -78,7 +72,8 @@ void TProgress::End() {
 
 void TProgress::EnterLine(const std::string& path, std::int64_t number, std::string_view line) {
   const std::lock_guard lock(mutex_);
-  script_.assign(path).append(" line ").append(std::to_string(number)).append("   ");
+  script_ = path;
+  script_line_ = number;
   StartLine(line);
 }
 
@@ -108,16 +103,27 @@ void TProgress::Work() {
   }
 }
 
-std::string TProgress::Text() const {
+// The place of the line, where it is one of a script: at most half of what there is room for.
+std::string TProgress::Place(std::size_t columns) const {
+  if (script_line_ == 0) return {};
+  const std::string name = std::filesystem::path(script_).filename();
+  return std::string(Screen::Fitting(name, columns / 2))
+      .append(" line ")
+      .append(std::to_string(script_line_))
+      .append("   ");
+}
+
+std::string TProgress::Text(std::size_t columns) const {
   const TCommandLine line(line_);
   const int done = done_.load(std::memory_order_relaxed);
   const double seconds = SecondsSince(line_start_);
-  if (done == 0) return script_ + std::string(line.CommandWord()) + "   " + Duration(seconds);
+  std::string text = Place(columns);
+  if (done == 0) return text.append(line.CommandWord()).append("   ").append(Duration(seconds));
 
   const bool breeds = line.Word("generations").code == TReadCode::kRead;
   const std::string_view unit = breeds ? "generation" : "epoch";
   const std::int64_t all = line.Long(breeds ? "generations" : "epochs").value;
-  std::string text = script_ + std::string(unit).append(" ").append(std::to_string(done));
+  text.append(unit).append(" ").append(std::to_string(done));
   if (all > 0) text.append(" of ").append(std::to_string(all));
   text.append("   error ").append(FormatGeneral(error_.load(std::memory_order_relaxed), 3));
   if (all >= done) {
@@ -128,7 +134,8 @@ std::string TProgress::Text() const {
 }
 
 void TProgress::Draw() {
-  const std::string text = kEraseLine + Text().substr(0, Columns(descriptor_) - 1);
+  const std::size_t columns = Screen::Columns(descriptor_) - 1;
+  const std::string text = kEraseLine + std::string(Screen::Fitting(Text(columns), columns));
   is_drawn_ = true;
   // What cannot be drawn is not missed.
   [[maybe_unused]] const ssize_t written = write(descriptor_, text.data(), text.size());

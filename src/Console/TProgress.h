@@ -45,7 +45,8 @@ class TProgress {
 
   void Work();
   void StartLine(std::string_view line);
-  std::string Text() const;
+  std::string Place(std::size_t columns) const;
+  std::string Text(std::size_t columns) const;
   void Draw();
   void Erase();
 
@@ -60,8 +61,9 @@ class TProgress {
   bool is_drawn_ = false;
   TClock::time_point command_start_;
   TClock::time_point line_start_;
-  std::string line_;    // that is carried out
-  std::string script_;  // the place of the line, where it is one of a script
+  std::string line_;              // that is carried out
+  std::string script_;            // the path of the script that it stands in
+  std::int64_t script_line_ = 0;  // its number there; 0 where it is not of a script
 
   std::thread thread_;  // the last member, since it uses the others
 };

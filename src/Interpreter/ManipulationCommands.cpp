@@ -118,8 +118,7 @@ constexpr TForm kNormalise[] = {
 };
 constexpr TForm kDenormalise[] = {
     {"", "undoes normalise",
-     "denormalise source d destination e method linear outputcmaxs {8} "
-     "outputcmins {2}",
+     "denormalise source d destination e method linear outputgmax 8 outputgmin 2",
      kScaleTags, Denormalise},
 };
 
@@ -132,7 +131,7 @@ constexpr TTag kDivideTags[] = {
 };
 constexpr TForm kDivide[] = {
     {"", "makes data sets of parts of the rows",
-     "divide source d destination {training, test} shares {0.5, 0.5} stratified off", kDivideTags,
+     "divide source d destination {learn, test} shares {0.5, 0.5} stratified off", kDivideTags,
      Divide},
 };
 
@@ -157,7 +156,7 @@ constexpr TForm kExtract[] = {
 };
 
 constexpr TTag kRecombineTags[] = {
-    {"sources", kAliases, "a data set for each class"},
+    TTag{"sources", kAliases, "a data set for each class"}.Of("Data"),
     {"rows", kLongs, "how many rows are drawn from each"},
     kDestinationTag,
     kSeedTag,

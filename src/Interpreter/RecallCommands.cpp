@@ -149,7 +149,7 @@ constexpr TTag kLabelTags[] = {
     kOutputTag,
 };
 constexpr TForm kLabel[] = {
-    {"", "makes a data set of places on a map with the labels of all rows that stand there",
+    {"", "makes a data set of places on a map, with the labels of rows there",
      "label network k map m coord m output named", kLabelTags, Label},
 };
 

@@ -21,6 +21,7 @@ TAnswer Help(TInterpreter& /*interpreter*/, const TCommandLine& line) {
   const TCommandLine topic(line.Arguments());
   const std::string_view word = topic.CommandWord();
   if (word.empty()) return Overview();
+  if (HasWord("quit exit !!", word) || word.starts_with('@')) return std::string(kAtThePrompt);
   const TCommand* const command = FindCommand(word);
   if (!command) Fail("no help for ", word);
   const std::string_view selector = Selector(topic, word);

@@ -32,21 +32,22 @@ bool TDefinitions::Add(std::string_view definition) {
   return true;
 }
 
-std::string TDefinitions::Expanded(std::string_view line) const {
-  std::string text;
+std::string_view TDefinitions::Expanded(std::string_view line, std::string& room) const {
+  if (values_.empty() || line.find('$') == line.npos) return line;
+  room.clear();
   for (std::size_t dollar = line.find('$'); dollar != line.npos; dollar = line.find('$')) {
     const std::string_view name = NameAt(line.substr(dollar + 1));
-    text.append(line.substr(0, dollar));
+    room.append(line.substr(0, dollar));
     line.remove_prefix(dollar + 1 + name.size());
     if (name.empty()) {
-      text += '$';
+      room += '$';
       continue;
     }
     const auto found = values_.find(name);
     if (found == values_.end()) Fail("$", name, " is not defined");
-    text += found->second;
+    room += found->second;
   }
-  return text.append(line);
+  return room.append(line);
 }
 
 }  // namespace kiln

@@ -14,11 +14,10 @@ class TDefinitions {
   // Takes "NAME=VALUE"; a name that is defined again gets the new value. Returns whether it is one.
   bool Add(std::string_view definition);
 
-  bool IsEmpty() const { return values_.empty(); }
-
-  // The line with all names replaced; a dollar without a name stays. Throws TCommandFailure for a
-  // name that is not defined.
-  std::string Expanded(std::string_view line) const;
+  // The line with all names replaced, in `room`; a dollar without a name stays. Where nothing is
+  // defined, or there is no dollar, it is the line itself. Throws TCommandFailure for a name that
+  // is not defined.
+  std::string_view Expanded(std::string_view line, std::string& room) const;
 
  private:
   std::map<std::string, std::string, std::less<>> values_;

@@ -49,6 +49,13 @@ bool AreSameFile(const std::string& a, const std::string& b) {
   return std::filesystem::equivalent(a, b, not_there);
 }
 
+// Why a text cannot be one line; null when it can.
+const char* FaultIn(std::string_view text) {
+  if (text.find('\n') != text.npos) return "line holds a line end";
+  if (text.find('\0') != text.npos) return "line holds a null character";
+  return nullptr;
+}
+
 // What strict reading demands of a line.
 void RequireSound(const TCommand& command, const TForm& form, std::string_view line) {
   if (const std::optional<TOddity> oddity = FindOddity(command, form, line)) Fail(oddity->fault);
@@ -57,20 +64,28 @@ void RequireSound(const TCommand& command, const TForm& form, std::string_view l
 }  // namespace
 
 int TInterpreter::Execute(std::string_view text) {
+  if (const char* const fault = FaultIn(text)) {
+    Refuse(fault);
+    error_message_ = fault;
+    return kFailed;
+  }
   const TCommandLine line(text);
   const int code = Answer(line);
   if (transcript_.IsOpen() && !EqualNoCase(line.CommandWord(), "log")) Record(text, code);
   return code;
 }
 
-int TInterpreter::ExecuteOfScript(std::string_view text) {
-  if (definitions_.IsEmpty()) return Execute(text);
+int TInterpreter::ExecuteOfScript(std::string_view text,
+                                  const std::function<void(std::string_view line)>& seen) {
+  std::string room;
   try {
-    return Execute(definitions_.Expanded(text));
+    text = definitions_.Expanded(text, room);
   } catch (const TCommandFailure& failure) {
     error_message_ = failure.what();
     return kFailed;
   }
+  seen(text);
+  return Execute(text);
 }
 
 int TInterpreter::Answer(const TCommandLine& line) {
@@ -117,13 +132,15 @@ TAnswer TInterpreter::RunScript(const std::string& path,
   const auto fail = [&](std::string_view why) {
     Fail("line ", std::to_string(reader.Number()), " of file ", path, " Error: ", why);
   };
+  const std::function<void(std::string_view)> seen = [&](std::string_view line) {
+    if (script_observer_) script_observer_(path, reader.Number(), line);
+  };
   int code = kSucceeded;
   while (reader.Next()) {
     if (Interruption::IsRequested()) fail(TInterrupted().what());
     if (!reader.Fault().empty()) fail(reader.Fault());
     if (reader.Line().empty() || reader.Line().starts_with('#')) continue;
-    if (script_observer_) script_observer_(path, reader.Number(), reader.Line());
-    code = ExecuteOfScript(reader.Line());
+    code = ExecuteOfScript(reader.Line(), seen);
     if (code < 0) fail(GetError());
     if (answered) answered(code);
   }

@@ -27,11 +27,14 @@ class TInterpreter : public TObjectRegistry {
  public:
   // Runs one command. Returns a negative code for a failure, which GetError() explains, a positive
   // one for a command with a value, which GetResult() holds, and 0 for any other. An open
-  // transcript takes the line and its answer.
+  // transcript takes the line and its answer. A text with a line end or a null character in it,
+  // which would end what is written or opened by it, is refused.
   int Execute(std::string_view text);
 
-  // Runs a line of a script: like Execute, but with what is defined in place of "$NAME".
-  int ExecuteOfScript(std::string_view text);
+  // Runs a line of a script: like Execute, but with what is defined in place of "$NAME". Shows
+  // `seen` the line that comes of it before it runs.
+  int ExecuteOfScript(std::string_view text,
+                      const std::function<void(std::string_view line)>& seen);
 
   // The messages of the latest command that had one of the kind.
   const std::string& GetError() const { return error_message_; }
@@ -49,7 +52,8 @@ class TInterpreter : public TObjectRegistry {
   // What "$NAME" stands for in scripts from now on. Where nothing is defined a dollar is a dollar.
   void Define(TDefinitions definitions) { definitions_ = std::move(definitions); }
 
-  // Scripts call the observer before each of their lines. There is none by default.
+  // Scripts call the observer before each of their lines, as it is carried out. There is none by
+  // default.
   void SetScriptObserver(TScriptObserver observer) { script_observer_ = std::move(observer); }
 
   // Takes note of a line that is not run. An open transcript has one comment, which says why, in

@@ -122,6 +122,13 @@ std::vector<std::string> UsageParts(const TCommand& command, const TForm& form) 
   return parts;
 }
 
+// On a line of its own where it is long.
+std::string Example(const TForm& form) {
+  const std::string start = "for example:";
+  const bool is_long = start.size() + 1 + form.example.size() > kWidth;
+  return start + (is_long ? "\n    " : " ") + std::string(form.example);
+}
+
 std::string Heading(const TForm& form) {
   if (form.trainers.empty()) return std::string(form.help);
   return std::string(form.help).append(" (").append(form.trainers).append(")");
@@ -134,8 +141,8 @@ std::string Describe(const TCommand& command, const TForm& form) {
       .append("\n")
       .append(Wrapped(UsageParts(command, form), "    "))
       .append(TagLines(command, form))
-      .append("\nfor example: ")
-      .append(form.example);
+      .append("\n")
+      .append(Example(form));
 }
 
 std::string Describe(const TCommand& command) {
@@ -164,12 +171,13 @@ std::string Overview() {
   std::size_t widest = 0;
   for (const TFamily* family : Families()) widest = std::max(widest, family->title.size());
   for (const TFamily* family : Families()) {
-    std::string line = kIndent + std::string(family->title).append(":");
-    line.resize(kIndent.size() + widest + 1, ' ');
-    for (const TCommand& command : family->commands) line.append(" ").append(command.word);
-    text.append("\n").append(line);
+    std::string title = kIndent + std::string(family->title).append(":");
+    title.resize(kIndent.size() + widest + 1, ' ');
+    std::vector<std::string> parts = {title};
+    for (const TCommand& command : family->commands) parts.emplace_back(command.word);
+    text.append("\n").append(Wrapped(parts, std::string(title.size() + 1, ' ')));
   }
-  return text;
+  return text.append("\n").append(kAtThePrompt);
 }
 
 }  // namespace kiln

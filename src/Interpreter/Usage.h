@@ -8,6 +8,10 @@
 // What `help` tells of the table of commands. Texts of several lines end without a line end.
 namespace kiln {
 
+// What is typed at the prompt and is no command.
+inline constexpr std::string_view kAtThePrompt =
+    "quit ends the session; !! repeats the last command; @ls asks the shell";
+
 // The commands by family, and how to learn more.
 std::string Overview();
 

@@ -5,11 +5,12 @@
 """
 import os
 import shutil
+import signal
 import stat
 import sys
-import time
+import termios
 
-from terminal_session import Session, expect
+from terminal_session import Session, expect, resize
 
 NETWORK = "create MLP alias network1 inputs 1 layers 3 hidden {1} outputs 1 bias on seed 1"
 
@@ -27,6 +28,8 @@ def main(program, folder):
     # Answers: several lines, a red error, and a hint behind it or behind what is odd.
     expect(session.say("help destroy"), "Result: destroys an object\ndestroy NAME\n.*example: destroy net\n")
     for line, answer in (
+            ("CREATE Data", "\x1b[31mError:\x1b[0m unknown argument to create\ndid you mean create?\n"),
+            ("help mlp", "\x1b[31mError:\x1b[0m no help for mlp\ndid you mean help create mlp?\n"),
             ("creat Data", "\x1b[31mError:\x1b[0m Unknown command\ndid you mean create?\n"),
             ("create mpl", "\x1b[31mError:\x1b[0m unknown argument to create\ndid you mean MLP?\n"),
             (NETWORK, "OK\n"),
@@ -53,7 +56,8 @@ def main(program, folder):
     expect(str(session.end()), r".*\\n', 0\)")
     history = os.stat(".kiln_history")
     expect(stat.filemode(history.st_mode), "-rw-------")
-    session = Session(program, NO_COLOR="1")
+    session = Session(program, "-i", "-D", "N=200000000", NO_COLOR="1")
+    Session(program).say("purge")  # whose line does not replace those of the others
     session.press(["\x1b[A", "\n"])
     expect(session.read(), r".*query aliasexists x.*Result: false\n\r?Kiln>>")
     expect(session.say("creat"), r"Error: Unknown command\ndid you mean create\?\n")
@@ -69,10 +73,23 @@ def main(program, folder):
     expect(shown, r".*\r\x1b\[Kepoch \d+ of 2000000000   error \S+   \d+ (s|min|h) left.*"
                   r"\r\x1b\[KResult: \S+\n\r?Kiln>>")
     with open("slow.kiln", "w") as script:
-        script.write("train alias teacher data set1 epochs 200000000\n")
+        script.write("train alias teacher data set1 epochs $N\n")
     session.type("run filename (slow.kiln)")
     session.interrupt(1.0)
     expect(session.read(), r".*\r\x1b\[Kslow.kiln line 1   epoch \d+ of 200000000 .*Result: \S+\n\r?Kiln>>")
+
+    # A line is drawn anew in a window of another size and where others have used the screen, and a program
+    # that is ended leaves the terminal as it was.
+    session.press("query objects")
+    session.read(b"objects")
+    for disturb in (lambda: resize(session.terminal, 100), lambda: os.kill(session.pid, signal.SIGCONT)):
+        disturb()
+        session.read(b"\r\x1b[JKiln>>query objects")
+    os.kill(session.pid, signal.SIGTERM)
+    os.waitpid(session.pid, 0)
+    expect(str(termios.tcgetattr(session.terminal)[3] & termios.ECHO), str(termios.ECHO))
+    with open(".kiln_history") as lines:
+        expect(lines.read(), r"_HiStOrY_V2_\n.*aliasexists\\040x\npurge\n.*slow.kiln\)\n")
 
     # Nothing of it where a terminal is to be treated like a pipe.
     for arguments, environment in (("--plain",), {}), ((), {"TERM": "dumb"}):

@@ -1,4 +1,7 @@
-"""Talks to a program through a terminal, as a person does."""
+"""Talks to a program through a terminal, as a person does.
+
+What the terminal shows goes to the file that the variable TRANSCRIPT names, too.
+"""
 import fcntl
 import os
 import pty
@@ -11,13 +14,18 @@ import time
 
 PROMPT = b"Kiln>>"
 PATIENCE = 20  # seconds
+transcript = open(os.environ.get("TRANSCRIPT", os.devnull), "wb")
+
+
+def resize(terminal, columns):
+    fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
 
 
 class Session:
     def __init__(self, program, *arguments, **environment):
         self.pid, self.terminal = pty.fork()
         if self.pid == 0:
-            fcntl.ioctl(0, termios.TIOCSWINSZ, struct.pack("HHHH", 24, 200, 0, 0))  # lines that do not wrap
+            resize(0, 200)  # lines do not wrap
             os.environ.update({"TERM": "xterm", "HOME": os.getcwd(), "XDG_STATE_HOME": ""} | environment)
             os.execv(program, [program, *arguments])
         self.greeting = self.read()
@@ -30,9 +38,11 @@ class Session:
             if not ready:
                 sys.exit(f"no {until} behind: {shown}")
             try:
-                shown += os.read(self.terminal, 4096)
+                news = os.read(self.terminal, 4096)
             except OSError:
                 break
+            transcript.write(news)
+            shown += news
         return shown.replace(b"\r\n", b"\n").decode("latin-1")
 
     def type(self, line):

@@ -1,0 +1,55 @@
+#include "Console/Screen.h"
+
+#include <sys/ioctl.h>
+
+#include <algorithm>
+#include <cwchar>
+
+namespace kiln::Screen {
+
+namespace {
+
+struct TCharacter {
+  std::size_t bytes;
+  int columns;  // -1: a control character
+};
+
+// Of a text that is not empty. What is no character of the locale counts by bytes.
+TCharacter First(std::string_view text) {
+  std::mbstate_t state = {};
+  wchar_t character = 0;
+  const std::size_t bytes = std::mbrtowc(&character, text.data(), text.size(), &state);
+  if (bytes == 0 || bytes > text.size()) return {1, 1};
+  return {bytes, wcwidth(character)};
+}
+
+}  // namespace
+
+std::size_t Columns(int descriptor) {
+  winsize size = {};
+  constexpr std::size_t kUsual = 80;
+  return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
+std::size_t Width(std::string_view text) {
+  std::size_t width = 0;
+  while (!text.empty()) {
+    const TCharacter first = First(text);
+    width += static_cast<std::size_t>(std::max(first.columns, 0));
+    text.remove_prefix(first.bytes);
+  }
+  return width;
+}
+
+std::string_view Fitting(std::string_view text, std::size_t columns) {
+  std::size_t end = 0;
+  while (end < text.size()) {
+    const TCharacter next = First(text.substr(end));
+    if (next.columns < 0 || static_cast<std::size_t>(next.columns) > columns) break;
+    columns -= static_cast<std::size_t>(next.columns);
+    end += next.bytes;
+  }
+  return text.substr(0, end);
+}
+
+}  // namespace kiln::Screen

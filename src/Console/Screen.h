@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+// How much room there is on a terminal, and how much of it a text takes: none, one or two columns a
+// character, as the locale has it.
+namespace kiln::Screen {
+
+// The columns of the terminal on the descriptor; 80 where it does not tell.
+std::size_t Columns(int descriptor);
+
+std::size_t Width(std::string_view text);
+
+// The start of a text, up to `columns` wide and to its first control character.
+std::string_view Fitting(std::string_view text, std::size_t columns);
+
+}  // namespace kiln::Screen
