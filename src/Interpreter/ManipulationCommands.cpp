@@ -118,8 +118,8 @@ constexpr TForm kNormalise[] = {
 };
 constexpr TForm kDenormalise[] = {
     {"", "undoes normalise",
-     "denormalise source d destination e method linear outputgmax 8 outputgmin 2",
-     kScaleTags, Denormalise},
+     "denormalise source d destination e method linear outputgmax 8 outputgmin 2", kScaleTags,
+     Denormalise},
 };
 
 constexpr TTag kDivideTags[] = {
