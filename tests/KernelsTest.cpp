@@ -129,6 +129,7 @@ TEST(KernelsTest, EveryLevelDoesWhatItsFormulasSay) {
     }
     for (std::size_t columns = 0; columns <= 70; ++columns) ExpectProducts(*kernels, 9, 5, columns);
     for (std::size_t rows = 0; rows <= 9; ++rows) ExpectProducts(*kernels, rows, rows + 1, 33);
+    ExpectProducts(*kernels, 297, 131, 165);
     for (std::size_t n = 0; n <= 70; ++n) {
       TValues a(PaddedSize(n)), y(PaddedSize(n));
       for (std::size_t i = 0; i < n; ++i) {
