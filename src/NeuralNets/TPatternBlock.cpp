@@ -1,7 +1,6 @@
 #include "NeuralNets/TPatternBlock.h"
 
 #include <algorithm>
-#include <array>
 
 #include "DataObject/Data.h"
 #include "NeuralNets/Kernels/Kernels.h"
@@ -9,6 +8,29 @@
 #include "NeuralNets/PlainNetworks.h"
 
 namespace kiln {
+
+namespace {
+
+std::size_t NumPlaces(const TBasicNetwork& network) {
+  std::size_t places = 0;
+  for (std::size_t to = 0; to < network.NumLayers(); ++to) {
+    for (const std::size_t from : network.Sources(to)) {
+      places += network.Connections(to, from).Weights().size();
+    }
+  }
+  return places;
+}
+
+std::size_t PatternsFor(const TBasicNetwork& network, std::size_t most) {
+  constexpr std::size_t kFew = TPatternBlock::kPatterns;
+  constexpr std::size_t kMany = TPatternBlock::kManyPatterns;
+  constexpr std::size_t kNeurons = TPatternBlock::kMaxNeurons / (kMany / kFew);
+  const auto neurons = static_cast<std::size_t>(network.GetNumNeurons());
+  const bool is_large = NumPlaces(network) > TPatternBlock::kManyWeights && neurons <= kNeurons;
+  return is_large && most > kFew ? kMany : kFew;
+}
+
+}  // namespace
 
 bool TPatternBlock::Fits(const TBasicNetwork& network) {
   if (network.GetNumNeurons() > kMaxNeurons || !IsPlain(network)) return false;
@@ -20,10 +42,11 @@ bool TPatternBlock::Fits(const TBasicNetwork& network) {
   return true;
 }
 
-TPatternBlock::TPatternBlock(TBasicNetwork& network) : network_(network) {
+TPatternBlock::TPatternBlock(TBasicNetwork& network, std::size_t most)
+    : network_(network), patterns_(PatternsFor(network, most)), rows_(patterns_) {
   std::size_t largest = 0;
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {
-    outputs_.emplace_back(network.Layer(layer).NumNeurons() * kPatterns);
+    outputs_.emplace_back(network.Layer(layer).NumNeurons() * patterns_);
     largest = std::max(largest, outputs_.back().size());
   }
   net_inputs_.resize(largest);
@@ -34,7 +57,7 @@ std::size_t TPatternBlock::Width() const {
 }
 
 void TPatternBlock::Recall(const Data& data, int first, int last) {
-  count_ = std::min(kPatterns, static_cast<std::size_t>(last - first));
+  count_ = std::min(patterns_, static_cast<std::size_t>(last - first));
   SetInputs(data, first);
   for (std::size_t layer = 0; layer < network_.NumLayers(); ++layer) {
     if (layer != network_.InputLayer()) Compute(layer);
@@ -45,27 +68,26 @@ void TPatternBlock::Recall(const Data& data, int first, int last) {
 void TPatternBlock::GetPattern(std::size_t layer, std::size_t pattern,
                                std::span<double> values) const {
   const std::vector<double>& outputs = outputs_[layer];
-  for (std::size_t i = 0; i < values.size(); ++i) values[i] = outputs[i * kPatterns + pattern];
+  for (std::size_t i = 0; i < values.size(); ++i) values[i] = outputs[i * patterns_ + pattern];
 }
 
 void TPatternBlock::SetInputs(const Data& data, int first) {
-  std::array<const double*, kPatterns> rows{};
   for (std::size_t p = 0; p < count_; ++p) {
-    rows[p] = data.Row(first + static_cast<int>(p)).Inputs.data();
+    rows_[p] = data.Row(first + static_cast<int>(p)).Inputs.data();
   }
   Transpose(
-      count_, network_.NumInputs(), [&](std::size_t p) { return rows[p]; },
-      outputs_[network_.InputLayer()].data(), kPatterns);
+      count_, network_.NumInputs(), [&](std::size_t p) { return rows_[p]; },
+      outputs_[network_.InputLayer()].data(), patterns_);
 }
 
 void TPatternBlock::Compute(std::size_t layer) {
   const std::size_t neurons = network_.Layer(layer).NumNeurons();
-  std::fill_n(net_inputs_.begin(), neurons * kPatterns, 0.0);
+  std::fill_n(net_inputs_.begin(), neurons * patterns_, 0.0);
   for (const std::size_t from : network_.Sources(layer)) {
     const TBasicConnections& block = network_.Connections(layer, from);
     const TMatrixView weights = {block.Weights().data(), block.Columns(), 1};
-    Kernels().multiply(neurons, block.Columns(), Width(), weights, outputs_[from].data(), kPatterns,
-                       net_inputs_.data(), kPatterns);
+    Kernels().multiply(neurons, block.Columns(), Width(), weights, outputs_[from].data(), patterns_,
+                       net_inputs_.data(), patterns_);
   }
   Activate(layer);
 }
@@ -77,8 +99,8 @@ void TPatternBlock::Activate(std::size_t layer) {
   if (const TActRowFunction row_form = neurons.RowForm()) return row_form(net_inputs, outputs);
   for (std::size_t p = 0; p < count_; ++p) {
     for (std::size_t i = 0; i < neurons.NumNeurons(); ++i) {
-      neurons.Neuron(i).Activate(net_inputs[i * kPatterns + p]);
-      outputs[i * kPatterns + p] = neurons.Outputs()[i];
+      neurons.Neuron(i).Activate(net_inputs[i * patterns_ + p]);
+      outputs[i * patterns_ + p] = neurons.Outputs()[i];
     }
   }
 }

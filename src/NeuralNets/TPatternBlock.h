@@ -11,11 +11,16 @@ namespace kiln {
 class Data;
 
 // The recall of several patterns at a time, in which a block of weights meets all of them at once.
-// The values of a layer are a matrix here: a row of kPatterns places for each neuron, in which its
+// The values of a layer are a matrix here: a row of Patterns() places for each neuron, in which its
 // values for the patterns stand side by side.
 class TPatternBlock {
  public:
+  // How many patterns a block takes. The outputs of a small network then stay in the nearest cache;
+  // one of more than kManyWeights has its weights read for more patterns at once, where there are
+  // more and their outputs take no more memory than those of kMaxNeurons.
   static constexpr std::size_t kPatterns = 32;
+  static constexpr std::size_t kManyPatterns = 128;
+  static constexpr std::size_t kManyWeights = std::size_t{1} << 17;
 
   // Networks of more neurons, whose outputs would take more than 32 MiB, are recalled faster
   // pattern by pattern.
@@ -25,10 +30,14 @@ class TPatternBlock {
   // connection is absent.
   static bool Fits(const TBasicNetwork& network);
 
+  // A block for recalls of `most` patterns at a time or fewer; of more it takes the first ones.
   // REQUIRES: the network fits, and outlives the block.
-  explicit TPatternBlock(TBasicNetwork& network);
+  explicit TPatternBlock(TBasicNetwork& network, std::size_t most = kManyPatterns);
 
-  // Recalls the rows first..last-1, counted from the oldest of the set, or the first kPatterns of
+  // How many patterns there is room for.
+  std::size_t Patterns() const { return patterns_; }
+
+  // Recalls the rows first..last-1, counted from the oldest of the set, or the first Patterns() of
   // them. The layers of the network keep the outputs for the last row that was recalled.
   // REQUIRES: first < last <= data.DataRows(); the set's inputs fit the network.
   void Recall(const Data& data, int first, int last);
@@ -37,7 +46,7 @@ class TPatternBlock {
   std::size_t Count() const { return count_; }
   std::size_t Width() const;
 
-  // neurons x kPatterns. In each row the first Count() places hold the outputs for the patterns;
+  // neurons x Patterns(). In each row the first Count() places hold the outputs for the patterns;
   // the others are of no use.
   std::span<double> Outputs(std::size_t layer) { return outputs_[layer]; }
 
@@ -50,9 +59,11 @@ class TPatternBlock {
   void Activate(std::size_t layer);
 
   TBasicNetwork& network_;
+  std::size_t patterns_;
   std::size_t count_ = 0;
   std::vector<std::vector<double>> outputs_;  // of each layer
   std::vector<double> net_inputs_;            // of the layer at hand
+  std::vector<const double*> rows_;           // the inputs of the patterns
 };
 
 }  // namespace kiln

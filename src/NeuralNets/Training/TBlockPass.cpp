@@ -10,12 +10,6 @@
 
 namespace kiln {
 
-namespace {
-
-constexpr std::size_t kPatterns = TPatternBlock::kPatterns;
-
-}  // namespace
-
 bool TBlockPass::Fits(const TBasicNetwork& network, const TTrainRun& run) {
   return run.batch >= kMinPatterns && TPatternBlock::Fits(network);
 }
@@ -25,19 +19,21 @@ TBlockPass::TBlockPass(TTrainState& state, const TTrainRun& run)
       state_(state),
       run_(run),
       network_(*state.network),
-      outputs_(network_),
+      outputs_(network_, static_cast<std::size_t>(run.batch)),
       output_(network_.NumOutputs()) {
+  const std::size_t patterns = outputs_.Patterns();
   std::size_t largest = 0;
   for (std::size_t layer = 0; layer < network_.NumLayers(); ++layer) {
     const std::size_t neurons = network_.Layer(layer).NumNeurons();
-    errors_.emplace_back(network_.HasLowerSources(layer) ? neurons * kPatterns : 0);
+    errors_.emplace_back(network_.HasLowerSources(layer) ? neurons * patterns : 0);
     largest = std::max(largest, PaddedSize(neurons));
   }
-  rows_.resize(largest * kPatterns);
+  rows_.resize(largest * patterns);
 }
 
 void TBlockPass::Run(const Data& data, int first, int last, TErrorObj& error) {
-  for (int n = first; n < last; n += kPatterns) RunBlock(data, n, last, error);
+  const int patterns = static_cast<int>(outputs_.Patterns());
+  for (int n = first; n < last; n += patterns) RunBlock(data, n, last, error);
 }
 
 void TBlockPass::RunBlock(const Data& data, int first, int last, TErrorObj& error) {
@@ -63,7 +59,7 @@ void TBlockPass::StartErrors(const Data& data, int first, TErrorObj& error) {
     const std::span<const double> desired = data.Row(first + static_cast<int>(p)).Outputs;
     outputs_.GetPattern(layer, p, output_);
     error.Accumulate(desired, output_);
-    if (!errors.empty()) SetOutputErrors(desired, output_, errors.data() + p, kPatterns);
+    if (!errors.empty()) SetOutputErrors(desired, output_, errors.data() + p, outputs_.Patterns());
   }
 }
 
@@ -73,9 +69,9 @@ void TBlockPass::AddGradients(std::size_t to, std::size_t from) {
   const std::size_t stride = PaddedSize(neurons);
   const double* outputs = outputs_.Outputs(from).data();
   Transpose(
-      neurons, outputs_.Count(), [&](std::size_t i) { return outputs + i * kPatterns; },
+      neurons, outputs_.Count(), [&](std::size_t i) { return outputs + i * outputs_.Patterns(); },
       rows_.data(), stride);
-  const TMatrixView deltas = {errors_[to].data(), kPatterns, 1};
+  const TMatrixView deltas = {errors_[to].data(), outputs_.Patterns(), 1};
   Kernels().multiply(network_.Layer(to).NumNeurons(), outputs_.Count(), neurons, deltas,
                      rows_.data(), stride, state_.gradients.Block(to, from).data(), neurons);
 }
@@ -85,7 +81,7 @@ void TBlockPass::Propagate(std::size_t to, std::size_t from) {
   const TBasicConnections& block = network_.Connections(to, from);
   const TMatrixView weights = {block.Weights().data(), 1, block.Columns()};
   Kernels().multiply(block.Columns(), block.Rows(), outputs_.Width(), weights, errors_[to].data(),
-                     kPatterns, errors_[from].data(), kPatterns);
+                     outputs_.Patterns(), errors_[from].data(), outputs_.Patterns());
 }
 
 }  // namespace kiln

@@ -35,7 +35,7 @@ class TBlockPass : public TTrainPass {
   const TTrainRun& run_;
   TBasicNetwork& network_;
   TPatternBlock outputs_;
-  std::vector<std::vector<double>> errors_;  // neurons x kPatterns of each layer that is trained
+  std::vector<std::vector<double>> errors_;  // neurons x patterns of each layer that is trained
   std::vector<double> rows_;                 // outputs of a layer, patterns x neurons
   std::vector<double> output_;               // of the pattern at hand
 };
