@@ -11,6 +11,7 @@
 #include <cwchar>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,29 +26,114 @@ namespace kiln {
 
 namespace {
 
-constexpr int kHistorySize = 1000;
+struct TEnd {
+  void operator()(EditLine* editor) const { el_end(editor); }
+  void operator()(History* history) const { history_end(history); }
+  void operator()(std::FILE* file) const { std::fclose(file); }
+};
 
-// Where the history is kept; empty when there is no place. Makes the folder.
+// --- The history -----------------------------------------------------------------------------
+
+// Where it is kept; empty when there is no place. Makes the folder.
 std::string HistoryPath() {
-  if (const char* state = std::getenv("XDG_STATE_HOME"); state && *state) {
-    const std::filesystem::path folder = std::filesystem::path(state) / "kiln";
-    std::error_code failure;
-    std::filesystem::create_directories(folder, failure);
-    if (!failure) return folder / "history";
-  }
+  const char* const state = std::getenv("XDG_STATE_HOME");
+  const std::filesystem::path folder = std::filesystem::path(state ? state : "") / "kiln";
+  std::error_code failure;
+  if (folder.is_absolute()) std::filesystem::create_directories(folder, failure);
+  if (folder.is_absolute() && !failure) return folder / "history";
   const char* const home = std::getenv("HOME");
   return home && *home ? std::string(home) + "/.kiln_history" : std::string();
 }
 
-// What all of the words begin with.
+// The last lines of all sessions, in a file where there is a place for it.
+class TLineHistory {
+ public:
+  TLineHistory();
+
+  // Null when there is no memory for it; then nothing may be added.
+  History* Get() const { return lines_.get(); }
+
+  // Each line goes behind the others in the file at once: a session may end in many ways, and
+  // several may write to one file.
+  void Add(const std::string& line);
+
+ private:
+  using TLines = std::unique_ptr<History, TEnd>;
+
+  static TLines UpTo(int size);
+
+  static constexpr int kSize = 1000;
+  TLines lines_;
+  std::string path_;  // empty: there is no place
+};
+
+TLineHistory::TLines TLineHistory::UpTo(int size) {
+  TLines lines(history_init());
+  HistEvent event;
+  if (lines) history(lines.get(), &event, H_SETSIZE, size);
+  return lines;
+}
+
+TLineHistory::TLineHistory() : lines_(UpTo(kSize)), path_(HistoryPath()) {
+  if (!lines_) return;
+  HistEvent event;
+  history(lines_.get(), &event, H_SETUNIQUE, 1);
+  if (path_.empty()) return;
+  const int count = history(lines_.get(), &event, H_LOAD, path_.c_str());
+  // A file that is missing, no history or too long is written anew.
+  if (count < 0 || count > kSize) history(lines_.get(), &event, H_SAVE, path_.c_str());
+}
+
+void TLineHistory::Add(const std::string& line) {
+  HistEvent event;
+  history(lines_.get(), &event, H_ENTER, line.c_str());
+  if (path_.empty()) return;
+  const std::unique_ptr<std::FILE, TEnd> file(std::fopen(path_.c_str(), "ae"));
+  const TLines alone = UpTo(1);
+  if (!file || !alone || std::fseek(file.get(), 0, SEEK_END) != 0) return;
+  history(alone.get(), &event, H_ENTER, line.c_str());
+  history(alone.get(), &event, H_SAVE_FP, file.get());
+}
+
+// --- Completion ------------------------------------------------------------------------------
+
+// How many characters of the locale a text has; nothing where it holds what is none.
+std::optional<int> Characters(const std::string& text) {
+  const std::size_t count = std::mbstowcs(nullptr, text.c_str(), 0);
+  if (count == static_cast<std::size_t>(-1)) return std::nullopt;
+  return static_cast<int>(count);
+}
+
+// What all of the words begin with, in whole characters.
 std::string CommonStart(const std::vector<std::string>& words) {
   std::string start = words.front();
   for (const std::string& word : words) {
     const auto different = std::ranges::mismatch(start, word).in1;
     start.erase(different, start.end());
   }
+  while (!Characters(start)) start.pop_back();
   return start;
 }
+
+// Writes words in columns, without what would follow them.
+void ShowWords(const std::vector<std::string>& words, std::ostream& out) {
+  constexpr std::size_t kGap = 2;
+  std::vector<std::string> shown;
+  std::size_t widest = 0;
+  for (const std::string& word : words) {
+    shown.push_back(Printable(word.substr(0, word.find_last_not_of(" )") + 1)));
+    widest = std::max(widest, Screen::Width(shown.back()) + kGap);
+  }
+  const std::size_t columns =
+      std::max<std::size_t>((Screen::Columns(STDOUT_FILENO) - 1) / widest, 1);
+  for (std::size_t i = 0; i < shown.size(); ++i) {
+    if (i % columns == 0) out << '\n';
+    out << shown[i] << std::string(widest - Screen::Width(shown[i]), ' ');
+  }
+  out << '\n' << std::flush;
+}
+
+// --- The editor ------------------------------------------------------------------------------
 
 // Lines that a person types at a terminal: edited, completed by the tabulator key, and kept in a
 // history that outlives the session.
@@ -57,39 +143,28 @@ class TLineEditor : public TLineSource {
   ~TLineEditor() override;
 
   // Whether the terminal can be edited on. If not, nothing else may be called.
-  bool IsReady() const { return editor_ != nullptr; }
+  bool IsReady() const { return editor_ && history_.Get(); }
 
   bool Next(std::string_view prompt) override;
   std::string_view Line() const override { return line_; }
   std::string_view Fault() const override { return fault_; }
 
  private:
-  struct TEnd {
-    void operator()(EditLine* editor) const { el_end(editor); }
-    void operator()(History* history) const { history_end(history); }
-  };
-
   static TLineEditor& Of(EditLine* editor);
   static int ReadCharacter(EditLine* editor, wchar_t* character);
   static unsigned char CompleteWord(EditLine* editor, int key);
 
   void SetUp();
-  void LoadHistory();
   ssize_t ReadByte(char& byte);
   std::size_t RowsBefore(const char* place) const;
   void Redraw(Signals::TScreenChange change);
   void Drop();
   unsigned char Complete();
-  void Show(const std::vector<std::string>& words) const;
-  void Remember();
-
-  using THistory = std::unique_ptr<History, TEnd>;
 
   const TInterpreter& interpreter_;
   std::ostream& out_;
-  THistory history_;
+  TLineHistory history_;
   std::unique_ptr<EditLine, TEnd> editor_;
-  std::string history_path_;  // empty: there is no place for it
   std::string prompt_;
   std::string line_;
   std::string_view fault_;
@@ -97,10 +172,10 @@ class TLineEditor : public TLineSource {
 };
 
 TLineEditor::TLineEditor(const TInterpreter& interpreter, std::ostream& out)
-    : interpreter_(interpreter), out_(out), history_(history_init()) {
+    : interpreter_(interpreter), out_(out) {
   std::setlocale(LC_CTYPE, "");  // the terminal's characters may have several bytes
   editor_.reset(el_init("kiln", stdin, stdout, stderr));
-  if (editor_ && history_) SetUp();
+  if (editor_ && history_.Get()) SetUp();
 }
 
 TLineEditor::~TLineEditor() = default;
@@ -112,25 +187,10 @@ void TLineEditor::SetUp() {
   el_set(
       editor, EL_PROMPT, +[](EditLine* of) { return Of(of).prompt_.data(); });
   el_set(editor, EL_GETCFN, ReadCharacter);
-  el_set(editor, EL_HIST, history, history_.get());
+  el_set(editor, EL_HIST, history, history_.Get());
   el_set(editor, EL_ADDFN, "kiln-complete", "completes a word", CompleteWord);
   el_set(editor, EL_BIND, "^I", "kiln-complete", nullptr);
   el_set(editor, EL_BIND, "^R", "em-inc-search-prev", nullptr);
-
-  LoadHistory();
-}
-
-void TLineEditor::LoadHistory() {
-  HistEvent event;
-  ::history(history_.get(), &event, H_SETSIZE, kHistorySize);
-  ::history(history_.get(), &event, H_SETUNIQUE, 1);
-  history_path_ = HistoryPath();
-  if (history_path_.empty()) return;
-  const int lines = ::history(history_.get(), &event, H_LOAD, history_path_.c_str());
-  // A file that is missing, no history or too long is written anew.
-  if (lines < 0 || lines > kHistorySize) {
-    ::history(history_.get(), &event, H_SAVE, history_path_.c_str());
-  }
 }
 
 TLineEditor& TLineEditor::Of(EditLine* editor) {
@@ -219,22 +279,8 @@ bool TLineEditor::Next(std::string_view prompt) {
   while (line_.ends_with('\n') || line_.ends_with('\r')) line_.pop_back();
   line_ = std::string(TrimBlanks(line_));
   if (line_.size() > TLineReader::kLongest) fault_ = "line too long";
-  if (!line_.empty() && fault_.empty()) Remember();
+  if (!line_.empty() && fault_.empty()) history_.Add(line_);
   return true;
-}
-
-// Each line goes behind the others at once: a session may end in many ways, and several may write
-// to one history.
-void TLineEditor::Remember() {
-  HistEvent event;
-  ::history(history_.get(), &event, H_ENTER, line_.c_str());
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-      history_path_.empty() ? nullptr : std::fopen(history_path_.c_str(), "ae"), std::fclose);
-  const THistory line(history_init());
-  if (!file || !line || std::fseek(file.get(), 0, SEEK_END) != 0) return;
-  ::history(line.get(), &event, H_SETSIZE, 1);
-  ::history(line.get(), &event, H_ENTER, line_.c_str());
-  ::history(line.get(), &event, H_SAVE_FP, file.get());
 }
 
 unsigned char TLineEditor::CompleteWord(EditLine* editor, int /*key*/) {
@@ -248,30 +294,13 @@ unsigned char TLineEditor::Complete() {
   if (completion.words.empty()) return CC_REFRESH_BEEP;
   const std::string start = CommonStart(completion.words);
   if (start.size() <= before.size() - completion.begin) {
-    Show(completion.words);
+    ShowWords(completion.words, out_);
     return CC_REDISPLAY;
   }
-  el_deletestr(editor_.get(), static_cast<int>(before.size() - completion.begin));
+  const std::string word = before.substr(completion.begin);
+  el_deletestr(editor_.get(), Characters(word).value_or(0));
   el_insertstr(editor_.get(), start.c_str());
   return CC_REFRESH;
-}
-
-// Words in columns, without what would follow them.
-void TLineEditor::Show(const std::vector<std::string>& words) const {
-  constexpr std::size_t kGap = 2;
-  std::vector<std::string> shown;
-  std::size_t widest = 0;
-  for (const std::string& word : words) {
-    shown.push_back(Printable(word.substr(0, word.find_last_not_of(" )") + 1)));
-    widest = std::max(widest, Screen::Width(shown.back()) + kGap);
-  }
-  const std::size_t columns =
-      std::max<std::size_t>((Screen::Columns(STDOUT_FILENO) - 1) / widest, 1);
-  for (std::size_t i = 0; i < shown.size(); ++i) {
-    if (i % columns == 0) out_ << '\n';
-    out_ << shown[i] << std::string(widest - Screen::Width(shown[i]), ' ');
-  }
-  out_ << '\n' << std::flush;
 }
 
 }  // namespace

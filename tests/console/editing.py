@@ -19,7 +19,7 @@ def main(program, folder):
     shutil.rmtree(folder, ignore_errors=True)
     os.makedirs(os.path.join(folder, "a folder"))
     os.chdir(folder)
-    with open("a folder/rain.kiln", "w") as script:
+    with open("a folder/räin.kiln", "w") as script:
         script.write("create Data alias rain inputs 1 outputs 1 rows 1 labels on\npurge\n")
 
     session = Session(program)
@@ -46,7 +46,7 @@ def main(program, folder):
     expect(session.read(), r".*Result: BP\n\r?Kiln>>")
     session.press("tra\tal\tteac\tda\tset\tep\t1 mo\tba\t\n")
     expect(session.read(), r".*tch \nResult: 0\.\d{8}\n\r?Kiln>>")
-    session.press("run fi\t\ta f\tra\t\n")
+    session.press("run fi\t\ta f\trä\t\n")
     expect(session.read(), r".*in\.kiln\).*\nOK\n\r?Kiln>>")
 
     # Editing: a word in the middle is mended; the history reaches over the end of a session.

@@ -26,7 +26,8 @@ class Session:
         self.pid, self.terminal = pty.fork()
         if self.pid == 0:
             resize(0, 200)  # lines do not wrap
-            os.environ.update({"TERM": "xterm", "HOME": os.getcwd(), "XDG_STATE_HOME": ""} | environment)
+            os.environ.update({"TERM": "xterm", "LC_ALL": "C.UTF-8", "HOME": os.getcwd(),
+                               "XDG_STATE_HOME": ""} | environment)
             os.execv(program, [program, *arguments])
         self.greeting = self.read()
 
