@@ -236,8 +236,8 @@ INSTANTIATE_TEST_SUITE_P(All, TTrainingTest, testing::ValuesIn(kCases),
 class TLayerwiseTrainer : public TBackpropModule {
  public:
   using TBackpropModule::TBackpropModule;
-  std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override {
-    return std::make_unique<TLayerwisePass>(State(), run);
+  std::unique_ptr<TTrainPass> MakePass(TTrainState& state, const TTrainRun& run) override {
+    return std::make_unique<TLayerwisePass>(state, run);
   }
 };
 
@@ -293,7 +293,7 @@ class TPassAsker : public TBackpropModule {
     TKQstructure params = TKQstructure::Parse(settings);
     const TTrainRun run(params, *MakePatterns(patterns, static_cast<int>(Network().NumInputs()),
                                               static_cast<int>(Network().NumOutputs()), 0, 1));
-    const std::unique_ptr<TTrainPass> pass = MakePass(run);
+    const std::unique_ptr<TTrainPass> pass = MakePass(State(), run);
     if (dynamic_cast<TBlockPass*>(pass.get())) return "block";
     if (dynamic_cast<TSmallPass*>(pass.get())) return "small";
     const auto* listed = dynamic_cast<TPatternPass*>(pass.get());

@@ -47,6 +47,11 @@ void TErrorObj::Accumulate(std::span<const double> desired, std::span<const doub
   ++patterns_;
 }
 
+void TErrorObj::Add(const TErrorObj& other) {
+  sum_ += other.sum_;
+  patterns_ += other.patterns_;
+}
+
 void TErrorObj::AddPenalty(std::span<const double> weights, const TKQstructure* description) {
   sum_ += Penalty(weights, description, 1.0);
 }

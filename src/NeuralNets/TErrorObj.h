@@ -19,6 +19,9 @@ class TErrorObj {
   // Adds one pattern. REQUIRES: a desired and an actual value for each output.
   void Accumulate(std::span<const double> desired, std::span<const double> actual);
 
+  // Adds the patterns and penalties of another measure of the same kind.
+  void Add(const TErrorObj& other);
+
   // The error so far.
   virtual double Value() const = 0;
 

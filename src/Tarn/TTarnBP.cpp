@@ -14,9 +14,10 @@ void TTarnBP::CheckLayers(const TTrainRun& run) const {
   if (run.cross_entropy) CheckLayer(run, TTarn::kOutputLayer);
 }
 
-std::unique_ptr<TTrainPass> TTarnBP::MakePass(const TTrainRun& run) {
-  steps_.emplace(Tarn());
-  return std::make_unique<TTarnPass>(State(), run, *steps_);
+std::unique_ptr<TTrainPass> TTarnBP::MakePass(TTrainState& state, const TTrainRun& run) {
+  // A worker's pass makes no steps.
+  if (&state == &State()) steps_.emplace(Tarn());
+  return std::make_unique<TTarnPass>(state, run, *steps_);
 }
 
 std::unique_ptr<TTrainPass> TTarnBP::MakeLevenbergPass(const TTrainRun& run) {

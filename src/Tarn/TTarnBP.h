@@ -25,7 +25,7 @@ class TTarnBP : public TBackpropModule {
 
  protected:
   void CheckLayers(const TTrainRun& run) const override;
-  std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override;
+  std::unique_ptr<TTrainPass> MakePass(TTrainState& state, const TTrainRun& run) override;
   std::unique_ptr<TTrainPass> MakeLevenbergPass(const TTrainRun& run) override;
   void Update(const TTrainRun& run, int rows, const TErrorObj& error) override;
 

@@ -121,6 +121,10 @@ TEST_F(SharedWork, IsTheSameForEveryNumberOfWorkers) {
   const TSharedWork kinds[] = {
       {"MLP", kPerceptron, "GATrainer " + kBreed, "generations 5 mutation 0.1 seed 3"},
       {"Tarn", kTarn, "GATrainer " + kBreed, "generations 5 validation d seed 3"},
+      {"MLP", kPerceptron, "BPTrainer", "epochs 5 mode batch LearningRate 0.001 validation d"},
+      {"MLP", kPerceptron, "BPTrainer",
+       "epochs 3 method adam batch 530 penalty quadratic decay 1e-4"},
+      {"Tarn", kTarn, "BPTrainer", "epochs 3 method rprop error meansquare"},
   };
   for (const TSharedWork& work : kinds) {
     const std::string alone = Session(work, 1);

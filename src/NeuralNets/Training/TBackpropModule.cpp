@@ -44,19 +44,20 @@ void TBackpropModule::CheckLayer(const TTrainRun& run, std::size_t layer) const 
 //   at once       plain                                                    TPatternPass
 //   any           any                                                      TLayerwisePass
 //
-// Levenberg steps are a pass of their own, by MakeLevenbergPass.
+// Batches of at least 512 rows go through these passes in several lanes (TLanePass). Levenberg
+// steps are a pass of their own, by MakeLevenbergPass.
 //
 // "At once" is TTrainRun::at_once, "plain" is IsPlain. Within TPatternPass those patches over
 // the inputs that are at least 16 rows high and 48 to 65536 columns wide, with no connection absent
 // or frozen, go through TDelayedBlock, on sets of at least 8 patterns, with a momentum of at most 1
 // and nothing that pulls at the weights.
-std::unique_ptr<TTrainPass> TBackpropModule::MakePass(const TTrainRun& run) {
-  if (TBlockPass::Fits(Network(), run)) return std::make_unique<TBlockPass>(State(), run);
-  if (TSmallPass::Fits(Network(), run)) return std::make_unique<TSmallPass>(State(), run);
+std::unique_ptr<TTrainPass> TBackpropModule::MakePass(TTrainState& state, const TTrainRun& run) {
+  if (TBlockPass::Fits(Network(), run)) return std::make_unique<TBlockPass>(state, run);
+  if (TSmallPass::Fits(Network(), run)) return std::make_unique<TSmallPass>(state, run);
   if (TPatternPass::Fits(Network(), run)) {
-    return std::make_unique<TPatternPass>(State(), run);
+    return std::make_unique<TPatternPass>(state, run);
   }
-  return std::make_unique<TLayerwisePass>(State(), run);
+  return std::make_unique<TLayerwisePass>(state, run);
 }
 
 std::unique_ptr<TTrainPass> TBackpropModule::MakeLevenbergPass(const TTrainRun& run) {

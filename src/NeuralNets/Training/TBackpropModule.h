@@ -22,7 +22,7 @@ class TBackpropModule : public TTrainModule {
 
   // The fastest way that the network and the run can go; which that is, the table above the
   // definition says.
-  std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run) override;
+  std::unique_ptr<TTrainPass> MakePass(TTrainState& state, const TTrainRun& run) override;
   std::unique_ptr<TTrainPass> MakeLevenbergPass(const TTrainRun& run) override;
 
   // Checks one layer: TAssertion unless its function can be trained, where it has to be.

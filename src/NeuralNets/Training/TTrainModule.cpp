@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "DataObject/Data.h"
+#include "NeuralNets/Training/TLanePass.h"
 #include "NeuralNets/Training/TTrainIterators.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
@@ -75,8 +76,7 @@ double TTrainModule::Train(const Data& data, TKQstructure& params, int& epochs,
 
 double TTrainModule::RunEpochs(const Data& data, const TTrainRun& run, int& epochs,
                                const TEpochObserver& observer, TValidation* validation) {
-  const bool is_levenberg = run.method.kind == TMethodKind::kLevenberg;
-  const std::unique_ptr<TTrainPass> pass = is_levenberg ? MakeLevenbergPass(run) : MakePass(run);
+  const std::unique_ptr<TTrainPass> pass = MakePassOfRun(run);
   StartMethod(run.method);
   const std::unique_ptr<TErrorObj> error = run.MakeError(Network().NumOutputs());
   double last = 0.0;
@@ -137,7 +137,15 @@ void TTrainModule::CheckLayers(const TTrainRun&) const {
   AssertFalse(kModule, 79);
 }
 
-std::unique_ptr<TTrainPass> TTrainModule::MakePass(const TTrainRun&) {
+std::unique_ptr<TTrainPass> TTrainModule::MakePassOfRun(const TTrainRun& run) {
+  if (run.method.kind == TMethodKind::kLevenberg) return MakeLevenbergPass(run);
+  std::unique_ptr<TTrainPass> pass = MakePass(state_, run);
+  if (!TLanePass::Fits(Network(), run)) return pass;
+  return std::make_unique<TLanePass>(state_, run, std::move(pass),
+                                     [&](TTrainState& state) { return MakePass(state, run); });
+}
+
+std::unique_ptr<TTrainPass> TTrainModule::MakePass(TTrainState&, const TTrainRun&) {
   AssertFalse(kModule, 79);
 }
 

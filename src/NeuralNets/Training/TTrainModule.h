@@ -71,8 +71,9 @@ class TTrainModule {
   virtual void CheckLayers(const TTrainRun& run) const;
 
   // A way through the patterns for a run whose layers have been checked; never null. Run and state
-  // outlive it.
-  virtual std::unique_ptr<TTrainPass> MakePass(const TTrainRun& run);
+  // outlive it. The state is the trainer's, or that of a worker who adds gradients in a copy of the
+  // network; workers may make theirs at the same time.
+  virtual std::unique_ptr<TTrainPass> MakePass(TTrainState& state, const TTrainRun& run);
 
   // The pass of a run by levenberg, likewise.
   virtual std::unique_ptr<TTrainPass> MakeLevenbergPass(const TTrainRun& run);
@@ -87,6 +88,7 @@ class TTrainModule {
   TTrainState& State() { return state_; }
 
  private:
+  std::unique_ptr<TTrainPass> MakePassOfRun(const TTrainRun& run);
   void RunEpoch(const Data& data, const TTrainRun& run, TTrainPass& pass, TErrorObj& error);
   double RunEpochs(const Data& data, const TTrainRun& run, int& epochs,
                    const TEpochObserver& observer, TValidation* validation);
