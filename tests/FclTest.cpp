@@ -61,7 +61,7 @@ TEST(FclTest, AnIndependentReaderAnswersTheSame) {
   const std::unique_ptr<fl::Engine> engine(fl::FclImporter().fromFile(path));
   std::string message;
   ASSERT_TRUE(engine->isReady(&message)) << message << Contents(path);
-  EXPECT_EQ(engine->getName(), "end_if_");
+  EXPECT_EQ(engine->getName(), "n_end_if");
   Random::Seed(1);
   for (int n = 0; n < 1000; ++n) {
     const double x[] = {Random::Uniform(-5, 50), Random::Uniform(-2, 2)};
@@ -72,7 +72,7 @@ TEST(FclTest, AnIndependentReaderAnswersTheSame) {
     const double reefed = holds(1) + holds(2);
     const double full = holds(0) + 0.25 * holds(2);
     const double expected = reefed + full == 0.0 ? 0.0 : (0.25 * reefed + full) / (reefed + full);
-    engine->setInputValue("very_", x[0]);
+    engine->setInputValue("n_very", x[0]);
     engine->setInputValue("sea_state", x[1]);
     engine->process();
     EXPECT_NEAR(engine->getOutputValue("Sea_State_2"), expected, 1e-9) << x[0] << ' ' << x[1];

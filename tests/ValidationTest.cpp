@@ -107,6 +107,11 @@ TEST(TrainHistoryTest, ThinsOutAndKeepsTheLastAndTheLeast) {
       EXPECT_LE(history.Points().size(), TTrainHistory::kMaxPoints);
     }
   }
+  {
+    const THistoryOfCall failed(history, 2);
+    history.Add(0.0, 0.25);
+    history.Add(0.0, 0.125);
+  }
   const auto points = history.Points();
   EXPECT_GT(points.size(), TTrainHistory::kMaxPoints / 3);
   EXPECT_EQ(Least(points).epoch, 77777);

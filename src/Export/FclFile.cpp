@@ -15,6 +15,7 @@
 #include "Membership/TTriangularMF.h"
 #include "RuleObject/TFuzzyRuleSet.h"
 #include "Shared/NumberFormat.h"
+#include "Shared/TDistinctNames.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
 
@@ -44,17 +45,17 @@ struct TVariableNames {
 };
 
 // Those of a list. Variables differ from all others, the terms of a variable from each other.
-std::vector<TVariableNames> NamesOf(const TMFSetList& list, TFclNames& variables) {
+std::vector<TVariableNames> NamesOf(const TMFSetList& list, TDistinctNames& variables) {
   std::vector<TVariableNames> names;
   for (int v = 0; v < list.Count(); ++v) {
     const TBasicMFSet* set = list.GetMFSet(v);
     if (!set) Refuse("Variable without terms");
     TVariableNames& own = names.emplace_back();
-    own.name = variables.Take(set->Name().value_or("unnamed"));
-    TFclNames terms;
+    own.name = variables.Take(FclIdentifier(set->Name().value_or("unnamed")));
+    TDistinctNames terms;
     for (int k = 0; k < set->NumberOfMF(); ++k) {
       const TBasicMF* mf = set->GetMF(k);
-      own.terms.push_back(mf ? terms.Take(mf->Name().value_or("unnamed")) : "");
+      own.terms.push_back(mf ? terms.Take(FclIdentifier(mf->Name().value_or("unnamed"))) : "");
     }
   }
   return names;
@@ -203,8 +204,8 @@ class TRules {
 };
 
 TLeftOut WriteBlock(Writer& out, std::string_view name, const TFuzzyRuleSet& set) {
-  TFclNames variables;
-  const std::string block = variables.Take(name);
+  TDistinctNames variables;
+  const std::string block = variables.Take(FclIdentifier(name));
   const std::vector<TVariableNames> inputs = NamesOf(set.Inputs(), variables);
   const std::vector<TVariableNames> outputs = NamesOf(set.Outputs(), variables);
   out.WriteText("FUNCTION_BLOCK " + block + "\n\n");

@@ -88,13 +88,17 @@ std::string CommentText(std::string_view text) {
   return result;
 }
 
-std::string TFclNames::Take(std::string_view name) {
-  const std::string base = Lettered(name);
-  std::string identifier = IsOneOf(kWordsOfFcl, FoldCase(base)) ? base + '_' : base;
-  for (int n = 2; !taken_.insert(FoldCase(identifier)).second; ++n) {
-    identifier = base + '_' + std::to_string(n);
+std::string FclIdentifier(std::string_view name) {
+  std::string identifier;
+  for (const char c : name) {
+    const bool is_gap = !IsLetter(c) && !IsDigit(c);
+    if (!is_gap) identifier += c;
+    if (is_gap && !identifier.empty() && identifier.back() != '_') identifier += '_';
   }
-  return identifier;
+  if (identifier.ends_with('_')) identifier.pop_back();
+  if (identifier.empty()) return "n";
+  const bool is_word = IsOneOf(kWordsOfFcl, FoldCase(identifier));
+  return is_word || !IsLetter(identifier.front()) ? "n_" + identifier : identifier;
 }
 
 }  // namespace kiln

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <set>
 #include <string>
 #include <string_view>
 
@@ -15,15 +14,10 @@ std::string CIdentifier(std::string_view name);
 // or mean something in one.
 std::string CommentText(std::string_view text);
 
-// Identifiers of the fuzzy control language, whose case does not count, each given once.
-class TFclNames {
- public:
-  // `name` as an identifier that is no word of the language and differs from all given before; a
-  // number behind it tells names apart that come out the same.
-  std::string Take(std::string_view name);
-
- private:
-  std::set<std::string> taken_;  // in lower case
-};
+// `name` as an identifier of the fuzzy control language: whatever no identifier may hold becomes
+// one
+// "_" between what it stands between, in front of what none may be, or start with, stands "n_".
+// Case does not count in the language.
+std::string FclIdentifier(std::string_view name);
 
 }  // namespace kiln

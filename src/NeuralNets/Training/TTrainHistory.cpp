@@ -23,14 +23,11 @@ void TTrainHistory::Add(double training, double validation) {
   std::erase_if(points_, [this](const TTrainPoint& p) { return (p.epoch - 1) % stride_ != 0; });
 }
 
-void TTrainHistory::ForgetAfter(int epochs) {
-  if (epochs == epochs_) return;
-  const auto is_later = [epochs](const TTrainPoint& point) { return point.epoch > epochs; };
-  epochs_ = epochs;
-  std::erase_if(points_, is_later);
-  last_.reset();
-  if (!points_.empty()) last_ = points_.back();
-  if (least_ && is_later(*least_)) least_.reset();
+void TTrainHistory::ReturnTo(const TMark& mark) {
+  epochs_ = mark.epochs;
+  least_ = mark.least;
+  last_ = mark.last;
+  std::erase_if(points_, [&](const TTrainPoint& point) { return point.epoch > mark.epochs; });
 }
 
 std::vector<TTrainPoint> TTrainHistory::Points() const {

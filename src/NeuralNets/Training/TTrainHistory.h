@@ -27,8 +27,16 @@ class TTrainHistory {
 
   void Add(double training, double validation = std::numeric_limits<double>::quiet_NaN());
 
-  // Forgets the epochs behind the first `epochs` ones, those of a call that has failed.
-  void ForgetAfter(int epochs);
+  // Where a history stood, to which it can return.
+  struct TMark {
+    int epochs;
+    std::optional<TTrainPoint> least;
+    std::optional<TTrainPoint> last;
+  };
+  TMark Mark() const { return {epochs_, least_, last_}; }
+
+  // Forgets all epochs behind the mark.
+  void ReturnTo(const TMark& mark);
 
   // In the order of epochs, at most kMaxPoints.
   std::vector<TTrainPoint> Points() const;
@@ -45,12 +53,11 @@ class TTrainHistory {
 class THistoryOfCall {
  public:
   // A call that is to run so many epochs.
-  THistoryOfCall(TTrainHistory& history, int epochs)
-      : history_(history), before_(history.Epochs()) {
+  THistoryOfCall(TTrainHistory& history, int epochs) : history_(history), before_(history.Mark()) {
     history.Reserve(epochs);
   }
   ~THistoryOfCall() {
-    if (!ended_) history_.ForgetAfter(before_);
+    if (!ended_) history_.ReturnTo(before_);
   }
   THistoryOfCall(const THistoryOfCall&) = delete;
   THistoryOfCall& operator=(const THistoryOfCall&) = delete;
@@ -59,7 +66,7 @@ class THistoryOfCall {
 
  private:
   TTrainHistory& history_;
-  int before_;
+  TTrainHistory::TMark before_;
   bool ended_ = false;
 };
 

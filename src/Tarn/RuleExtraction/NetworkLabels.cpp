@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
 #include <utility>
 #include <vector>
 
 #include "FileHandler/Syntax/ParseTools.h"
-#include "Shared/Text.h"
+#include "Shared/TDistinctNames.h"
 #include "Tarn/TConditionLayer.h"
 #include "Tarn/TTarnOutputLayer.h"
 
@@ -25,14 +24,6 @@ const TBasicLayer& LayerAt(const TBasicNetwork& network, std::size_t index) {
 // No term for each neuron.
 std::vector<int> NoTerms(const TBasicLayer& layer) {
   return std::vector<int>(layer.NumNeurons());
-}
-
-// `name` as a word that differs, in any case of letters, from those that were taken before.
-std::string WordAmong(std::set<std::string>& taken, const std::string& name) {
-  const std::string word = FileTools::ToWord(name);
-  std::string own = word;
-  for (int n = 2; !taken.insert(FoldCase(own)).second; ++n) own = word + '_' + std::to_string(n);
-  return own;
 }
 
 using TSetName = void (TNetLabel::*)(int number, std::string name);
@@ -54,9 +45,9 @@ void NameTerms(TNetLabel& labels, std::span<const int> counts, std::span<const s
 void NameVariables(TNetLabel& labels, const ColumnNames& names) {
   const auto name_side = [&](const std::vector<std::string>& side, int variables, auto set_name) {
     if (std::ssize(side) != variables) return;
-    std::set<std::string> taken;
+    TDistinctNames words;
     for (int v = 0; v < variables; ++v) {
-      (labels.*set_name)(v, WordAmong(taken, side[static_cast<std::size_t>(v)]));
+      (labels.*set_name)(v, words.Take(FileTools::ToWord(side[static_cast<std::size_t>(v)])));
     }
   };
   name_side(names.Inputs, labels.NumInputs(), &TNetLabel::SetInputName);
