@@ -89,6 +89,13 @@ void Data::AddRow(std::span<const double> inputs, std::span<const double> output
   CountChange();
 }
 
+void Data::AddAllRows() {
+  if (MbrNdxRows == 0) return;
+  MbrNdxDataRows = MbrNdxRows;
+  MbrNdxLast = MbrNdxRows - 1;
+  CountChange();
+}
+
 void Data::AddBlock(std::span<const double> inputs, std::span<const double> outputs, int count,
                     std::span<const LabelList> labels) {
   for (int i = 0; i < count; ++i) {

@@ -6,7 +6,8 @@
 #include "DataObject/Data.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/TRecall.h"
+#include "NeuralNets/TTeamRecall.h"
+#include "Shared/Interruption.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 
@@ -49,9 +50,14 @@ std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), outputs, false);
   result->SetNames({in->Names().Inputs, OutputNames(*in, NumOutputs())});
-  TRecall(*this).ForEachRow(*in, [&](const DataRow& row, std::span<const double> output) {
-    result->AddRow(row.Inputs, output);
-  });
+  result->AddAllRows();
+  TTeamRecall(*this).ForEachRow(*in,
+                                [&](int n, const DataRow& row, std::span<const double> output) {
+                                  Interruption::Check();
+                                  const Data::RowValues values = result->ValuesAt(n);
+                                  std::ranges::copy(row.Inputs, values.Inputs.begin());
+                                  std::ranges::copy(output, values.Outputs.begin());
+                                });
   return result;
 }
 
@@ -65,8 +71,11 @@ std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), 0, outputs, false);
   result->SetNames({{}, OutputNames(*in, NumOutputs())});
-  TRecall(*this).ForEachRow(
-      *in, [&](const DataRow&, std::span<const double> output) { result->AddRow({}, output); });
+  result->AddAllRows();
+  TTeamRecall(*this).ForEachRow(*in, [&](int n, const DataRow&, std::span<const double> output) {
+    Interruption::Check();
+    std::ranges::copy(output, result->ValuesAt(n).Outputs.begin());
+  });
   return result;
 }
 
@@ -74,7 +83,7 @@ double TBasicNetwork::RecallError(const Data* in, TErrorObj* err) {
   Assert(in != nullptr, "in != nil");
   Assert(err != nullptr, "err != nil");
   CheckFits(*in, "TBasicNetwork::RecallError");
-  return TRecall(*this).Error(*in, *err);
+  return TTeamRecall(*this).Error(*in, *err);
 }
 
 }  // namespace kiln

@@ -43,7 +43,15 @@ void TErrorObj::Reset() {
 }
 
 void TErrorObj::Accumulate(std::span<const double> desired, std::span<const double> actual) {
-  sum_ += PatternError(desired.first(outputs_), actual.first(outputs_));
+  AddPattern(OfPattern(desired, actual));
+}
+
+double TErrorObj::OfPattern(std::span<const double> desired, std::span<const double> actual) const {
+  return PatternError(desired.first(outputs_), actual.first(outputs_));
+}
+
+void TErrorObj::AddPattern(double error) {
+  sum_ += error;
   ++patterns_;
 }
 

@@ -19,6 +19,10 @@ class TErrorObj {
   // Adds one pattern. REQUIRES: a desired and an actual value for each output.
   void Accumulate(std::span<const double> desired, std::span<const double> actual);
 
+  // The same in two steps, of which the first leaves the measure as it is.
+  double OfPattern(std::span<const double> desired, std::span<const double> actual) const;
+  void AddPattern(double error);
+
   // Adds the patterns and penalties of another measure of the same kind.
   void Add(const TErrorObj& other);
 

@@ -9,9 +9,10 @@ TRecall::TRecall(TBasicNetwork& network) : network_(network), output_(network.Nu
 }
 
 double TRecall::Error(const Data& set, TErrorObj& error) {
-  ForEachRow(set, [&error](const DataRow& row, std::span<const double> output) {
-    error.Accumulate(row.Outputs, output);
-  });
+  ForEachRow(set, 0, set.DataRows(),
+             [&error](int, const DataRow& row, std::span<const double> output) {
+               error.Accumulate(row.Outputs, output);
+             });
   return error.Value();
 }
 

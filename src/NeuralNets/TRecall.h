@@ -19,14 +19,15 @@ class TRecall {
   // REQUIRES: the network outlives this object, and only its weights and outputs change meanwhile.
   explicit TRecall(TBasicNetwork& network);
 
-  // Recalls every row and calls visit(row, output) for it, oldest row first.
-  // REQUIRES: the inputs of the set fit the network.
+  // Recalls the rows first..last-1, counted from the oldest, and calls visit(n, row, output) for
+  // each, in order. REQUIRES: 0 <= first <= last <= set.DataRows(); the inputs of the set fit the
+  // network.
   template <typename TVisit>
-  void ForEachRow(const Data& set, const TVisit& visit) {
+  void ForEachRow(const Data& set, int first, int last, const TVisit& visit) {
     if (block_) {
-      VisitBlocks(set, visit);
+      VisitBlocks(set, first, last, visit);
     } else {
-      VisitPatterns(set, visit);
+      VisitPatterns(set, first, last, visit);
     }
   }
 
@@ -36,21 +37,21 @@ class TRecall {
 
  private:
   template <typename TVisit>
-  void VisitPatterns(const Data& set, const TVisit& visit) {
-    for (int n = 0; n < set.DataRows(); ++n) {
+  void VisitPatterns(const Data& set, int first, int last, const TVisit& visit) {
+    for (int n = first; n < last; ++n) {
       const DataRow row = set.Row(n);
       network_.RecallPattern(row.Inputs, output_);
-      visit(row, std::span<const double>(output_));
+      visit(n, row, std::span<const double>(output_));
     }
   }
 
   template <typename TVisit>
-  void VisitBlocks(const Data& set, const TVisit& visit) {
-    for (int n = 0; n < set.DataRows();) {
-      block_->Recall(set, n, set.DataRows());
+  void VisitBlocks(const Data& set, int first, int last, const TVisit& visit) {
+    for (int n = first; n < last;) {
+      block_->Recall(set, n, last);
       for (std::size_t pattern = 0; pattern < block_->Count(); ++pattern, ++n) {
         block_->GetPattern(network_.OutputLayer(), pattern, output_);
-        visit(set.Row(n), std::span<const double>(output_));
+        visit(n, set.Row(n), std::span<const double>(output_));
       }
     }
   }

@@ -7,7 +7,8 @@
 #include "DataObject/Data.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/TRecall.h"
+#include "NeuralNets/TTeamRecall.h"
+#include "Shared/Interruption.h"
 
 namespace kiln {
 
@@ -32,11 +33,23 @@ bool HasClasses(const Data& set) {
   return true;
 }
 
-// Calls compare(row, output) for each row with what the network answers, in a copy of it.
-template <typename TCompare>
-void ForEachAnswer(const TBasicNetwork& network, const Data& set, TCompare compare) {
+// What a network answers to a row.
+struct TAnswerToRow {
+  double error = 0.0;
+  std::size_t answered_class = 0;
+};
+
+std::vector<TAnswerToRow> AnswersOf(const TBasicNetwork& network, const Data& set,
+                                    const TErrorObj& error) {
+  std::vector<TAnswerToRow> answers(static_cast<std::size_t>(set.DataRows()));
   const std::unique_ptr<TBasicNetwork> copy = network.Clone();
-  TRecall(*copy).ForEachRow(set, compare);
+  TTeamRecall(*copy).ForEachRow(set,
+                                [&](int n, const DataRow& row, std::span<const double> output) {
+                                  Interruption::Check();
+                                  answers[static_cast<std::size_t>(n)] = {
+                                      error.OfPattern(row.Outputs, output), AnsweredClass(output)};
+                                });
+  return answers;
 }
 
 }  // namespace
@@ -45,10 +58,11 @@ TScore MeasureScore(const TBasicNetwork& network, const Data& set) {
   network.CheckFits(set, "MeasureScore");
   TErrorRMSObj error(network.NumOutputs());
   int right = 0;
-  ForEachAnswer(network, set, [&](const DataRow& row, std::span<const double> output) {
-    error.Accumulate(row.Outputs, output);
-    if (AnsweredClass(row.Outputs) == AnsweredClass(output)) ++right;
-  });
+  int n = 0;
+  for (const TAnswerToRow& answer : AnswersOf(network, set, error)) {
+    error.AddPattern(answer.error);
+    if (AnsweredClass(set.Row(n++).Outputs) == answer.answered_class) ++right;
+  }
   if (!HasClasses(set)) return {error.Value(), std::nullopt};
   return {error.Value(), right};
 }
@@ -57,9 +71,10 @@ std::optional<TConfusion> MeasureConfusion(const TBasicNetwork& network, const D
   network.CheckFits(set, "MeasureConfusion");
   if (!HasClasses(set)) return std::nullopt;
   TConfusion confusion(std::max<std::size_t>(network.NumOutputs(), 2));
-  ForEachAnswer(network, set, [&](const DataRow& row, std::span<const double> output) {
-    confusion.Add(AnsweredClass(row.Outputs), AnsweredClass(output));
-  });
+  int n = 0;
+  for (const TAnswerToRow& answer : AnswersOf(network, set, TErrorRMSObj(network.NumOutputs()))) {
+    confusion.Add(AnsweredClass(set.Row(n++).Outputs), answer.answered_class);
+  }
   return confusion;
 }
 

@@ -26,10 +26,20 @@ inline bool IsRequested() noexcept {
 
 namespace kiln {
 
-// Thrown where a command waits for something that may never come, once its end is requested.
+// Thrown where a command waits for something that may never come, or has not come to an end, once
+// that is requested.
 class TInterrupted : public std::exception {
  public:
   const char* what() const noexcept override { return "interrupted"; }
 };
+
+namespace Interruption {
+
+// For commands that have changed nothing yet.
+inline void Check() {
+  if (IsRequested()) throw TInterrupted();
+}
+
+}  // namespace Interruption
 
 }  // namespace kiln

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "NeuralNets/TRecall.h"
+#include "NeuralNets/TTeamRecall.h"
 #include "NeuralNets/Training/TLayerwisePass.h"
 #include "NeuralNets/Training/TNormalEquations.h"
 #include "NeuralNets/Training/TTrainPass.h"
@@ -69,7 +69,7 @@ class TLevenbergPass : public TTrainPass {
   TTrainState& state_;
   const TTrainRun& run_;
   std::unique_ptr<TLayerwisePass> derivatives_;
-  TRecall recall_;
+  TTeamRecall recall_;
   TWeightBuffer before_;  // the weights that a step starts from
   std::vector<TUnknown> unknowns_;
   TWeightBuffer units_;

@@ -5,7 +5,7 @@
 
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/TErrorObj.h"
-#include "NeuralNets/TRecall.h"
+#include "NeuralNets/TTeamRecall.h"
 #include "NeuralNets/Training/TWeightBuffer.h"
 
 namespace kiln {
@@ -44,7 +44,7 @@ class TValidation {
 
  private:
   std::unique_ptr<TBasicNetwork> copy_;
-  TRecall recall_;
+  TTeamRecall recall_;
   const Data& data_;
   std::unique_ptr<TErrorObj> error_;
   TWeightBuffer weights_;
