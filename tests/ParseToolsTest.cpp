@@ -1,6 +1,7 @@
 #include "FileHandler/Syntax/ParseTools.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -94,9 +95,11 @@ class SaveFileTest : public testing::Test {
   const fs::path directory_ = ScratchPath();
 };
 
-TEST_F(SaveFileTest, ReplacesAFileAndKeepsItsPermissionsAndLinks) {
+TEST_F(SaveFileTest, ReplacesAFileAndKeepsItsOwnerPermissionsAndLinks) {
   constexpr auto kPrivate = fs::perms::owner_read | fs::perms::owner_write;
   Save("plain", "old");
+  constexpr uid_t kSomebody = 1234;
+  const bool may_give = chown((directory_ / "plain").c_str(), kSomebody, kSomebody) == 0;
   fs::permissions(directory_ / "plain", kPrivate);
   fs::create_symlink("plain", directory_ / "link");
   fs::create_symlink("later", directory_ / "dangling");
@@ -105,6 +108,9 @@ TEST_F(SaveFileTest, ReplacesAFileAndKeepsItsPermissionsAndLinks) {
   EXPECT_TRUE(fs::is_symlink(directory_ / "link"));
   EXPECT_EQ(Contents("plain"), "new");
   EXPECT_EQ(fs::status(directory_ / "plain").permissions(), kPrivate);
+  struct stat state = {};
+  EXPECT_EQ(stat((directory_ / "plain").c_str(), &state), 0);
+  EXPECT_EQ(state.st_uid, may_give ? kSomebody : geteuid());
   EXPECT_EQ(Contents("later"), "first");
 }
 

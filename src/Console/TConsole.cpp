@@ -22,6 +22,10 @@ TConsole::TConsole(std::ostream& out, TManner manner) : out_(out), manner_(manne
 }
 
 bool TConsole::CarryOut(const TTask& task) {
+  if (Interruption::IsRequested()) {
+    Complain(TInterrupted().what(), std::cerr);
+    return false;
+  }
   const Signals::TCommandScope command;
   std::string failure;
   try {

@@ -36,7 +36,8 @@ class TConsole {
   void Guide() { guide_.emplace(interpreter_, out_); }
 
   // Carries out a file or a command, as "run" does with a script, and writes the answer of each
-  // line. Returns whether all went well; if not, the standard error says what was wrong.
+  // line. Returns whether all went well; if not, the standard error says what was wrong, be it that
+  // an interruption was requested since the task before began.
   bool CarryOut(const TTask& task);
 
   // A conversation: writes the prompt, reads a line, carries it out and answers, again and again,

@@ -22,7 +22,10 @@ using enum TValueKind;
 TKQstructure ExtractionParams(const TCommandLine& line) {
   TKQstructure params("Params");
   for (const char* const threshold : {"threshold", "ThresholdIn", "ThresholdOut"}) {
-    if (const auto number = line.NumberNoCase(threshold)) params.SetDouble(threshold, *number);
+    const std::optional<double> number = line.NumberNoCase(threshold);
+    if (!number) continue;
+    if (!std::isfinite(*number)) Fail(threshold, " must be finite");
+    params.SetDouble(threshold, *number);
   }
   const TReading<std::string_view> method = line.Word("method");
   if (method.code == TReadCode::kRead) params.SetString("method", std::string(method.value));

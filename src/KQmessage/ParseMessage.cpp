@@ -1,11 +1,11 @@
 #include <cstddef>
-#include <iostream>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
 
 #include "KQmessage/TKQstructure.h"
+#include "Shared/Say.h"
 #include "Shared/TAssertion.h"
 
 namespace kiln {
@@ -65,7 +65,7 @@ class TMessageParser {
 
   static std::string Word(std::string_view token) {
     if (token.empty() || IsBracket(token.front()) || token.front() == ':') {
-      std::cerr << "special character unexpected\n";
+      SayError("special character unexpected");
       AssertFalse(kModule);
     }
     return std::string(token);

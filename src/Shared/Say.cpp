@@ -21,6 +21,11 @@ void SayLine(std::string_view text) {
   std::cout << text << '\n' << std::flush;
 }
 
+void SayError(std::string_view text) {
+  if (taker) return taker(text, TSaying::kLine);
+  std::cerr << text << std::endl;
+}
+
 void HaveSaid(std::function<void(std::string_view text, TSaying saying)> take) {
   taker = std::move(take);
 }

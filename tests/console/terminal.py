@@ -5,8 +5,8 @@
 """
 import os
 import shutil
-import signal
 import sys
+import time
 
 from terminal_session import PROMPT, Session, expect
 
@@ -29,15 +29,17 @@ def main(program, folder):
         script.write("query aliasexists d\n")
     os.mkfifo("fifo")
 
-    session = Session(program, NO_COLOR="1")
-    for line in ("create Data alias d inputs 1 outputs 1 rows 1 labels false",
-                 "append alias d inputs {1} outputs {0.25}",
-                 "create MLP alias net inputs 1 layers 3 hidden {1} outputs 1 bias true seed 1",
-                 "create BPTrainer alias t network net",
-                 "create GATrainer alias g network net minweight -1 maxweight 1 population 50",
-                 "create Kohonen alias k inputs 1 dimensions 1 mapdim {3} seed 1",
-                 "create KohonenTrainer alias kt network k"):
-        expect(session.say(line), "OK\n")
+    with open("objects", "w") as script:
+        script.write("""create Data alias d inputs 1 outputs 1 rows 1 labels false
+                        append alias d inputs {1} outputs {0.25}
+                        create MLP alias net inputs 1 layers 3 hidden {1} outputs 1 bias true seed 1
+                        create BPTrainer alias t network net
+                        create GATrainer alias g network net minweight -1 maxweight 1 population 50
+                        create GATrainer alias slow network net minweight -1 maxweight 1 population 1000000
+                        create Kohonen alias k inputs 1 dimensions 1 mapdim {3} seed 1
+                        create KohonenTrainer alias kt network k""")
+    session = Session(program, "-i", "objects", NO_COLOR="1")
+    expect(session.greeting, "(OK\n){8}.*Kiln>>")
 
     # A training ends after its epoch or generation, with its answer and what it has reached.
     interrupted(session, "train alias t data d epochs 2000000000", r"Result: 0\.000.*\n")
@@ -54,19 +56,25 @@ def main(program, folder):
     expect(session.read(), r"destroy d\^C\nKiln>>")
     expect(session.say("query aliasexists d"), "Result: true\n")
 
-    # What a terminal would obey is shown instead.
+    # What a terminal would obey is shown instead, in an answer, in a hint, beside a pipe.
     with open("rude", "w") as script:
-        script.write("destroy \x1b[2J\x9b2J\x7f\u00e9\n")
+        script.write("copy source d destination \x1babcde\ndestroy \x1b[2J\x9b2J\x7f\u00e9\n")
     expect(session.say("run filename (rude)"), r".*\^\[\[2J\xc2\?2J\^\?\xc3\xa9 does not exist\n")
+    expect(session.say("destroy abcde"), r".*\ndid you mean \^\[abcde\?\n")
+    expect(str(session.end()), r".*, 0\)")
+    session = Session("/bin/sh", "-c", program + " -q objects rude | cat")
+    expect(session.greeting, r"Error: line 2 .*\^\[\[2J.*")
 
-    # The second interruption ends the program.
-    session.say("create GATrainer alias slow network net minweight -1 maxweight 1 population 1000000")
+    # The second interruption ends the program; where it only carries out commands, the first does.
+    session = Session(program, "-i", "objects")
     session.type("train alias slow data d generations 1")
     session.interrupt()
-    session.interrupt(0.05)
-    session.read()
-    _, status = os.waitpid(session.pid, 0)
-    expect(str(os.WTERMSIG(status)), str(int(signal.SIGINT)))
+    time.sleep(0.05)
+    expect(str(session.end(b"\x03")), r".*, -2\)")
+    session = Session(program, "objects", "-e", "train alias t data d epochs 2000000000", "-e", "purge",
+                      until=b"OK\r\n" * 8)
+    time.sleep(0.3)
+    expect(str(session.end(b"\x03")), r".*Result: \S+Error:\S* interrupted\\n', 130\)")
 
 
 main(os.path.abspath(sys.argv[1]), sys.argv[2])

@@ -22,14 +22,14 @@ def resize(terminal, columns):
 
 
 class Session:
-    def __init__(self, program, *arguments, **environment):
+    def __init__(self, program, *arguments, until=PROMPT, **environment):
         self.pid, self.terminal = pty.fork()
         if self.pid == 0:
             resize(0, 200)  # lines do not wrap
             os.environ.update({"TERM": "xterm", "LC_ALL": "C.UTF-8", "HOME": os.getcwd(),
                                "XDG_STATE_HOME": ""} | environment)
             os.execv(program, [program, *arguments])
-        self.greeting = self.read()
+        self.greeting = self.read(until)
 
     def read(self, until=PROMPT):
         """What is shown until this text stands at the end; the end of the program ends it too."""
@@ -60,9 +60,9 @@ class Session:
             os.write(self.terminal, key.encode())
             time.sleep(0.02)
 
-    def end(self):
-        """Ends the conversation by Ctrl-D; returns what is shown and the status."""
-        os.write(self.terminal, b"\x04")
+    def end(self, key=b"\x04"):
+        """Ends the program by Ctrl-D or another key; returns what is shown and the status."""
+        os.write(self.terminal, key)
         shown = self.read()
         _, status = os.waitpid(self.pid, 0)
         return shown, os.waitstatus_to_exitcode(status)

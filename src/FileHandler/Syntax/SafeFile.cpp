@@ -114,12 +114,14 @@ class TemporaryFile {
   }
 
  private:
-  // Owner and mode of the old file, as far as the system lets us.
+  // Owner, or at least group, and mode of the old file, as far as the system lets us.
   void TakeOver(const struct stat& old, mode_t mode) const {
     struct stat state = {};
     const bool is_known = fstat(file_.Number(), &state) == 0;
     if (is_known && (state.st_uid != old.st_uid || state.st_gid != old.st_gid)) {
-      [[maybe_unused]] const int outcome = fchown(file_.Number(), old.st_uid, old.st_gid);
+      constexpr auto kSameUser = static_cast<uid_t>(-1);
+      [[maybe_unused]] const bool is_kept = fchown(file_.Number(), old.st_uid, old.st_gid) == 0 ||
+                                            fchown(file_.Number(), kSameUser, old.st_gid) == 0;
     }
     fchmod(file_.Number(), mode);
   }
