@@ -5,7 +5,6 @@
 #include <fstream>
 #include <functional>
 #include <memory>
-#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -23,12 +22,11 @@ namespace {
 constexpr int kPatterns = 64;
 
 // A perceptron of three layers of n neurons has about 2 n^2 weights. Those of the first three, with
-// their last changes, fit into a second-level cache of 2 MB; what is beyond is compared apart.
-constexpr std::array kCachedLayers = {22, 70, 223};
-constexpr std::array kLargeLayers = {400, 707};
+// their last changes, fit into a second-level cache of 2 MB.
+constexpr std::array kLayers = {22, 70, 223, 400, 707};
 
 constexpr std::array<std::size_t, 4> kRowCounts = {1'000, 10'000, 100'000, 1'000'000};
-constexpr std::array<std::size_t, 2> kObjectCounts = {10, 10'000};
+constexpr std::array<std::size_t, 4> kObjectCounts = {10, 100, 1'000, 10'000};
 
 // A work that uses a task, and keeps it.
 using TMakeWork = std::function<TWork(const TPerceptronTask&)>;
@@ -44,11 +42,10 @@ std::string Grouped(std::size_t number) {
   return Grouped(number / 1000).append(",").append(last, 1, 3);
 }
 
-void AddWeightRows(TReport& report, const std::string& work, std::span<const int> layers,
-                   const TMakeWork& make) {
+void AddWeightRows(TReport& report, const std::string& work, const TMakeWork& make) {
   if (!report.Wants(work)) return;
   std::vector<TReport::TSize> sizes;
-  for (const int size : layers) {
+  for (const int size : kLayers) {
     const auto task = std::make_shared<TPerceptronTask>(std::vector(3, size), kPatterns);
     const std::size_t weights = task->network->GetNumWeights(FMaskAll);
     sizes.push_back({Grouped(weights) + " weights", Keeping(task, make),
@@ -130,12 +127,9 @@ void AddGrowthRows(TReport& report, const TScratch& scratch) {
     return PerceptronTraining(task, false);
   };
   const auto by_batch = [](const TPerceptronTask& task) { return PerceptronTraining(task, true); };
-  for (const std::span<const int> layers :
-       {std::span<const int>(kCachedLayers), std::span<const int>(kLargeLayers)}) {
-    AddWeightRows(report, "growth, a weight trained by pattern", layers, by_pattern);
-    AddWeightRows(report, "growth, a weight trained by batch", layers, by_batch);
-    AddWeightRows(report, "growth, a weight in recall", layers, Recall);
-  }
+  AddWeightRows(report, "growth, a weight trained by pattern", by_pattern);
+  AddWeightRows(report, "growth, a weight trained by batch", by_batch);
+  AddWeightRows(report, "growth, a weight in recall", Recall);
   AddAppendRows(report, scratch);
   AddObjectRows(report);
 }

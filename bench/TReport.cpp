@@ -83,13 +83,22 @@ void TReport::AddGrowth(const std::string& work, std::span<const TSize> sizes) {
   for (const TSize& size : sizes) pieces.push_back({size.work, PassesFor(size.work)});
   std::vector<double> times = MedianSeconds(pieces, repetitions_);
   for (std::size_t i = 0; i < times.size(); ++i) times[i] /= sizes[i].items;
-  const auto fastest = static_cast<std::size_t>(std::ranges::min_element(times) - times.begin());
-  for (std::size_t i = 0; i < times.size(); ++i) {
-    if (i == fastest) continue;
-    const double ratio = times[i] / times[fastest];
-    Print({work + ": " + sizes[i].name, Time(times[i]), sizes[fastest].name, Time(times[fastest]),
+  for (std::size_t i = 1; i < times.size(); ++i) {
+    const double ratio = times[i] / times[i - 1];
+    Print({work + ": " + sizes[i].name, Time(times[i]), sizes[i - 1].name, Time(times[i - 1]),
            ratio, "≤ " + Number(kGrowthGoal, 1), ratio <= kGrowthGoal});
   }
+}
+
+void TReport::AddShare(const std::string& work, const TWork& kiln, double operations,
+                       const TWork& peak, double peak_operations, double goal) {
+  static constexpr std::array kUnits = {"FLOP/s", "kFLOP/s", "MFLOP/s", "GFLOP/s"};
+  const std::array<TMeasured, 2> pieces = {{{kiln, PassesFor(kiln)}, {peak, PassesFor(peak)}}};
+  const std::vector<double> seconds = MedianSeconds(pieces, repetitions_);
+  const double rate = operations / seconds[0];
+  const double most = peak_operations / seconds[1];
+  Print({work, Scaled(rate, kUnits), "multiplying alone", Scaled(most, kUnits), rate / most,
+         "≥ " + Number(goal, 1), rate / most >= goal});
 }
 
 void TReport::AddMemory(const std::string& work, double taken, const std::string& expected_name,

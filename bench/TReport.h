@@ -36,9 +36,14 @@ class TReport {
     double items;
   };
 
-  // The time of an item at every size but the fastest beside that at the fastest. The ratio shall
-  // be 1.5 at most.
+  // The time of an item at every size but the first beside that at the size before it. The ratio
+  // shall be 1.5 at most.
   void AddGrowth(const std::string& work, std::span<const TSize> sizes);
+
+  // Work of so many operations a pass beside a loop of nothing else, which shows how many the
+  // processor can do. The ratio of what both do in a second shall be `goal` at least.
+  void AddShare(const std::string& work, const TWork& kiln, double operations, const TWork& peak,
+                double peak_operations, double goal);
 
   // Memory that was taken beside the `expected`, both in bytes. The ratio shall be `goal` at most.
   void AddMemory(const std::string& work, double taken, const std::string& expected_name,

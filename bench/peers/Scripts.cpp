@@ -59,9 +59,10 @@ TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task) {
   const auto peer = Scikit();
   if (!peer) return {};
   const std::string numbers = scratch.WriteNumbers("training", task.data);
-  return [=, sizes = task.sizes](int passes) {
-    return peer->Ask(
-        Request(numbers, kLearningRate, kMomentum, passes, sizes[0], sizes[1], sizes[2]));
+  std::string sizes;
+  for (const int size : task.sizes) sizes += std::to_string(size) + ' ';
+  return [=](int passes) {
+    return peer->Ask(Request(numbers, kLearningRate, kMomentum, passes, sizes));
   };
 }
 
