@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <kiln/kiln.h>
 #include <unistd.h>
 
@@ -5,16 +6,20 @@
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <string>
 
 #include "Console/LineEditor.h"
+#include "Console/Machines.h"
 #include "Console/Options.h"
 #include "Console/Signals.h"
 #include "Console/TConsole.h"
 #include "Console/TPlainLines.h"
+#include "NeuralNets/Kernels/Kernels.h"
 #include "Shared/Interruption.h"
+#include "Shared/Ranks.h"
 #include "Shared/TTeam.h"
 
 namespace {
@@ -90,32 +95,63 @@ bool Close(kiln::TConsole& console) {
   return static_cast<bool>(std::cout.flush());
 }
 
+// Goes to the folder in which to work, where there is one. Other ranks open no files.
+bool WorkIn(const std::filesystem::path& folder) {
+  const bool is_there = folder.empty() || !kiln::Ranks::IsFirst() || chdir(folder.c_str()) == 0;
+  if (!is_there) {
+    std::cerr << "kiln: cannot work in " << folder.string() << ": " << std::strerror(errno) << '\n';
+  }
+  return kiln::Ranks::Shared(is_there);
+}
+
+// Shares the session with the other processes. Only the first one is heard and hears.
+void JoinRanks(kiln::TTransport& machines) {
+  kiln::Ranks::Join(machines);
+  if (kiln::Ranks::IsFirst()) return;
+  const int nowhere = open("/dev/null", O_RDWR | O_CLOEXEC);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere, stream);
+}
+
+// Different kernels may differ in the last digits of their results, so all ranks take those of the
+// first. Returns whether all have them.
+bool TakeSameKernels() {
+  const bool has_them = kiln::ForceKernels(kiln::Ranks::Shared(kiln::KernelLevel()));
+  if (!kiln::Ranks::OnAny(!has_them)) return true;
+  std::cerr << "kiln: the processor of some rank lacks instructions that the first one has\n";
+  return false;
+}
+
 int Tell(std::string_view text) {
   return std::cout << text << std::flush ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
-}  // namespace
-
-int main(int argc, char* argv[]) {
+// The life of the program, once it knows its company.
+int Live(int argc, char* argv[]) {
   const auto options = kiln::ReadOptions(argc, argv);
   if (!options) return kWrongOptions;
   if (options->asks_for_help) return Tell(kiln::HelpOnOptions());
   if (options->asks_for_version) return Tell("Kiln " + std::string(kiln::Version()) + "\n");
-  if (!options->folder.empty() && chdir(options->folder.c_str()) != 0) {
-    std::cerr << "kiln: cannot work in " << options->folder.string() << ": " << std::strerror(errno)
-              << '\n';
-    return kWrongOptions;
-  }
+  if (!WorkIn(options->folder) || !TakeSameKernels()) return kWrongOptions;
 
   std::ios::sync_with_stdio(false);
   kiln::Signals::Install();
-  if (isatty(STDIN_FILENO) || options->talks_on) kiln::Signals::CatchInterrupts();
+  const bool has_company = kiln::Ranks::AreSeveral();
+  if (!has_company && (isatty(STDIN_FILENO) || options->talks_on)) kiln::Signals::CatchInterrupts();
   Employ(options->workers);
-  const bool at_terminal = !options->is_plain && IsAtTerminal();
+  const bool at_terminal = !has_company && !options->is_plain && IsAtTerminal();
   kiln::TConsole console(std::cout, MannerFor(*options, at_terminal));
   console.Interpreter().Define(options->definitions);
   if (options->is_strict) console.Interpreter().BeStrict();
   if (at_terminal && isatty(STDERR_FILENO)) console.Guide();
   const int status = Run(console, *options, at_terminal);
   return Close(console) ? status : EXIT_FAILURE;
+}
+
+}  // namespace
+
+int main(int argc, char* argv[]) {
+  const std::unique_ptr<kiln::TTransport> machines = kiln::JoinMachines();
+  if (machines) JoinRanks(*machines);
+  const int status = Live(argc, argv);
+  return kiln::Ranks::IsFirst() ? status : EXIT_SUCCESS;
 }

@@ -1,15 +1,13 @@
 #include "Console/TConsole.h"
 
-#include <unistd.h>
-
 #include <cstdlib>
 #include <iostream>
 #include <new>
 
-#include "Console/Screen.h"
 #include "Console/Signals.h"
 #include "Interpreter/Checks.h"
 #include "Shared/Interruption.h"
+#include "Shared/Ranks.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -22,11 +20,6 @@ constexpr std::string_view kPrompt = "Kiln>>";
 
 TConsole::TConsole(std::ostream& out, TManner manner) : out_(out), manner_(manner) {
   interpreter_.SetObserver([](int, double) { return !Interruption::IsRequested(); });
-  if (manner.at_terminal) {
-    interpreter_.SetScreen([] {
-      return TScreen{Screen::Columns(STDOUT_FILENO), Screen::HasUnicode()};
-    });
-  }
 }
 
 bool TConsole::CarryOut(const TTask& task) {
@@ -137,7 +130,7 @@ TConsole::TOutcome TConsole::Execute() {
 // Hands what stands behind the "@" to the command processor.
 TConsole::TOutcome TConsole::RunSystemCommand() {
   out_.flush();
-  [[maybe_unused]] const int outcome = std::system(line_.c_str() + 1);
+  Ranks::OnFirst([this] { [[maybe_unused]] const int outcome = std::system(line_.c_str() + 1); });
   remembered_.swap(line_);
   return TOutcome::kDone;
 }

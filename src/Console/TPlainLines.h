@@ -4,6 +4,7 @@
 
 #include "Console/TLineSource.h"
 #include "Interpreter/TLineReader.h"
+#include "Shared/Ranks.h"
 
 namespace kiln {
 
@@ -15,7 +16,7 @@ class TPlainLines : public TLineSource {
 
   bool Next(std::string_view prompt) override {
     out_ << prompt << std::flush;
-    return out_ && reader_.Next();
+    return Ranks::Shared(static_cast<bool>(out_)) && reader_.Next();
   }
   std::string_view Line() const override { return reader_.Line(); }
   std::string_view Fault() const override { return reader_.Fault(); }

@@ -14,6 +14,7 @@
 #include "Interpreter/LineCheck.h"
 #include "Interpreter/TLineReader.h"
 #include "Shared/Interruption.h"
+#include "Shared/Ranks.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -71,6 +72,7 @@ int TInterpreter::Execute(std::string_view text) {
   }
   const TCommandLine line(text);
   const int code = Answer(line);
+  Ranks::Note(code < 0 ? error_message_ : code > 0 ? result_message_ : std::string_view());
   if (transcript_.IsOpen() && !EqualNoCase(line.CommandWord(), "log")) Record(text, code);
   return code;
 }
@@ -116,18 +118,26 @@ void TInterpreter::Record(std::string_view line, int code) {
 
 void TInterpreter::StartTranscript(const std::string& path) {
   const auto is_same = [&](const std::string& script) { return AreSameFile(script, path); };
-  if (std::any_of(running_scripts_.begin(), running_scripts_.end(), is_same))
-    Fail("file ", path, " is being run");
-  transcript_.Open(path);
+  Ranks::OnFirst([&] {
+    if (std::ranges::any_of(running_scripts_, is_same)) Fail("file ", path, " is being run");
+    transcript_.Open(path);
+  });
+}
+
+void TInterpreter::StopTranscript() {
+  Ranks::OnFirst([this] { transcript_.Close(); });
 }
 
 TAnswer TInterpreter::RunScript(const std::string& path,
                                 const std::function<void(int code)>& answered) {
   // Every command of a script that is the open transcript would make the script longer.
-  if (transcript_.Is(path)) Fail("file ", path, " is the open transcript");
+  if (Ranks::Shared(transcript_.Is(path))) Fail("file ", path, " is the open transcript");
   const TRunningScript running(running_scripts_, path);
-  const TDescriptor script = TDescriptor::Open(path, O_RDONLY);
-  if (!script.IsOpen()) Fail("cannot open file ", path);
+  TDescriptor script;
+  Ranks::OnFirst([&] {
+    script = TDescriptor::Open(path, O_RDONLY);
+    if (!script.IsOpen()) Fail("cannot open file ", path);
+  });
   TLineReader reader(script.Number());
   const auto fail = [&](std::string_view why) {
     Fail("line ", std::to_string(reader.Number()), " of file ", path, " Error: ", why);

@@ -5,6 +5,7 @@
 #include <new>
 
 #include "Shared/Interruption.h"
+#include "Shared/Ranks.h"
 #include "Shared/TDescriptor.h"
 #include "Shared/Text.h"
 
@@ -73,11 +74,21 @@ bool TLineReader::Refill() {
   end_ -= begin_;
   begin_ = 0;
   if (end_ == buffer_.size()) buffer_.resize(std::max(kFirstBuffer, 2 * end_));
-  const ssize_t count = ReadSome(descriptor_, buffer_.data() + end_, buffer_.size() - end_);
+  const ssize_t count = Receive(std::span(buffer_).subspan(end_));
   has_failed_ = count < 0;
   at_end_ = count <= 0;
   if (!at_end_) end_ += static_cast<std::size_t>(count);
   return !at_end_;
+}
+
+// Reads what is there, on the first rank, and hands it on. Returns how much, as ReadSome does.
+ssize_t TLineReader::Receive(std::span<char> text) const {
+  ssize_t count = 0;
+  Ranks::OnFirst([&] { count = ReadSome(descriptor_, text.data(), text.size()); });
+  count = Ranks::Shared(count);
+  if (count > 0)
+    Ranks::ShareBytes(std::as_writable_bytes(text.first(static_cast<std::size_t>(count))));
+  return count;
 }
 
 // Makes the first `length` characters of the buffer the line, and passes over them and its end.

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -38,6 +41,7 @@ class TLineReader {
   void SkipRest();
   void ReadOn();
   bool Refill();
+  ssize_t Receive(std::span<char> text) const;
   void TakeLine(std::size_t length);
   bool GiveUp(std::string_view fault);
 

@@ -55,9 +55,9 @@ void TErrorObj::AddPattern(double error) {
   ++patterns_;
 }
 
-void TErrorObj::Add(const TErrorObj& other) {
-  sum_ += other.sum_;
-  patterns_ += other.patterns_;
+void TErrorObj::Add(double sum, std::size_t patterns) {
+  sum_ += sum;
+  patterns_ += patterns;
 }
 
 void TErrorObj::AddPenalty(std::span<const double> weights, const TKQstructure* description) {

@@ -23,14 +23,16 @@ class TErrorObj {
   double OfPattern(std::span<const double> desired, std::span<const double> actual) const;
   void AddPattern(double error);
 
-  // Adds the patterns and penalties of another measure of the same kind.
-  void Add(const TErrorObj& other);
+  // Adds what another measure of the same kind has summed up over so many patterns.
+  void Add(double sum, std::size_t patterns);
 
   // The error so far.
   virtual double Value() const = 0;
 
   // The sum over the patterns, and of penalties once they have been added.
   double Sum() const { return sum_; }
+
+  std::size_t Patterns() const { return patterns_; }
 
   // Adds Penalty(weights, description, 1.0) to the sum.
   void AddPenalty(std::span<const double> weights, const TKQstructure* description);
@@ -49,7 +51,6 @@ class TErrorObj {
                               std::span<const double> actual) const = 0;
 
   std::size_t Outputs() const { return outputs_; }
-  std::size_t Patterns() const { return patterns_; }
 
  private:
   std::size_t outputs_;

@@ -4,6 +4,7 @@
 
 #include "NeuralNets/PlainNetworks.h"
 #include "NeuralNets/TErrorObj.h"
+#include "Shared/Ranks.h"
 
 namespace kiln {
 
@@ -31,22 +32,26 @@ TTeamRecall::TTeamRecall(TBasicNetwork& network)
       rows_of_piece_(RowsOfPiece(operations_)) {}
 
 double TTeamRecall::Error(const Data& set, TErrorObj& error) {
-  if (WorkersFor(set) == 1) return recall_.Error(set, error);
+  const bool has_company = is_shared_ && Ranks::AreSeveral();
+  if (WorkersFor(set.DataRows()) == 1 && !has_company) return recall_.Error(set, error);
   errors_.resize(static_cast<std::size_t>(set.DataRows()));
-  ForEachRow(set, [&](int n, const DataRow& row, std::span<const double> output) {
+  const auto measure = [&](int n, const DataRow& row, std::span<const double> output) {
     errors_[static_cast<std::size_t>(n)] = error.OfPattern(row.Outputs, output);
-  });
+  };
+  Ranks::Collect(std::span(errors_), is_shared_ ? operations_ : 0.0,
+                 static_cast<std::size_t>(rows_of_piece_), [&](std::size_t first, std::size_t end) {
+                   ForEachRow(set, static_cast<int>(first), static_cast<int>(end), measure);
+                 });
   for (const double row : errors_) error.AddPattern(row);
   return error.Value();
 }
 
-std::size_t TTeamRecall::PiecesOf(const Data& set) const {
-  return static_cast<std::size_t>((set.DataRows() + std::int64_t{rows_of_piece_} - 1) /
-                                  rows_of_piece_);
+std::size_t TTeamRecall::PiecesOf(int rows) const {
+  return static_cast<std::size_t>((rows + std::int64_t{rows_of_piece_} - 1) / rows_of_piece_);
 }
 
-std::size_t TTeamRecall::WorkersFor(const Data& set) const {
-  return is_shared_ ? TTeam::WorkersFor(PiecesOf(set), operations_ * rows_of_piece_) : 1;
+std::size_t TTeamRecall::WorkersFor(int rows) const {
+  return is_shared_ ? TTeam::WorkersFor(PiecesOf(rows), operations_ * rows_of_piece_) : 1;
 }
 
 }  // namespace kiln

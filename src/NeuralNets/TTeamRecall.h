@@ -22,13 +22,25 @@ class TTeamRecall {
   // REQUIRES: the inputs of the set fit the network; a visit writes only what is of its row.
   template <typename TVisit>
   void ForEachRow(const Data& set, const TVisit& visit) {
-    const std::size_t workers = WorkersFor(set);
-    if (workers == 1) return recall_.ForEachRow(set, 0, set.DataRows(), visit);
+    ForEachRow(set, 0, set.DataRows(), visit);
+  }
+
+  // Feeds (desired, recalled) of every row, the oldest first, to the error object and returns its
+  // value. The ranks of the session take their share. REQUIRES: inputs and outputs of the set fit
+  // the network.
+  double Error(const Data& set, TErrorObj& error);
+
+ private:
+  // Visits the rows from `begin` to before `end`.
+  template <typename TVisit>
+  void ForEachRow(const Data& set, int begin, int end, const TVisit& visit) {
+    const std::size_t workers = WorkersFor(end - begin);
+    if (workers == 1) return recall_.ForEachRow(set, begin, end, visit);
     copies_.Begin(workers);
-    TTeam::ForEach(PiecesOf(set), workers, [&](std::size_t piece, std::size_t place) {
-      const int first = static_cast<int>(piece) * rows_of_piece_;
-      const int last = static_cast<int>(
-          std::min<std::int64_t>(std::int64_t{first} + rows_of_piece_, set.DataRows()));
+    TTeam::ForEach(PiecesOf(end - begin), workers, [&](std::size_t piece, std::size_t place) {
+      const int first = begin + static_cast<int>(piece) * rows_of_piece_;
+      const int last =
+          static_cast<int>(std::min<std::int64_t>(std::int64_t{first} + rows_of_piece_, end));
       TRecall& recall = copies_.At(place, [](const std::shared_ptr<TBasicNetwork>& copy) {
         return std::make_unique<TRecall>(*copy);
       });
@@ -36,13 +48,8 @@ class TTeamRecall {
     });
   }
 
-  // Feeds (desired, recalled) of every row, the oldest first, to the error object and returns its
-  // value. REQUIRES: inputs and outputs of the set fit the network.
-  double Error(const Data& set, TErrorObj& error);
-
- private:
-  std::size_t WorkersFor(const Data& set) const;
-  std::size_t PiecesOf(const Data& set) const;
+  std::size_t WorkersFor(int rows) const;
+  std::size_t PiecesOf(int rows) const;
 
   TRecall recall_;  // by the network itself
   TWorkerCopies<TRecall> copies_;

@@ -3,6 +3,8 @@
 #include <chrono>
 #include <tuple>
 
+#include "Shared/Ranks.h"
+
 // Compiles a function for processors with AVX2 as well; the program takes the one that fits. It
 // does so before the thread sanitizer can stand it.
 #if defined(__x86_64__) && defined(__gnu_linux__) && !defined(__SANITIZE_THREAD__)
@@ -66,7 +68,7 @@ void SeedFromClock() {
   static std::uint32_t calls = 0;
   const auto ticks = std::chrono::system_clock::now().time_since_epoch().count();
   // The golden-ratio step keeps the starting points of calls within one tick far apart.
-  Seed(static_cast<std::uint32_t>(ticks) + ++calls * 0x9E3779B9U);
+  Seed(static_cast<std::uint32_t>(Ranks::Shared(ticks)) + ++calls * 0x9E3779B9U);
 }
 
 double Uniform(double lower, double upper) {

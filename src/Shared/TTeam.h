@@ -5,6 +5,8 @@
 #include <functional>
 #include <span>
 
+#include "Shared/Ranks.h"
+
 namespace kiln {
 
 // The workers of the program, threads that carry out numbered pieces of work together with the
@@ -47,12 +49,17 @@ class TTeam {
     Run({carry_out, &piece, pieces}, workers);
   }
 
-  // Gives each place of `results` what piece(number, place) returns for its number. Everything that
-  // only the results tell of the pieces could be carried out elsewhere.
+  // Gives each place of `results` what piece(number, place) returns for its number, for which it
+  // takes about so many additions and multiplications. The other ranks of the session take their
+  // share, so nothing but the results may tell of the pieces. REQUIRES: not inside of a piece.
   template <typename TResult, typename TPiece>
-  static void Collect(std::span<TResult> results, std::size_t workers, const TPiece& piece) {
-    ForEach(results.size(), workers,
-            [&](std::size_t number, std::size_t place) { results[number] = piece(number, place); });
+  static void Collect(std::span<TResult> results, double operations, std::size_t workers,
+                      const TPiece& piece) {
+    Ranks::Collect(results, operations, 1, [&](std::size_t first, std::size_t end) {
+      ForEach(end - first, workers, [&](std::size_t number, std::size_t place) {
+        results[first + number] = piece(first + number, place);
+      });
+    });
   }
 
  private:

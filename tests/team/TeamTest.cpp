@@ -30,10 +30,11 @@ TEST_P(Team, CarriesOutEachPieceOnce) {
   std::vector<std::vector<std::size_t>> done(GetParam(), std::vector<std::size_t>(100));
   std::vector<std::size_t> results(100);
   for (std::size_t round = 0; round < 1000; ++round) {
-    TTeam::Collect<std::size_t>(results, GetParam(), [&](std::size_t number, std::size_t place) {
-      ++done[place][number];
-      return number * round;
-    });
+    TTeam::Collect<std::size_t>(results, 1.0, GetParam(),
+                                [&](std::size_t number, std::size_t place) {
+                                  ++done[place][number];
+                                  return number * round;
+                                });
     EXPECT_EQ(std::accumulate(results.begin(), results.end(), std::size_t{0}), 4950 * round);
   }
   for (std::size_t number = 0; number < 100; ++number) {

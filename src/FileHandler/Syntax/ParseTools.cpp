@@ -12,6 +12,7 @@
 
 #include "Shared/Narrowing.h"
 #include "Shared/NumberScan.h"
+#include "Shared/Ranks.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TDescriptor.h"
 #include "Shared/Text.h"
@@ -53,6 +54,28 @@ std::size_t SizeOf(const std::string& path) {
   return no_size ? 0 : size;
 }
 
+// All that the file holds; nothing where it cannot be read.
+std::optional<std::string> ReadFile(const std::string& path) {
+  const TDescriptor file = TDescriptor::Open(path, O_RDONLY);
+  if (!file.IsOpen()) return std::nullopt;
+  // One more than the file holds: the first read meets the end, and nothing is moved. What does not
+  // tell its size is read until it ends.
+  std::string text(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
+  std::size_t size = 0;
+  for (;;) {
+    if (size == text.size()) {
+      if (size >= kMaxStream) throw std::length_error("a file without an end");
+      text.resize(2 * size);
+    }
+    const ssize_t count = ReadSome(file.Number(), text.data() + size, text.size() - size);
+    if (count < 0) return std::nullopt;
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+  }
+  text.resize(size);
+  return text;
+}
+
 // "[KEYWORD = WHAT] expected"
 std::string StatementExpected(std::string_view keyword, std::string_view what) {
   std::string message("[");
@@ -76,24 +99,12 @@ OpenError::OpenError(const std::string& path)
     : TException("Unable to open file " + path, "File Error", "FileTools::Reader::FromFile") {}
 
 std::string ReadWholeFile(const std::string& path) {
-  const TDescriptor file = TDescriptor::Open(path, O_RDONLY);
-  if (!file.IsOpen()) throw OpenError(path);
-  // One more than the file holds: the first read meets the end, and nothing is moved. What does not
-  // tell its size is read until it ends.
-  std::string text(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
-  std::size_t size = 0;
-  for (;;) {
-    if (size == text.size()) {
-      if (size >= kMaxStream) throw std::length_error("a file without an end");
-      text.resize(2 * size);
-    }
-    const ssize_t count = ReadSome(file.Number(), text.data() + size, text.size() - size);
-    if (count < 0) throw OpenError(path);
-    if (count == 0) break;
-    size += static_cast<std::size_t>(count);
-  }
-  text.resize(size);
-  return text;
+  std::optional<std::string> text;
+  Ranks::OnFirst([&] { text = ReadFile(path); });
+  if (!Ranks::Shared(text.has_value())) throw OpenError(path);
+  if (!text) text.emplace();
+  Ranks::ShareText(*text);
+  return std::move(*text);
 }
 
 bool IsWord(std::string_view text) {

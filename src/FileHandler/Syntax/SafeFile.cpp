@@ -13,6 +13,7 @@
 #include <system_error>
 
 #include "Shared/Interruption.h"
+#include "Shared/Ranks.h"
 #include "Shared/TSignalsBlocked.h"
 
 namespace kiln::FileTools {
@@ -182,18 +183,23 @@ void Replace(const std::string& path, const std::optional<struct stat>& old,
   temporary.Replace();
 }
 
-// Writes to the file that `path` leads to in the way that its kind asks for.
-void Save(const std::string& path, const std::function<void(Writer&)>& write) {
+// Writes to the file that `path` leads to in the way that its kind asks for. Returns why it refuses
+// to; empty when all is well.
+std::string Save(const std::string& path, const std::function<void(Writer&)>& write) {
   const std::optional<struct stat> old = StateOf(path);
   const int open_already = old ? FindOpen(*old) : -1;
   if (open_already >= 0 && !WasHandedDown(open_already)) {
-    throw SaveError(path, "this session is writing it");
+    return "this session is writing it";
   }
-  if (open_already < 0 && (!old || S_ISREG(old->st_mode))) return Replace(path, old, write);
+  if (open_already < 0 && (!old || S_ISREG(old->st_mode))) {
+    Replace(path, old, write);
+    return {};
+  }
   TDescriptor file = OpenToWrite(path);
   if (!file.IsOpen()) Fail();
   WriteTo(file, write);
   if (!file.Close()) Fail();
+  return {};
 }
 
 }  // namespace
@@ -203,11 +209,16 @@ SaveError::SaveError(const std::string& path, const std::string& reason)
                  "FileTools::SaveFile") {}
 
 void SaveFile(const std::string& path, const std::function<void(Writer&)>& write) {
-  try {
-    Save(path, write);
-  } catch (const std::system_error& failure) {
-    throw SaveError(path, failure.code().message());
-  }
+  std::string reason;
+  Ranks::OnFirst([&] {
+    try {
+      reason = Save(path, write);
+    } catch (const std::system_error& failure) {
+      reason = failure.code().message();
+    }
+  });
+  Ranks::ShareText(reason);
+  if (!reason.empty()) throw SaveError(path, reason);
 }
 
 TDescriptor OpenToWrite(const std::string& path) {

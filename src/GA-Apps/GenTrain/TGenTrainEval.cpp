@@ -71,12 +71,13 @@ TGenTrainRecord TGenTrainEval::Evaluate(std::span<const GeneValue> genes) {
 }
 
 // An individual is worth its recalls of all rows. Where connections lead back, what one individual
-// leaves in the network is seen by the next: they have to come one after the other.
-std::size_t TGenTrainEval::WorkersFor(std::size_t individuals) const {
-  if (!IsFeedForward(MbrNetNetwork)) return 1;
+// leaves in the network is seen by the next: they have to come one after the other, as if there
+// were nothing to share.
+double TGenTrainEval::OperationsOfOne() const {
+  if (!IsFeedForward(MbrNetNetwork)) return 0.0;
   double rows = 0.0;
   for (const Data* set : MbrDyaPtrDatSets) rows += set->DataRows();
-  return TTeam::WorkersFor(individuals, 2.0 * rows * static_cast<double>(MbrDyaFlgWeights.size()));
+  return 2.0 * rows * static_cast<double>(MbrDyaFlgWeights.size());
 }
 
 // Each worker makes its own copy, which then lies apart from those of others.
@@ -90,28 +91,23 @@ TGenTrainMeasure& TGenTrainEval::MeasureAt(std::size_t place) {
 void TGenTrainEval::EvaluatePopulation(std::span<const MetaGene>,
                                        std::span<const std::span<GeneValue>> genes,
                                        std::span<float> fitness) {
-  const std::size_t workers = WorkersFor(genes.size());
+  const double operations = OperationsOfOne();
+  const std::size_t workers = TTeam::WorkersFor(genes.size(), operations);
   if (workers > 1) MbrDyaPtrCopies.resize(std::max(workers, MbrDyaPtrCopies.size()));
   MbrDyaDblErrors.resize(genes.size());
-  TTeam::Collect<double>(MbrDyaDblErrors, workers, [&](std::size_t i, std::size_t place) {
-    if (!Repair(genes[i])) return kBeyondRepair;
-    TGenTrainMeasure& measure = MeasureAt(place);
-    measure.SetGenes(genes[i]);
-    return measure.Error(MbrDyaPtrDatSets);
+  // Other ranks hand over errors alone, so each repairs all genes.
+  TTeam::ForEach(genes.size(), workers, [&](std::size_t i, std::size_t) {
+    MbrDyaDblErrors[i] = Repair(genes[i]) ? 0.0 : kBeyondRepair;
   });
+  TTeam::Collect<double>(MbrDyaDblErrors, operations, workers,
+                         [&](std::size_t i, std::size_t place) {
+                           if (MbrDyaDblErrors[i] == kBeyondRepair) return kBeyondRepair;
+                           TGenTrainMeasure& measure = MeasureAt(place);
+                           measure.SetGenes(genes[i]);
+                           return measure.Error(MbrDyaPtrDatSets);
+                         });
   MbrRecLowest = {};
   for (std::size_t i = 0; i < genes.size(); ++i) fitness[i] = Rate(MbrDyaDblErrors[i]);
-}
-
-double TGenTrainEval::AverageError() const {
-  double sum = 0.0;
-  int count = 0;
-  for (const double error : MbrDyaDblErrors) {
-    if (error == kBeyondRepair || !(error < TGenTrainRecord{}.DblError)) continue;
-    sum += error;
-    ++count;
-  }
-  return sum / count;
 }
 
 // The fitness of an individual, which is taken note of when its error is the lowest so far.

@@ -44,6 +44,13 @@ const TKernels* KernelsOf(TKernelLevel level) {
 #endif
 }
 
+TKernelLevel KernelLevel() {
+  for (const TKernelLevel level : {TKernelLevel::kAvx512, TKernelLevel::kAvx2}) {
+    if (KernelsOf(level) == kernels_internal::active) return level;
+  }
+  return TKernelLevel::kBaseline;
+}
+
 bool ForceKernels(TKernelLevel level) {
   const TKernels* kernels = KernelsOf(level);
   if (kernels != nullptr) kernels_internal::active = kernels;

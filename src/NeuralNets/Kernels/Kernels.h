@@ -133,6 +133,9 @@ inline const TKernels& Kernels() {
 // The table of a level, or null where the program or the processor does not have it.
 const TKernels* KernelsOf(TKernelLevel level);
 
+// The level of the table in use.
+TKernelLevel KernelLevel();
+
 // Puts the table of a level in use. Returns false, and changes nothing, where there is none.
 bool ForceKernels(TKernelLevel level);
 

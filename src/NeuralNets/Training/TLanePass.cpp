@@ -47,6 +47,7 @@ TLanePass::TLanePass(TTrainState& state, const TTrainRun& run, std::unique_ptr<T
       weights_(static_cast<double>(state.network->GetNumWeights(FMaskAll))),
       workers_(*state.network) {
   MakeSums(TTeam::WorkersFor(LanesOf(run.batch), Operations(run.batch)));
+  if (Ranks::AreSeveral()) others_.emplace(*state.network);
 }
 
 void TLanePass::Run(const Data& data, int first, int last, TErrorObj& error) {
@@ -54,9 +55,33 @@ void TLanePass::Run(const Data& data, int first, int last, TErrorObj& error) {
   const std::size_t lanes = LanesOf(rows);
   if (lanes == 1) return pass_->Run(data, first, last, error);
 
-  const std::size_t workers = TTeam::WorkersFor(lanes, Operations(rows));
+  const Ranks::TSumTree tree(lanes, static_cast<double>(lanes) * Operations(rows));
+  std::array<double, 1> sum{};
+  std::array<double, 1> others_sum{};
+  tree.AddUp(
+      [&] {
+        RunLanes(data, first, last, tree);
+        sum[0] = whole_->error->Sum();
+        return whole_->gradients.Values();
+      },
+      others_ ? others_->Values() : std::span<double>());
+  tree.AddUp([&] { return std::span(sum); }, others_sum);
+  Add(state_.gradients, whole_->gradients);
+  error.Add(sum[0], static_cast<std::size_t>(rows));
+  GiveBack(*whole_);
+}
+
+// Runs the lanes of this rank's branch of the tree, and makes `whole_` their sums.
+void TLanePass::RunLanes(const Data& data, int first, int last, const Ranks::TSumTree& tree) {
+  const int rows = last - first;
+  const std::size_t lanes = LanesOf(rows);
+  const std::size_t own_lanes = tree.End() - tree.First();
+  if (own_lanes == 0) return TakeNothing();
+
+  const std::size_t workers = TTeam::WorkersFor(own_lanes, Operations(rows));
   workers_.Begin(workers);
-  TTeam::ForEach(lanes, workers, [&](std::size_t lane, std::size_t place) {
+  TTeam::ForEach(own_lanes, workers, [&](std::size_t number, std::size_t place) {
+    const std::size_t lane = tree.First() + number;
     const int begin = first + FirstRow(rows, lane, lanes);
     const int end = first + FirstRow(rows, lane + 1, lanes);
     TSums& sums = Take();
@@ -68,11 +93,8 @@ void TLanePass::Run(const Data& data, int first, int last, TErrorObj& error) {
       });
       RunLane(worker.state, *worker.pass, data, begin, end, sums);
     }
-    Join(lane, lanes, sums);
+    Join(lane, own_lanes, sums);
   });
-  Add(state_.gradients, whole_->gradients);
-  error.Add(*whole_->error);
-  GiveBack(*whole_);
 }
 
 // The additions and multiplications of a lane: each weight takes part in the way forward, that
@@ -106,6 +128,13 @@ void TLanePass::GiveBack(TSums& sums) {
   free_.push_back(&sums);
 }
 
+// Makes `whole_` zeros.
+void TLanePass::TakeNothing() {
+  whole_ = &Take();
+  whole_->gradients.Clear();
+  whole_->error->Reset();
+}
+
 // Leaves the gradients of the state alone.
 void TLanePass::RunLane(TTrainState& state, TTrainPass& pass, const Data& data, int first, int last,
                         TSums& sums) {
@@ -125,7 +154,7 @@ void TLanePass::Join(std::size_t lane, std::size_t lanes, TSums& sums) {
     if (!neighbour) return;
     waiting_[right].store(nullptr, std::memory_order_relaxed);
     Add(sums.gradients, neighbour->gradients);
-    sums.error->Add(*neighbour->error);
+    sums.error->Add(neighbour->error->Sum(), neighbour->error->Patterns());
     GiveBack(*neighbour);
   }
   whole_ = &sums;

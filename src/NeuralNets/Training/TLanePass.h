@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,7 @@
 #include "NeuralNets/Training/TTrainPass.h"
 #include "NeuralNets/Training/TTrainRun.h"
 #include "NeuralNets/Training/TTrainState.h"
+#include "Shared/Ranks.h"
 
 namespace kiln {
 
@@ -62,9 +64,11 @@ class TLanePass : public TTrainPass {
   };
 
   double Operations(int rows) const;
+  void RunLanes(const Data& data, int first, int last, const Ranks::TSumTree& tree);
   void MakeSums(std::size_t workers);
   TSums& Take();
   void GiveBack(TSums& sums);
+  void TakeNothing();
   void RunLane(TTrainState& state, TTrainPass& pass, const Data& data, int first, int last,
                TSums& sums);
   void Join(std::size_t lane, std::size_t lanes, TSums& sums);
@@ -80,6 +84,7 @@ class TLanePass : public TTrainPass {
   std::mutex mutex_;
   std::array<std::atomic<TSums*>, kMaxLanes> waiting_{};  // Join tells where, and for whom
   TSums* whole_ = nullptr;                                // of all lanes
+  std::optional<TWeightBuffer> others_;                   // gradients of another rank
 };
 
 }  // namespace kiln

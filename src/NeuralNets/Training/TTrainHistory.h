@@ -12,7 +12,6 @@ struct TTrainPoint {
   int epoch;
   double training;
   double validation;  // not a number where there was no validation
-  double average;     // of a population of networks; not a number where one network is trained
 };
 
 // What a trainer has seen: the error of every epoch, or of every second, fourth ... one when there
@@ -20,14 +19,13 @@ struct TTrainPoint {
 class TTrainHistory {
  public:
   static constexpr std::size_t kMaxPoints = 4096;
-  static constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
   int Epochs() const { return epochs_; }
 
   // Takes the memory for so many more epochs, so that Add takes none for them.
   void Reserve(int epochs);
 
-  void Add(double training, double validation = kNone, double average = kNone);
+  void Add(double training, double validation = std::numeric_limits<double>::quiet_NaN());
 
   // Where a history stood, to which it can return.
   struct TMark {
