@@ -1,21 +1,19 @@
 """One console of Kiln, driven through pipes."""
 
-from __future__ import annotations
-
 import csv
 import io
 import os
 import re
 import shutil
 import signal
-import subprocess
 import threading
 import weakref
 from collections.abc import Iterator
 from contextlib import contextmanager
+from fcntl import F_DUPFD_CLOEXEC, fcntl
 from pathlib import Path
-from types import TracebackType
-from typing import Any, Optional
+from subprocess import PIPE, STDOUT, Popen, TimeoutExpired
+from typing import Any, Self
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -33,12 +31,7 @@ class Error(Exception):
 def find_program() -> str:
     """Names the variable KILN, else `kiln` on the path, else the build of the tree around us."""
     built = Path(__file__).resolve().parents[2] / "build" / "kiln"
-    program = os.environ.get("KILN") or shutil.which("kiln")
-    if program:
-        return program
-    if built.exists():
-        return str(built)
-    raise Error("there is no kiln: neither on the path, nor named by the variable KILN")
+    return os.environ.get("KILN") or shutil.which("kiln") or str(built)
 
 
 class Session:
@@ -70,19 +63,17 @@ class Session:
         self._signals = threading.RLock()  # for whether a call runs, and can be interrupted
         self._running = self._interrupted = False
         self._markers = 0
-        # Objects go through a file that has no name, so that there is nothing to clean up.
-        self._file = open(os.memfd_create("kiln"), "w+b", buffering=0)
+        # Objects go through a file that has no name, so that there is nothing to clean up. It must not
+        # be 0, 1 or 2, not even where these are closed, as in the workers of joblib.
+        with open(os.memfd_create("kiln")) as file:
+            self._file = open(fcntl(file.fileno(), F_DUPFD_CLOEXEC, 3), "w+b", buffering=0)
         self._path = f"/dev/fd/{self._file.fileno()}"
         # In a group of its own: Ctrl-C is for us, and we pass it on. Unlike what a shell starts in
         # the background, it must not ignore it.
-        self._process = subprocess.Popen(
-            ["env", "--default-signal=INT", find_program(), "-i", *arguments],
-            stdin=subprocess.PIPE,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT,
-            bufsize=0,
-            pass_fds=[self._file.fileno()],
-            start_new_session=True,
+        command = ["env", "--default-signal=INT", find_program(), "-i", *arguments]
+        descriptors = [self._file.fileno()]
+        self._process = Popen(
+            command, 0, stdin=PIPE, stdout=PIPE, stderr=STDOUT, pass_fds=descriptors, start_new_session=True
         )
         self._end = weakref.finalize(self, _end, self._process, self._file, self._pid)
         _value_of(os.fsdecode(self._read_until(PROMPT)))
@@ -113,7 +104,7 @@ class Session:
                 self._interrupted = True
                 self._process.send_signal(signal.SIGINT)
 
-    def data(self, alias: str, inputs: ArrayLike, outputs: Optional[ArrayLike] = None) -> None:
+    def data(self, alias: str, inputs: ArrayLike, outputs: ArrayLike | None = None) -> None:
         """Makes a data set of inputs (rows, m) and outputs (rows, n), digit for digit.
 
         One dimension of outputs is one column; without outputs, n is 0.
@@ -122,31 +113,23 @@ class Session:
         right = np.empty((len(left), 0)) if outputs is None else _matrix(outputs)
         if len(left) != len(right):
             raise ValueError(f"{len(left)} rows of inputs but {len(right)} of outputs")
-        rows, columns = np.hstack([left, right]), (left.shape[1], right.shape[1])
-        numbers = " ".join(map(repr, rows.ravel().tolist()))
-        self.load(
-            "Data",
-            alias,
-            f"[DataSet]\n[Rows={len(rows)}]\n[Inputs={columns[0]}]\n"
-            f"[ExpectedOutputs={columns[1]}]\n[Data]\n{numbers}\n[~Data]\n[~DataSet]\n",
-        )
+        numbers = " ".join(map(float.hex, np.hstack([left, right]).ravel().tolist()))
+        sizes = f"[Rows={len(left)}]\n[Inputs={left.shape[1]}]\n[ExpectedOutputs={right.shape[1]}]"
+        self.load("Data", alias, f"[DataSet]\n{sizes}\n[Data]\n{numbers}\n[~Data]\n[~DataSet]\n")
 
     def array(self, alias: str) -> tuple[Matrix, Matrix]:
         """Returns inputs (rows, m) and outputs (rows, n) of a data set, the oldest row first."""
         with self._turn():
             words = str(self(f"query structureof {alias}")).split()
-            sizes = dict(zip(words[::2], words[1::2]))
-            # Data files have room for labels or outputs, tables for both.
-            text = self.save("CSV" if sizes["labels"] == "on" else "Data", alias)
-        shape = int(sizes["datarows"]), int(sizes["inputs"]) + int(sizes["outputs"])
-        if sizes["labels"] == "on":
-            table = list(csv.reader(io.StringIO(text, newline="")))[1:]
-            numbers = np.array([row[: shape[1]] for row in table], float)
-        else:
-            first, last = text.index("[Data]") + len("[Data]"), text.index("[~Data]")
-            numbers = np.array(text[first:last].split(), float)
-        rows = numbers.reshape(shape)
-        return rows[:, : int(sizes["inputs"])], rows[:, int(sizes["inputs"]) :]
+            table = io.StringIO(self.save("CSV", alias), newline="")
+        sizes = dict(zip(words[::2], words[1::2]))
+        rows, inputs, outputs = (int(sizes[name]) for name in ("datarows", "inputs", "outputs"))
+        if rows * (inputs + outputs) == 0:
+            return np.empty((rows, inputs)), np.empty((rows, outputs))
+        next(csv.reader(table))  # the names of the columns, in which there may be line ends
+        columns = range(inputs + outputs)  # without labels
+        numbers = np.loadtxt(table, delimiter=",", quotechar='"', comments=None, usecols=columns, ndmin=2)
+        return numbers[:, :inputs], numbers[:, inputs:]
 
     def load(self, kind: str, alias: str, text: str, tags: str = "") -> Any:
         """Makes an object of the text of a file: `load KIND alias ALIAS`, with more tags."""
@@ -176,15 +159,10 @@ class Session:
             with self._lock:
                 self._end()
 
-    def __enter__(self) -> Session:
+    def __enter__(self) -> Self:
         return self
 
-    def __exit__(
-        self,
-        kind: Optional[type[BaseException]],
-        exception: Optional[BaseException],
-        trace: Optional[TracebackType],
-    ) -> None:
+    def __exit__(self, *exception: object) -> None:
         self.close()
 
     @contextmanager
@@ -252,7 +230,7 @@ class Session:
         return bytes(text[: -len(end)])
 
 
-def _end(process: subprocess.Popen[bytes], file: io.FileIO, pid: int) -> None:
+def _end(process: Popen[bytes], file: io.FileIO, pid: int) -> None:
     """Ends the program of a session that is gone; in a forked process, only lets go of it."""
     assert process.stdin and process.stdout
     file.close()
@@ -262,7 +240,7 @@ def _end(process: subprocess.Popen[bytes], file: io.FileIO, pid: int) -> None:
             process.wait(GRACE)
         except BrokenPipeError:
             process.wait()
-        except subprocess.TimeoutExpired:
+        except TimeoutExpired:
             process.kill()
             process.wait()
     process.stdin.close()
