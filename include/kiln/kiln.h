@@ -8,8 +8,10 @@
 // Kiln inside another program. This is all of the library that is promised to stay.
 namespace kiln {
 
-// A session: what is typed at the console, as calls. A session belongs to one thread at a time, and
-// all sessions of a process share one generator of random numbers.
+// A session: what is typed at the console, as calls. A process may have several, each with objects
+// of its own, and threads may take turns; but one session at a time carries out a command, since
+// all share a generator of random numbers. A session that has been moved from may only be assigned
+// to or destroyed.
 class TSession {
  public:
   struct TReply {
@@ -18,7 +20,8 @@ class TSession {
   };
 
   // Follows a training: called after each epoch or generation, counted from 0, with the error that
-  // it ended with. Training goes on as long as it returns true. Must not throw.
+  // it ended with. Training goes on as long as it returns true. Must neither throw nor call the
+  // session.
   using TObserver = std::function<bool(int step, double error)>;
 
   // Takes what Kiln has to say besides replies, such as warnings: a line each, without its end.
