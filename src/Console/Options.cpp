@@ -27,7 +27,8 @@ constexpr option kOptions[] = {
 };
 
 constexpr char kHelp[] = R"(Usage: kiln [OPTION]... [FILE]...
-Carries out the commands in the files or, without any, talks with you.
+Carries out the commands in the files, of which - is the standard input, or,
+without any, talks with you.
 
   -e, --execute LINE       carry out this command, in its place among the files
   -i, --interactive        go on talking after files and commands
@@ -69,11 +70,15 @@ bool TakeDefaultWorkers(TOptions& options) {
   return true;
 }
 
+TTask File(std::string_view name) {
+  return {TTask::TKind::kFile, std::string(name == "-" ? "/dev/stdin" : name)};
+}
+
 // Takes note of one option. Returns whether it is right.
 bool Take(TOptions& options, int letter, const char* argument) {
   switch (letter) {
     case 1:
-      options.tasks.push_back({TTask::TKind::kFile, argument});
+      options.tasks.push_back(File(argument));
       break;
     case 'e':
       options.tasks.push_back({TTask::TKind::kLine, argument});
@@ -130,7 +135,7 @@ std::optional<TOptions> ReadOptions(int argc, char* argv[]) {
   }
   if (!has_workers && !TakeDefaultWorkers(options)) return std::nullopt;
   // Behind "--" everything is a file.
-  for (; optind < argc; ++optind) options.tasks.push_back({TTask::TKind::kFile, argv[optind]});
+  for (; optind < argc; ++optind) options.tasks.push_back(File(argv[optind]));
   return options;
 }
 

@@ -51,6 +51,7 @@ expect 1 'Kiln>>OK|Kiln>>Result: false|Kiln>>Error: Unknown command|' '' -b
 expect 0 'false|' 'Error: Unknown command|' -q
 expect 0 'Kiln>>Error: epochs is no tag of purge|Kiln>>Result: false|Kiln>>Error: Unknown command|Kiln>>OK|Kiln>>' '' -s
 input='purge'
+expect 0 'OK|' '' -
 expect 0 'Result: false|OK|Kiln>>OK|Kiln>>' '' -i -D NAME=x good.kiln
 
 # Help fits a screen; output that cannot be written is a failure.
