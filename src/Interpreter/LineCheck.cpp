@@ -14,11 +14,6 @@ namespace kiln {
 
 namespace {
 
-bool IsWholeNumber(std::string_view word) {
-  if (word.starts_with('-') || word.starts_with('+')) word.remove_prefix(1);
-  return !word.empty() && word.find_first_not_of("0123456789") == word.npos;
-}
-
 bool IsNumber(std::string_view word) {
   if (word.starts_with('-') || word.starts_with('+')) word.remove_prefix(1);
   if (word.starts_with('-')) return false;

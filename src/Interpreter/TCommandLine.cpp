@@ -28,11 +28,6 @@ std::optional<std::string_view> Between(std::string_view text, char open, char c
   return text.substr(begin + 1, end - begin - 1);
 }
 
-bool IsWholeNumber(std::string_view word) {
-  if (word.starts_with('-') || word.starts_with('+')) word.remove_prefix(1);
-  return !word.empty() && word.find_first_not_of("0123456789") == word.npos;
-}
-
 TReading<bool> ToBoolean(std::string_view text) {
   text = TrimBlanks(text);
   if (EqualNoCase(text, "true") || EqualNoCase(text, "on")) return {TReadCode::kRead, true};

@@ -46,6 +46,11 @@ std::optional<std::int64_t> ScanInteger(std::string_view text) {
   return value;
 }
 
+bool IsWholeNumber(std::string_view word) {
+  if (word.starts_with('-') || word.starts_with('+')) word.remove_prefix(1);
+  return !word.empty() && word.find_first_not_of("0123456789") == word.npos;
+}
+
 std::optional<std::size_t> ScanPlace(std::string_view text, std::size_t count) {
   std::size_t place = 0;
   const char* const last = text.data() + text.size();

@@ -14,6 +14,9 @@ namespace kiln {
 // A decimal integer. Beyond 64 bits it becomes the nearest 64-bit one.
 std::optional<std::int64_t> ScanInteger(std::string_view text);
 
+// Whether a word is nothing but the decimal digits of an integer, with or without a sign.
+bool IsWholeNumber(std::string_view word);
+
 // A place among `count`, from 0 on. Unlike the others `text` must be nothing but its decimal
 // digits.
 std::optional<std::size_t> ScanPlace(std::string_view text, std::size_t count);
