@@ -52,7 +52,7 @@ class CommandTable : public testing::Test {
             "create DataStats alias s source d",
             "create MLP alias net inputs 2 layers 3 hidden {2} outputs 1 bias on seed 1",
             "create Tarn alias fuzzy inputs 2 condition {2, 2} rules 3 outputs 1 action {2} seed 1",
-            "create BPTrainer alias teacher network net",
+            "create BPTrainer alias teacher network net", "train alias teacher data d epochs 2",
             "create GATrainer alias breeder network net minweight -1 maxweight 1 population 10",
             "create Kohonen alias k inputs 2 dimensions 2 mapdim {3, 3} seed 1",
             "create KohonenTrainer alias guide network k", "map network k input d output m",
@@ -136,7 +136,7 @@ TEST_F(CommandTable, RefusesWrongAliasesBooleansAndPathsBeforeAnythingChanges) {
       if (tag.kind == TValueKind::kNewAlias) wrong = {"taken"};
       if (tag.kind == TValueKind::kAlias) wrong = {"nobody"};
       if (tag.kind == TValueKind::kAlias && !tag.words.empty()) {
-        wrong.emplace_back(HasWord(tag.words, "Data") ? "s" : "d");
+        wrong.emplace_back(HasWord(tag.words, "DataStats") ? "d" : "s");
       }
       if (tag.kind == TValueKind::kBoolean) wrong = {"maybe"};
       if (tag.kind == TValueKind::kPath) wrong = {"none.txt", "(none/none.txt)"};
@@ -154,6 +154,8 @@ constexpr std::string_view kMoreExamples[] = {"divide source d destination {one}
                                               "labeltarn network fuzzy labels words terms {a} "
                                               "outputterms {b}",
                                               "query fired network fuzzy inputs {0.1, 0.5}",
+                                              "plot fuzzy data d method terms filename (n.txt)",
+                                              "plot k data d columns {0} filename (k.txt)",
                                               "train alias teacher data d epochs 5 method rprop"};
 
 // A handler cannot read what its row does not list; here, that it reads all that the row lists.

@@ -8,6 +8,7 @@ have() {
     openmpi-bin) command -v mpirun ;;
     libopenmpi-dev) command -v mpicxx ;;
     libedit-dev) have_header histedit.h ;;
+    gnuplot-nox) command -v gnuplot ;;
     libfuzzylite-dev) have_header fl/Headers.h ;;
     libclang-rt-14-dev) ls "$(clang++ -print-resource-dir)"/lib/linux/libclang_rt.fuzzer-*.a ;;
     python3-*) /usr/bin/python3 -c "import ${1#python3-}" ;;

@@ -3,7 +3,11 @@
 #include <sys/ioctl.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cwchar>
+#include <string>
+
+#include "Shared/Text.h"
 
 namespace kiln::Screen {
 
@@ -29,6 +33,17 @@ std::size_t Columns(int descriptor) {
   winsize size = {};
   constexpr std::size_t kUsual = 80;
   return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+}
+
+bool HasUnicode() {
+  // The first of these that is set counts.
+  for (const char* const name : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+    const char* const value = std::getenv(name);
+    if (!value || !*value) continue;
+    const std::string locale = FoldCase(value);
+    return locale.find("utf-8") != locale.npos || locale.find("utf8") != locale.npos;
+  }
+  return false;
 }
 
 std::size_t Width(std::string_view text) {

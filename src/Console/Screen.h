@@ -10,6 +10,9 @@ namespace kiln::Screen {
 // The columns of the terminal on the descriptor; 80 where it does not tell.
 std::size_t Columns(int descriptor);
 
+// Whether the user's locale is one of UTF-8, be it installed here or not.
+bool HasUnicode();
+
 std::size_t Width(std::string_view text);
 
 // The start of a text, up to `columns` wide and to its first control character.

@@ -1,9 +1,12 @@
 #include "Console/TConsole.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
 #include <iostream>
 #include <new>
 
+#include "Console/Screen.h"
 #include "Console/Signals.h"
 #include "Interpreter/Checks.h"
 #include "Shared/Interruption.h"
@@ -20,6 +23,11 @@ constexpr std::string_view kPrompt = "Kiln>>";
 
 TConsole::TConsole(std::ostream& out, TManner manner) : out_(out), manner_(manner) {
   interpreter_.SetObserver([](int, double) { return !Interruption::IsRequested(); });
+  if (manner.at_terminal) {
+    interpreter_.SetScreen([] {
+      return TScreen{Screen::Columns(STDOUT_FILENO), Screen::HasUnicode()};
+    });
+  }
 }
 
 bool TConsole::CarryOut(const TTask& task) {

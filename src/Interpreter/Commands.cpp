@@ -9,9 +9,9 @@ namespace kiln {
 namespace {
 
 constexpr const TFamily* kFamilies[] = {
-    &commands::kSession,   &commands::kCreation, &commands::kFiles,
-    &commands::kQuestions, &commands::kRows,     &commands::kManipulation,
-    &commands::kTraining,  &commands::kRecalls,  &commands::kRules,
+    &commands::kSession, &commands::kCreation,     &commands::kFiles,    &commands::kQuestions,
+    &commands::kRows,    &commands::kManipulation, &commands::kTraining, &commands::kRecalls,
+    &commands::kRules,   &commands::kPictures,
 };
 
 }  // namespace

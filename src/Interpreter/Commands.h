@@ -37,6 +37,7 @@ extern const TFamily kRows;          // RowCommands.cpp: rows of one data set
 extern const TFamily kManipulation;  // ManipulationCommands.cpp: new data sets out of others
 extern const TFamily kTraining;      // TrainCommands.cpp
 extern const TFamily kRecalls;       // RecallCommands.cpp: what networks make of data
+extern const TFamily kPictures;      // PlotCommands.cpp
 extern const TFamily kRules;         // RuleCommands.cpp: labels and rules of fuzzy networks
 
 // How many rules a "retarn" that has been carried out has made and, where there are none, which

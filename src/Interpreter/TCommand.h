@@ -26,7 +26,8 @@ struct TForm {
   std::string_view example;  // a whole line
   std::span<const TTag> tags;
   THandler handler;
-  std::string_view trainers{};  // of "train": the kinds of trainer for which this is the form
+  std::string_view
+      kinds{};  // of "train" and "plot": the kinds of object for which this is the form
 
   // The tag whose value follows at once, without the tag: "destroy x", "query classof x". Null
   // where there is none.

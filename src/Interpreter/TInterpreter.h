@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -18,6 +19,12 @@ namespace kiln {
 // Follows a script: the path, the number of a line and its text.
 using TScriptObserver =
     std::function<void(const std::string& path, std::int64_t number, std::string_view line)>;
+
+// What a terminal has room for.
+struct TScreen {
+  std::size_t columns;
+  bool has_unicode;
+};
 
 // The interpreter of the command language, and the registry of the objects that its commands make.
 //
@@ -44,6 +51,11 @@ class TInterpreter : public TObjectRegistry {
   // There is none by default.
   void SetObserver(TEpochObserver observer) { observer_ = std::move(observer); }
   const TEpochObserver& Observer() const { return observer_; }
+
+  // Pictures without a file are drawn on the screen, whose size is asked for each time. There is
+  // none by default.
+  void SetScreen(std::function<TScreen()> screen) { screen_ = std::move(screen); }
+  const std::function<TScreen()>& Screen() const { return screen_; }
 
   // From now on refuses lines with anything odd in them, such as a tag that the command does not
   // know or a number that is none, which commands otherwise pass over.
@@ -83,6 +95,7 @@ class TInterpreter : public TObjectRegistry {
   std::string result_message_;
   TTranscript transcript_;
   TScriptObserver script_observer_;
+  std::function<TScreen()> screen_;
   TDefinitions definitions_;
   bool is_strict_ = false;
   TEpochObserver observer_;

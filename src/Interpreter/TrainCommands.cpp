@@ -126,7 +126,7 @@ const TForm& FormByTrainer(const TCommand& command, const TInterpreter& interpre
   const std::string_view alias = RequiredAlias(line, "alias");
   const std::string_view kind = RequiredEntry(interpreter, alias).Kind();
   for (const TForm& form : command.forms) {
-    if (HasWord(form.trainers, kind)) return form;
+    if (HasWord(form.kinds, kind)) return form;
   }
   Fail(alias, " is not a training object");
 }

@@ -130,8 +130,8 @@ std::string Example(const TForm& form) {
 }
 
 std::string Heading(const TForm& form) {
-  if (form.trainers.empty()) return std::string(form.help);
-  return std::string(form.help).append(" (").append(form.trainers).append(")");
+  if (form.kinds.empty()) return std::string(form.help);
+  return std::string(form.help).append(" (").append(form.kinds).append(")");
 }
 
 }  // namespace

@@ -14,23 +14,10 @@ namespace kiln {
 
 namespace {
 
-std::size_t AnsweredClass(std::span<const double> outputs) {
-  if (outputs.size() == 1) return outputs.front() >= 0.5 ? 1 : 0;
-  return static_cast<std::size_t>(std::ranges::max_element(outputs) - outputs.begin());
-}
-
 bool IsClass(std::span<const double> outputs) {
   const auto zeros = std::ranges::count(outputs, 0.0);
   const auto ones = std::ranges::count(outputs, 1.0);
   return zeros + ones == std::ssize(outputs) && (outputs.size() == 1 || ones == 1);
-}
-
-bool HasClasses(const Data& set) {
-  if (set.Outputs() == 0) return false;
-  for (int n = 0; n < set.DataRows(); ++n) {
-    if (!IsClass(set.Row(n).Outputs)) return false;
-  }
-  return true;
 }
 
 // What a network answers to a row.
@@ -53,6 +40,19 @@ std::vector<TAnswerToRow> AnswersOf(const TBasicNetwork& network, const Data& se
 }
 
 }  // namespace
+
+bool HasClasses(const Data& set) {
+  if (set.Outputs() == 0) return false;
+  for (int n = 0; n < set.DataRows(); ++n) {
+    if (!IsClass(set.Row(n).Outputs)) return false;
+  }
+  return true;
+}
+
+std::size_t AnsweredClass(std::span<const double> outputs) {
+  if (outputs.size() == 1) return outputs.front() >= 0.5 ? 1 : 0;
+  return static_cast<std::size_t>(std::ranges::max_element(outputs) - outputs.begin());
+}
 
 TScore MeasureScore(const TBasicNetwork& network, const Data& set) {
   network.CheckFits(set, "MeasureScore");

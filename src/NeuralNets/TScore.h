@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace kiln {
@@ -37,6 +38,12 @@ struct TScore {
   double error = 0.0;        // root of the mean square over all outputs
   std::optional<int> right;  // rows whose class was answered, where the outputs are classes
 };
+
+// Whether the outputs of a set are classes, see MeasureScore.
+bool HasClasses(const Data& set);
+
+// The class that outputs answer. REQUIRES: there are some.
+std::size_t AnsweredClass(std::span<const double> outputs);
 
 // Outputs are classes when in every row all are 0 but for a 1: the class is that column, and the
 // answer the column with the largest output, the first of several. A single column of 0 and 1 is

@@ -110,6 +110,17 @@ void TGenTrainEval::EvaluatePopulation(std::span<const MetaGene>,
   for (std::size_t i = 0; i < genes.size(); ++i) fitness[i] = Rate(MbrDyaDblErrors[i]);
 }
 
+double TGenTrainEval::AverageError() const {
+  double sum = 0.0;
+  int count = 0;
+  for (const double error : MbrDyaDblErrors) {
+    if (error == kBeyondRepair || !(error < TGenTrainRecord{}.DblError)) continue;
+    sum += error;
+    ++count;
+  }
+  return sum / count;
+}
+
 // The fitness of an individual, which is taken note of when its error is the lowest so far.
 float TGenTrainEval::Rate(double error) {
   if (error == kBeyondRepair) return static_cast<float>(Random::Uniform(0.0, 0.5));

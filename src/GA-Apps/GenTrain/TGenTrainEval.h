@@ -75,6 +75,10 @@ class TGenTrainEval : public Evaluator {
   // is the best individual. Errors of 2147483647 or more do not count.
   const TGenTrainRecord& Lowest() const { return MbrRecLowest; }
 
+  // The mean error of the last population. Those errors that do not count are left out; not a
+  // number where none counts.
+  double AverageError() const;
+
  protected:
   // What a trained weight may be.
   virtual MetaGene DefinitionOf(std::size_t gene) const = 0;

@@ -6,11 +6,8 @@ namespace kiln {
 
 bool TGenTrainReport::Report(const Population& evaluated) {
   MbrDblLastError = MbrEvlEvaluator.Lowest().DblError;
-  if (MbrPtrValidation) {
-    MbrHistory.Add(MbrDblLastError, Validate(evaluated));
-  } else {
-    MbrHistory.Add(MbrDblLastError);
-  }
+  const double validation = MbrPtrValidation ? Validate(evaluated) : TTrainHistory::kNone;
+  MbrHistory.Add(MbrDblLastError, validation, MbrEvlEvaluator.AverageError());
   const bool goes_on = !MbrFunObserver || MbrFunObserver(evaluated.Generation(), MbrDblLastError);
   const bool has_patience = !MbrPtrValidation || MbrPtrValidation->HasPatience();
   return goes_on && has_patience && evaluated.Statistics().FltMaximum > 0.0F;

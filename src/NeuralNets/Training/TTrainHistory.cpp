@@ -11,8 +11,8 @@ void TTrainHistory::Reserve(int epochs) {
   if (needed > points_.capacity()) points_.reserve(std::max(needed, 2 * points_.capacity()));
 }
 
-void TTrainHistory::Add(double training, double validation) {
-  last_ = {epochs_ + 1, training, validation};
+void TTrainHistory::Add(double training, double validation, double average) {
+  last_ = {epochs_ + 1, training, validation, average};
   if (validation < (least_ ? least_->validation : std::numeric_limits<double>::infinity())) {
     least_ = last_;
   }

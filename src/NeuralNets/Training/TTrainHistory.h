@@ -12,6 +12,7 @@ struct TTrainPoint {
   int epoch;
   double training;
   double validation;  // not a number where there was no validation
+  double average;     // of a population of networks; not a number where one network is trained
 };
 
 // What a trainer has seen: the error of every epoch, or of every second, fourth ... one when there
@@ -19,13 +20,14 @@ struct TTrainPoint {
 class TTrainHistory {
  public:
   static constexpr std::size_t kMaxPoints = 4096;
+  static constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
   int Epochs() const { return epochs_; }
 
   // Takes the memory for so many more epochs, so that Add takes none for them.
   void Reserve(int epochs);
 
-  void Add(double training, double validation = std::numeric_limits<double>::quiet_NaN());
+  void Add(double training, double validation = kNone, double average = kNone);
 
   // Where a history stood, to which it can return.
   struct TMark {

@@ -1,0 +1,69 @@
+#include "Plot/AxisTicks.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "Shared/NumberFormat.h"
+
+namespace kiln {
+
+namespace {
+
+std::string Text(double value) {
+  constexpr int kDigits = 6;
+  return FormatGeneral(value, kDigits);
+}
+
+// 1, 2 or 5 times a power of ten, at least `least`.
+double RoundStep(double least) {
+  const double power = std::pow(10.0, std::floor(std::log10(least)));
+  for (const double factor : {1.0, 2.0, 5.0}) {
+    constexpr double kRounding = 1e-9;
+    if (factor * power >= least * (1.0 - kRounding)) return factor * power;
+  }
+  return 10.0 * power;
+}
+
+std::vector<TTick> Linear(const TAxis& axis, std::size_t most) {
+  std::vector<TTick> ticks;
+  const double step = TickStep(axis, most);
+  const double first = std::ceil(axis.lower / step - 1e-9);
+  for (std::size_t i = 0; i <= most; ++i) {
+    const double at = (first + static_cast<double>(i)) * step;
+    if (at > axis.upper + step * 1e-9) break;
+    ticks.push_back({at, Text(at)});
+  }
+  return ticks;
+}
+
+std::vector<TTick> Powers(const TAxis& axis, std::size_t most) {
+  const int first = static_cast<int>(std::ceil(std::log10(axis.lower) - 1e-9));
+  const int last = static_cast<int>(std::floor(std::log10(axis.upper) + 1e-9));
+  const int stride = std::max((last - first) / static_cast<int>(most) + 1, 1);
+  std::vector<TTick> ticks;
+  for (int power = first; power <= last; power += stride) {
+    const double at = std::pow(10.0, power);
+    ticks.push_back({at, Text(at)});
+  }
+  return ticks;
+}
+
+}  // namespace
+
+double TickStep(const TAxis& axis, std::size_t most) {
+  const auto parts = static_cast<double>(std::max<std::size_t>(most, 2));
+  const double step = RoundStep(axis.upper / parts - axis.lower / parts);
+  return axis.is_whole ? std::max(step, 1.0) : step;
+}
+
+std::vector<TTick> RoundTicks(const TAxis& axis, std::size_t most) {
+  most = std::max<std::size_t>(most, 2);
+  return axis.is_logarithmic ? Powers(axis, most) : Linear(axis, most);
+}
+
+double ShareOf(const TAxis& axis, double value) {
+  if (!axis.is_logarithmic) return (value - axis.lower) / (axis.upper - axis.lower);
+  return std::log(value / axis.lower) / std::log(axis.upper / axis.lower);
+}
+
+}  // namespace kiln

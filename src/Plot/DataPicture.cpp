@@ -1,0 +1,188 @@
+#include "Plot/DataPicture.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <vector>
+
+#include "Plot/SetColumns.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr std::size_t kMostClasses = 20;  // with a colour and a shape each; the rest are "others"
+
+// A series for each class, or one without a name.
+class TSeriesOfClasses {
+ public:
+  TSeriesOfClasses(const Data& set, TStroke stroke) : classes_(RowClassesOf(set)) {
+    const std::size_t named = std::min(classes_.names.size(), kMostClasses);
+    for (std::size_t i = 0; i < named; ++i) {
+      series_.push_back({classes_.names[i], stroke, i, {}});
+    }
+    const bool has_others =
+        classes_.names.size() > named ||
+        std::ranges::find(classes_.of_rows, classes_.names.size()) != classes_.of_rows.end();
+    if (has_others) series_.push_back({"others", stroke, named, {}});
+    if (series_.empty()) series_.push_back({"", stroke, 0, {}});
+  }
+
+  std::size_t NumberOf(int row) const {
+    if (classes_.names.empty()) return 0;
+    return std::min(classes_.of_rows[static_cast<std::size_t>(row)], kMostClasses);
+  }
+  std::vector<TSeries>& All() { return series_; }
+
+ private:
+  TRowClasses classes_;
+  std::vector<TSeries> series_;
+};
+
+struct TBounds {
+  double lower = kInfinity;
+  double upper = -kInfinity;
+  bool is_whole = true;  // all are whole numbers
+
+  void Take(double value) {
+    lower = std::min(lower, value);
+    upper = std::max(upper, value);
+    is_whole = is_whole && value == std::floor(value);
+  }
+};
+
+TBounds BoundsOf(const Data& set, const TSetColumns& columns, std::size_t column) {
+  TBounds bounds;
+  for (int n = 0; n < set.DataRows(); ++n) {
+    const double value = columns.Value(set.Row(n), column);
+    if (std::isfinite(value)) bounds.Take(value);
+  }
+  return bounds;
+}
+
+// The intervals in which values are counted.
+struct TBins {
+  TBins(const TBounds& bounds, int values) {
+    constexpr double kMostWhole = 40.0;
+    if (bounds.is_whole && bounds.upper - bounds.lower < kMostWhole) {
+      count = static_cast<std::size_t>(bounds.upper - bounds.lower) + 1;
+      lower = bounds.lower - 0.5;
+      width = 1.0;
+      return;
+    }
+    // Rice's rule.
+    const double many = std::clamp(std::ceil(2.0 * std::cbrt(values)), 5.0, kMostWhole);
+    count = static_cast<std::size_t>(many);
+    lower = bounds.lower;
+    width = bounds.upper / many - bounds.lower / many;
+    if (!(width > 0.0)) width = std::max(std::abs(lower), 1.0) * 1e-3;
+  }
+
+  std::size_t Of(double value) const {
+    const double bin = std::floor((value - lower) / width);
+    return std::min(static_cast<std::size_t>(std::max(bin, 0.0)), count - 1);
+  }
+  double Edge(std::size_t bin) const { return lower + static_cast<double>(bin) * width; }
+
+  std::size_t count;
+  double lower;
+  double width;
+};
+
+// The outline of counts.
+std::vector<TPoint> Stairs(const TBins& bins, const std::vector<int>& counts) {
+  std::vector<TPoint> stairs = {{bins.Edge(0), 0.0}};
+  for (std::size_t bin = 0; bin < bins.count; ++bin) {
+    stairs.push_back({bins.Edge(bin), static_cast<double>(counts[bin])});
+    stairs.push_back({bins.Edge(bin + 1), static_cast<double>(counts[bin])});
+  }
+  stairs.push_back({bins.Edge(bins.count), 0.0});
+  return stairs;
+}
+
+}  // namespace
+
+int StrideFor(int rows) {
+  constexpr int kMostRows = 4000;
+  return (rows - 1) / kMostRows + 1;
+}
+
+std::string Thinned(int stride, int all) {
+  if (stride == 1) return {};
+  const int last = stride % 10;
+  const bool is_teen = stride / 10 % 10 == 1;
+  const char* const ending = is_teen     ? "th"
+                             : last == 1 ? "st"
+                             : last == 2 ? "nd"
+                             : last == 3 ? "rd"
+                                         : "th";
+  return ", every " + std::to_string(stride) + ending + " of " + std::to_string(all) + " rows";
+}
+
+TAxis ValueAxis(std::string name, double lower, double upper) {
+  constexpr double kRoom = 0.04;
+  double margin = (upper / 2.0 - lower / 2.0) * 2.0 * kRoom;  // does not overflow
+  if (!(margin > 0.0)) margin = std::max(std::abs(lower) * kRoom, 1e-9);
+  constexpr double kLargest = 1e300;
+  return {std::move(name),
+          std::clamp(lower - margin, -kLargest, kLargest),
+          std::clamp(upper + margin, -kLargest, kLargest),
+          false,
+          {}};
+}
+
+int NumFinite(const Data& set, std::size_t x, std::size_t y) {
+  const TSetColumns columns(set);
+  int count = 0;
+  for (int n = 0; n < set.DataRows(); ++n) {
+    const DataRow row = set.Row(n);
+    if (std::isfinite(columns.Value(row, x)) && std::isfinite(columns.Value(row, y))) ++count;
+  }
+  return count;
+}
+
+TPicture ScatterPicture(std::string_view alias, const Data& set, std::size_t x, std::size_t y) {
+  const TSetColumns columns(set);
+  const int stride = StrideFor(set.DataRows());
+  TSeriesOfClasses series(set, TStroke::kPoints);
+  TBounds across, up;
+  for (int n = 0; n < set.DataRows(); n += stride) {
+    const TPoint point = {columns.Value(set.Row(n), x), columns.Value(set.Row(n), y)};
+    if (!std::isfinite(point.x) || !std::isfinite(point.y)) continue;
+    series.All()[series.NumberOf(n)].points.push_back(point);
+    across.Take(point.x);
+    up.Take(point.y);
+  }
+  TPanel panel;
+  panel.x = ValueAxis(columns.Name(x), across.lower, across.upper);
+  panel.y = ValueAxis(columns.Name(y), up.lower, up.upper);
+  panel.series = std::move(series.All());
+  return {std::string(alias) + Thinned(stride, set.DataRows()), {std::move(panel)}};
+}
+
+TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_t column) {
+  const TSetColumns columns(set);
+  const TBins bins(BoundsOf(set, columns, column), set.DataRows());
+  TSeriesOfClasses series(set, TStroke::kArea);
+  std::vector<std::vector<int>> counts(series.All().size(), std::vector<int>(bins.count));
+  int most = 0;
+  for (int n = 0; n < set.DataRows(); ++n) {
+    const double value = columns.Value(set.Row(n), column);
+    if (!std::isfinite(value)) continue;
+    most = std::max(most, ++counts[series.NumberOf(n)][bins.Of(value)]);
+  }
+  TPicture picture = {std::string(alias), {}, true};
+  for (std::size_t i = 0; i < counts.size(); ++i) {
+    TPanel panel;
+    panel.title = std::move(series.All()[i].name);
+    panel.x = {"", bins.Edge(0), bins.Edge(bins.count), false, {}};
+    panel.y = {"rows", 0.0, most * 1.05, false, {}, true};
+    panel.series.push_back({"", TStroke::kArea, series.All()[i].look, Stairs(bins, counts[i])});
+    picture.panels.push_back(std::move(panel));
+  }
+  picture.panels.back().x.name = columns.Name(column);
+  return picture;
+}
+
+}  // namespace kiln

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace kiln {
+
+// `text` as UTF-8 that can be drawn: a blank in the place of each control character, a question
+// mark in that of each byte that belongs to no character, and dots for what is beyond `most`
+// characters. REQUIRES: most > 0.
+std::string Legible(std::string_view text, std::size_t most);
+
+// The characters of a text that is UTF-8.
+std::u32string Characters(std::string_view text);
+std::string Utf8(std::u32string_view characters);
+
+}  // namespace kiln

@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "FileTestTools.h"
+#include "Interpreter/TInterpreter.h"
+#include "NeuralNets/Maps/TKohonenNetwork.h"
+#include "Plot/DataPicture.h"
+#include "Plot/GnuplotScript.h"
+#include "Plot/HistoryPicture.h"
+#include "Plot/Legible.h"
+#include "Plot/MapPicture.h"
+#include "Plot/TextPicture.h"
+
+namespace kiln {
+namespace {
+
+// Commands in an empty folder, and the scripts of what they plot.
+class Plot : public testing::Test {
+ protected:
+  Plot() {
+    std::filesystem::create_directories(folder_);
+    for (const char* line :
+         {"create Data alias d inputs 2 outputs 1 rows 4 labels on",
+          "append alias d inputs {0.125, 0.5} outputs {1} labels {up}",
+          "append alias d inputs {0.25, 2.5} outputs {0} labels {down}",
+          "append alias d inputs {0.75, 1} outputs {1} labels {up}",
+          "create MLP alias net inputs 2 layers 3 hidden {2} outputs 1 bias on seed 1",
+          "create BPTrainer alias teacher network net",
+          "create Tarn alias fuzzy inputs 2 condition {2, 3} rules 3 outputs 1 action {2} seed 1",
+          "create Kohonen alias k inputs 2 dimensions 2 mapdim {2, 3} seed 1"}) {
+      Do(line);
+    }
+  }
+  ~Plot() override { std::filesystem::remove_all(folder_); }
+
+  void Do(const std::string& line) {
+    ASSERT_GE(interpreter_.Execute(line), 0) << line << ": " << interpreter_.GetError();
+  }
+
+  std::string Path(const std::string& name) const { return folder_ + "/" + name; }
+
+  std::string ScriptOf(const std::string& what) {
+    Do("plot " + what + " filename (" + Path("x.gp") + ")");
+    return Contents(Path("x.gp"));
+  }
+
+  TInterpreter interpreter_;
+  const std::string folder_ = ScratchPath();
+};
+
+TEST_F(Plot, WritesEachKindAsAScript) {
+  Do("train alias teacher data d epochs 3 validation d");
+  Do("create GATrainer alias breeder network net minweight -1 maxweight 1 population 5");
+  Do("train alias breeder data d generations 2 seed 1");
+  Do("labeltarn network fuzzy labels words terms {low, high}");
+  Do("retarn network fuzzy labels words rules found");
+  Do("create Data alias e inputs 1 outputs 1 rows 3 labels off");
+  for (const char* row : {"{2} outputs {7.5}", "{3} outputs {6.5}", "{3} outputs {nan}"}) {
+    Do(std::string("append alias e inputs ") + row);
+  }
+  Do("create MLP alias line inputs 1 layers 2 hidden {} outputs 1 bias on functions {linear}");
+  const struct {
+    std::string what;
+    std::vector<std::string> pieces;
+  } kinds[] = {
+      {"teacher",
+       {"'Errors of teacher'", "'epoch'", "'error'", "title 'training'", "title 'validation'",
+        "'kept: epoch 3'", "from first 3, graph 0", "set xrange [1:3]", "$Points_1_2 << EOD\n1 "}},
+      {"breeder", {"'generation'", "title 'best'", "title 'average'"}},
+      {"d columns {1, output0}",
+       {"'input1'", "'output0'", "0.5 1\n1 1\nEOD", "2.5 0\nEOD", "title 'up'", "title 'down'",
+        "set xrange [0.42:2.58]", "pointtype 7", "pointtype 9"}},
+      {"d columns {0}",
+       {"'rows'", "'input0'", "0.125 0\n0.125 1\n", "'down'", "filledcurves y1=0"}},
+      {"e", {"'e'", "$Points_1_1 << EOD\n2 7.5\n3 6.5\nEOD\n", "notitle"}},
+      {"net data d",
+       {"'net on d: ", " of 3 right'", "'expected'", "'answered'", "'output0 0' 0, 'output0 1' 1",
+        "set yrange [1.5:-0.5]"}},
+      {"line data e", {"'line on e: error ", "$Points_1_1 << EOD\n7.5 ", "from graph 0, graph 0"}},
+      {"fuzzy labels words",
+       {"'Terms of fuzzy'", "'InputA'", "'low'", "'high'", "'OutputA'", "$Points_1_1 << EOD\n0 1\n",
+        "1 0\nEOD", "$Points_3_2"}},
+      {"found method rules",
+       {"'Rules of found'", "'rule'", "'degree'", "('1' 0, '2' 1", "InputB C"}},
+      {"k data d",
+       {"'Distances on k'", "'distance'", "matrix using ($1*0.5):($2*0.5):3", "'up' at first",
+        "set xrange [-0.25:2.25]"}},
+      {"k columns {1, 0}", {"'Components of k'", "'input1'", "'input0'", "'value'", "$Cells_2"}},
+  };
+  for (const auto& [what, pieces] : kinds) {
+    const std::string script = ScriptOf(what);
+    for (const std::string& piece : pieces) {
+      EXPECT_NE(script.find(piece), script.npos) << what << ": " << piece << '\n' << script;
+    }
+  }
+}
+
+TEST_F(Plot, RefusesWhatCannotBeDrawn) {
+  Do("create Data alias empty inputs 2 outputs 1 rows 4 labels off");
+  Do("append alias empty inputs {1, nan} outputs {0.5}");
+  Do("labeltarn network fuzzy labels words");
+  const std::pair<const char*, const char*> cases[] = {
+      {"teacher", "teacher has 0 points to draw: a curve takes two epochs of training"},
+      {"empty", "empty has 0 rows of numbers: a picture takes two"},
+      {"d columns {0, 1, 2}", "columns takes one column or two"},
+      {"d columns {3}", "d has no column 3"},
+      {"net", "tag data not found"},
+      {"net data empty", "empty has 1 rows: a picture takes two"},
+      {"k data empty", "empty has neither labels nor classes"},
+      {"k columns {2}", "k has no column 2"},
+      {"fuzzy method rule", "unknown method rule: terms or rules"},
+      {"words", "cannot plot this type of object"},
+  };
+  for (const auto& [what, failure] : cases) {
+    EXPECT_LT(interpreter_.Execute(std::string("plot ") + what + " filename (x.gp)"), 0) << what;
+    EXPECT_EQ(interpreter_.GetError(), failure);
+  }
+  EXPECT_LT(interpreter_.Execute("plot d filename (x.jpg)"), 0);
+  EXPECT_EQ(interpreter_.GetError(), "x.jpg does not end in .svg, .png, .pdf, .txt or .gp");
+  EXPECT_LT(interpreter_.Execute("plot d"), 0);
+  EXPECT_EQ(interpreter_.GetError(), "tag filename not found");
+}
+
+TEST_F(Plot, DrawsNamesAsTheyAreWrittenAndObeysNone) {
+  std::ofstream(Path("bad.csv"))
+      << "\"x'; system \"\"touch pwned\",\"%g_{2} `id` \\\",\"a\nEOD\n\"\n"
+      << "1,2,%d\n3,4,\"\xff\x1b[2J\xe2\x80\xae\"\n5,6," << std::string(10000, 'y') << '\n';
+  Do("load CSV alias bad filename (" + Path("bad.csv") + ") labels {2} outputs {2}");
+  const std::string script = ScriptOf("bad");
+  for (const std::string piece :
+       {"'x''; system \"touch pwned' at", "'%g_{2} `id` \\' at", "title '%d'", "title '? [2J '",
+        "title 'yyyyyyyyyyyyyyyyyyyyyyyyy…'"}) {
+    EXPECT_NE(script.find(piece), script.npos) << piece << '\n' << script;
+  }
+  Do("create MLP alias n inputs 2 layers 2 hidden {} outputs 3 bias on seed 1");
+  EXPECT_NE(ScriptOf("n data bad").find("'%%d' 0"), std::string::npos);  // a tick is a pattern
+  // Data blocks hold numbers alone.
+  std::istringstream lines(script);
+  bool is_data = false;
+  for (std::string line; std::getline(lines, line);) {
+    if (line == "EOD") is_data = false;
+    EXPECT_TRUE(!is_data || line.find_first_not_of("0123456789.e+- ") == line.npos) << line;
+    if (line.ends_with("<< EOD")) is_data = true;
+  }
+}
+
+TEST(Legible, MakesAnyBytesText) {
+  const struct {
+    std::string text, legible;
+  } cases[] = {
+      {"", ""},
+      {"Käfer λ 𝄞", "Käfer λ 𝄞"},
+      {"a\tb\x7f\n", "a b  "},
+      {"\xc3", "?"},
+      {"\xe2\x82", "??"},
+      {"\xc0\xaf\xed\xa0\x80\xf4\x90\x80\x80", "?????????"},  // too long, half a pair, too large
+      {"123456789", "123456789"},
+      {"1234567890", "12345678…"},
+      {"äöüäöüäöüä", "äöüäöüäö…"},
+  };
+  for (const auto& [text, legible] : cases) EXPECT_EQ(Legible(text, 9), legible);
+  EXPECT_EQ(Utf8(Characters("Käfer λ 𝄞")), "Käfer λ 𝄞");
+}
+
+TEST(LargePicture, IsThinnedAndSaysSo) {
+  const auto start = std::chrono::steady_clock::now();
+  constexpr int kRows = 1000000;
+  Data set(kRows, 2, 0, false);
+  for (int n = 0; n < kRows; ++n) set.AddRow(std::vector{1.0 * n, 1.0 * (n % 7)}, {});
+  TKohonenNetwork map(2, {1000, 1000});
+  for (std::size_t i = 0; i < map.Prototypes().size(); ++i)
+    map.Prototypes()[i] = static_cast<double>(i % 13);
+  for (const auto& [picture, title] :
+       {std::pair(ScatterPicture("d", set, 0, 1), "d, every 250th of 1000000 rows"),
+        std::pair(DistributionPicture("d", set, 1), "d"),
+        std::pair(DistancesPicture("k", map, nullptr), "Distances on k, means of 8 x 8 cells")}) {
+    EXPECT_EQ(picture.title, title);
+    EXPECT_LT(GnuplotScript(picture, TPictureFormat::kSvg).size(), std::size_t{2000000});
+    EXPECT_LT(DrawText(picture, 80, TCharacters::kUnicode).size(), std::size_t{20000});
+  }
+  EXPECT_EQ(DistributionPicture("d", set, 1).panels[0].series[0].points[1].y, 142858);
+  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+}
+
+TEST(TextPicture, DrawsCurvesMarksAndCells) {
+  TPanel panel;
+  panel.x = {"epoch", 0, 10, false, {}};
+  panel.y = {"error", 0.01, 10, true, {}};
+  panel.series = {{"a", TStroke::kLine, 0, {{0, 10}, {10, 0.01}}},
+                  {"b", TStroke::kPoints, 1, {{5, 10}}}};
+  panel.heads = {{9, "end", true}};
+  EXPECT_EQ(DrawText({"T", {panel}}, 40, TCharacters::kAscii),
+            "T\n\n"
+            "     error\n"
+            "                                  end\n"
+            "     |'--.            x            :\n"
+            "     |    '--.                     :\n"
+            "    1+        '---.                :\n"
+            "     |            '---.            :\n"
+            "     |                '---.        :\n"
+            "     |                    '---.    :\n"
+            "     |                         '--.:\n"
+            " 0.01+                             :--.\n"
+            "     ++---------------+---------------+\n"
+            "      0               5              10\n"
+            "                    epoch\n"
+            "  -- a   x b\n");
+}
+
+}  // namespace
+}  // namespace kiln
