@@ -27,12 +27,25 @@ TCharacter First(std::string_view text) {
   return {bytes, wcwidth(character)};
 }
 
+// Zeros where it is not known.
+winsize SizeOf(int descriptor) {
+  winsize size = {};
+  ioctl(descriptor, TIOCGWINSZ, &size);
+  return size;
+}
+
 }  // namespace
 
 std::size_t Columns(int descriptor) {
-  winsize size = {};
   constexpr std::size_t kUsual = 80;
-  return ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : kUsual;
+  const std::size_t columns = SizeOf(descriptor).ws_col;
+  return columns > 0 ? columns : kUsual;
+}
+
+std::size_t Lines(int descriptor) {
+  constexpr std::size_t kUsual = 24;
+  const std::size_t lines = SizeOf(descriptor).ws_row;
+  return lines > 0 ? lines : kUsual;
 }
 
 bool HasUnicode() {

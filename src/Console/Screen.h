@@ -10,6 +10,9 @@ namespace kiln::Screen {
 // The columns of the terminal on the descriptor; 80 where it does not tell.
 std::size_t Columns(int descriptor);
 
+// Its lines, likewise; 24.
+std::size_t Lines(int descriptor);
+
 // Whether the user's locale is one of UTF-8, be it installed here or not.
 bool HasUnicode();
 

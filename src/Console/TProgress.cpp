@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 
@@ -18,6 +19,7 @@ namespace {
 constexpr auto kPatience = std::chrono::milliseconds(500);
 constexpr auto kRepeat = std::chrono::milliseconds(100);
 constexpr char kEraseLine[] = "\r\033[K";
+constexpr char kEraseBelow[] = "\r\033[J";  // this line and all below
 
 // They shall interrupt the thread that works.
 template <typename TFunction>
@@ -37,6 +39,11 @@ std::string Duration(double seconds) {
 
 double SecondsSince(std::chrono::steady_clock::time_point start) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+// What cannot be drawn is not missed.
+void Write(int descriptor, std::string_view text) {
+  [[maybe_unused]] const ssize_t written = write(descriptor, text.data(), text.size());
 }
 
 }  // namespace
@@ -89,6 +96,8 @@ void TProgress::StartLine(std::string_view line) {
   line_.assign(line.substr(0, kEnough));
   line_start_ = TClock::now();
   done_ = 0;
+  is_watched_ = TCommandLine(line_).BooleanOfTag("watch").value;
+  curve_.Clear();
 }
 
 void TProgress::Work() {
@@ -99,6 +108,7 @@ void TProgress::Work() {
       continue;
     }
     changed_.wait_for(lock, kRepeat);
+    curve_.Add(done_.load(std::memory_order_relaxed), error_.load(std::memory_order_relaxed));
     if (is_running_ && TClock::now() - command_start_ >= kPatience) Draw();
   }
 }
@@ -135,16 +145,38 @@ std::string TProgress::Text(std::size_t columns) const {
 
 void TProgress::Draw() {
   const std::size_t columns = Screen::Columns(descriptor_) - 1;
-  const std::string text = kEraseLine + std::string(Screen::Fitting(Text(columns), columns));
+  std::string text = kEraseLine + std::string(Screen::Fitting(Text(columns), columns));
+  if (is_watched_) text += Curve(columns);
   is_drawn_ = true;
-  // What cannot be drawn is not missed.
-  [[maybe_unused]] const ssize_t written = write(descriptor_, text.data(), text.size());
+  Write(descriptor_, text);
+}
+
+// What draws the curve on the lines below and comes back to this one; nothing between its seconds.
+std::string TProgress::Curve(std::size_t columns) {
+  constexpr auto kPause = std::chrono::seconds(1);
+  constexpr std::size_t kHighest = 14;
+  constexpr std::size_t kOthers = 2;  // lines of the terminal that stay free
+  if (TClock::now() - curve_drawn_ < kPause) return {};
+  const std::size_t lines =
+      std::min(std::max(Screen::Lines(descriptor_), kOthers) - kOthers, kHighest);
+  const std::string drawing = curve_.Draw(columns, lines);
+  if (drawing.empty()) return {};
+  curve_drawn_ = TClock::now();
+  std::string text = "\r\n\033[K";
+  for (const char c : drawing.substr(0, drawing.size() - 1)) {
+    if (c == '\n')
+      text += "\r\n\033[K";
+    else
+      text += c;
+  }
+  return text + "\r\033[" + std::to_string(lines) + "A";
 }
 
 void TProgress::Erase() {
   if (!is_drawn_) return;
   is_drawn_ = false;
-  [[maybe_unused]] const ssize_t written = write(descriptor_, kEraseLine, sizeof kEraseLine - 1);
+  Write(descriptor_, curve_drawn_ == TClock::time_point() ? kEraseLine : kEraseBelow);
+  curve_drawn_ = {};
 }
 
 }  // namespace kiln

@@ -10,11 +10,14 @@
 #include <string_view>
 #include <thread>
 
+#include "Console/TErrorCurve.h"
+
 namespace kiln {
 
 // Shows on a terminal how far a command has come: one line, from half a second on, written anew ten
-// times a second and gone at the end. A thread of its own draws it, so that whoever works has
-// nothing to do but to store where he stands.
+// times a second and gone at the end; beneath it, where a training is to be watched, the curve of
+// its errors, drawn once a second. A thread of its own draws it, so that whoever works has nothing
+// to do but to store where he stands.
 class TProgress {
  public:
   // Draws on an open descriptor of a terminal, which stays its owner's.
@@ -48,6 +51,7 @@ class TProgress {
   std::string Place(std::size_t columns) const;
   std::string Text(std::size_t columns) const;
   void Draw();
+  std::string Curve(std::size_t columns);
   void Erase();
 
   const int descriptor_;
@@ -59,6 +63,9 @@ class TProgress {
   bool is_running_ = false;  // a command
   bool is_ending_ = false;   // the thread
   bool is_drawn_ = false;
+  bool is_watched_ = false;  // the line wants a curve
+  TErrorCurve curve_;
+  TClock::time_point curve_drawn_;  // never where there is none to be seen
   TClock::time_point command_start_;
   TClock::time_point line_start_;
   std::string line_;              // that is carried out

@@ -143,6 +143,12 @@ TReading<bool> TCommandLine::Boolean(std::string_view tag) const {
   return ToBoolean(word.value);
 }
 
+TReading<bool> TCommandLine::BooleanOfTag(std::string_view tag) const {
+  const TReading<std::string_view> word = WordOfTag(tag);
+  if (word.code != TReadCode::kRead) return {word.code, false};
+  return ToBoolean(word.value);
+}
+
 TReading<std::int64_t> TCommandLine::Long(std::string_view tag) const {
   const TReading<std::string_view> word = Word(tag);
   return {word.code, ToLong(word.value)};

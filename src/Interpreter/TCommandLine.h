@@ -64,6 +64,7 @@ class TCommandLine {
   // The same for a tag that may be an alias as well: an occurrence that is the value of a tag which
   // takes an alias does not count.
   TReading<std::string_view> WordOfTag(std::string_view tag) const;
+  TReading<bool> BooleanOfTag(std::string_view tag) const;
 
   // "true" or "on", "false" or "off", in any case.
   TReading<bool> Boolean(std::string_view tag) const;

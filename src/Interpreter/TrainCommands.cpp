@@ -105,6 +105,9 @@ TAnswer Train(TInterpreter& interpreter, const TCommandLine& line) {
   const std::string_view set_alias = RequiredAlias(line, "data");
   const auto set = RequiredObject<Data>(interpreter, set_alias, " is not of type data");
   CheckFiniteTags(line);
+  if (line.BooleanOfTag("watch").code == TReadCode::kNotABoolean) {
+    Fail("bad argument to tag watch");
+  }
   TAnswer answer =
       train(line, {alias, trainer, set_alias, *set, interpreter.Observer(), interpreter});
   set->ResetCursor();
@@ -133,6 +136,10 @@ const TForm& FormByTrainer(const TCommand& command, const TInterpreter& interpre
 
 constexpr TTag kTrainerTag = {"alias", kAlias, "the trainer"};
 constexpr TTag kDataTag = TTag{"data", kAlias, "the data set to be learned"}.Of("Data");
+
+// The console reads it too.
+constexpr TTag kWatchTag =
+    TTag{"watch", kBoolean, "whether a terminal shows the curve of the errors"}.Or("off");
 
 constexpr TTag kFreezeTag =
     TTag{"freeze", kWords, "{centres}: those of a fuzzy network stay"}.Or("everything is trained");
@@ -165,6 +172,7 @@ constexpr TTag kGradientTags[] = {
     TTag{"error", kChoice, "what is made small"}.Of("meansquare crossentropy").Or("meansquare"),
     kValidationTag,
     kPatienceTag.Or("all epochs are run"),
+    kWatchTag,
     TTag{"terminating", kDouble, "training ends below this error"}.Or("0, never"),
     kFreezeTag,
 };
@@ -184,6 +192,7 @@ constexpr TTag kGeneticTags[] = {
     TTag{"normalisation", kBoolean, "whether fitness is stretched to 0 to 1"}.Or("on"),
     kValidationTag,
     kPatienceTag.Or("all generations are run"),
+    kWatchTag,
     kFreezeTag,
     kSeedTag,
 };
@@ -198,6 +207,7 @@ constexpr TTag kMapTags[] = {
     TTag{"RateFactor", kDouble, "what the rate is multiplied by before each epoch"}.Or(
         "0.01^(1/epochs)"),
     TTag{"RadiusFactor", kDouble, "likewise what a radius has beyond 1"}.Or("0.01^(1/epochs)"),
+    kWatchTag,
 };
 
 constexpr TForm kTrain[] = {

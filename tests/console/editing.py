@@ -72,6 +72,10 @@ def main(program, folder):
     shown = session.read()
     expect(shown, r".*\r\x1b\[Kepoch \d+ of 2000000000   error \S+   \d+ (s|min|h) left.*"
                   r"\r\x1b\[KResult: \S+\n\r?Kiln>>")
+    # So is the curve, when the training is to be watched.
+    session.type("train alias teacher data set1 epochs 2000000000 watch on")
+    session.interrupt(2.2)
+    expect(session.read(), r".* left\r\n\x1b\[K +0?\.?\d*\S*[+|\xe2].*\r\x1b\[14A\r\x1b\[Kepoch.*\r\x1b\[JResult: \S+\n\r?Kiln>>")
     with open("slow.kiln", "w") as script:
         script.write("train alias teacher data set1 epochs $N\n")
     session.type("run filename (slow.kiln)")
