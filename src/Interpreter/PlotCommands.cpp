@@ -17,6 +17,7 @@
 #include "Plot/TermsPicture.h"
 #include "Plot/TextPicture.h"
 #include "RuleObject/TFuzzyRuleSet.h"
+#include "Shared/Ranks.h"
 #include "Shared/Say.h"
 #include "Shared/Text.h"
 #include "Tarn/RuleExtraction/NetworkLabels.h"
@@ -74,7 +75,7 @@ TAnswer Plot(TInterpreter& interpreter, const TCommandLine& line) {
   const std::optional<std::string> path = PicturePath(interpreter, line);
   const TPicture picture = make(interpreter, line, subject);
   if (path) {
-    SaveTo(*path, picture);
+    Ranks::OnFirst([&] { SaveTo(*path, picture); });
   } else {
     const auto [columns, has_unicode] = interpreter.Screen()();
     std::string text =

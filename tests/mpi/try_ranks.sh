@@ -40,6 +40,7 @@ run filename (inner.kiln)
 save Tarn alias best filename (best.net)
 save MLP alias net filename (net.net)
 query history teacher
+plot teacher filename (errors.gp)
 END
 echo 'save Data alias d filename (d.dat)' >inner.kiln
 
@@ -47,10 +48,10 @@ echo 'save Data alias d filename (d.dat)' >inner.kiln
 sed 's/\(action {2}\|crossover 0.6\)$/& seed 5/' session.kiln >seeded.kiln
 mkdir alone
 "$kiln" -j 1 seeded.kiln >alone/answers || fail "the session does not succeed by itself"
-mv best.net net.net d.dat day.log alone
+mv best.net net.net d.dat day.log errors.gp alone
 for number in 1 2 3; do
   ranks $number "$kiln" seeded.kiln >answers 2>errors || fail "$number ranks fail: $(cat errors)"
-  for file in answers best.net net.net d.dat day.log; do
+  for file in answers best.net net.net d.dat day.log errors.gp; do
     cmp "$file" "alone/$file" || fail "$number ranks differ"
   done
   ranks $number "$kiln" -q <session.kiln >answers 2>errors || fail "by the clock: $(cat errors)"
