@@ -83,6 +83,7 @@ TEST(LineCheck, FindsWhatNobodyCanHaveMeant) {
       {"train alias t data d epochs 5 xyz 0.2", "xyz is no tag of train"},
       {"train alias t data d epochs ten", "epochs ten is no whole number"},
       {"train alias t data d epochs 5 LearningRate 0,2", "LearningRate 0,2 is no number"},
+      {"train alias t data d epochs 5 LearningRate 1e400", "LearningRate 1e400 is no number"},
       {"train alias t data d epochs 5 mode bacth", "mode takes pattern or batch"},
       {"train alias t data d epochs 5 epochs 6", "epochs is given twice"},
       {"train alias t data d epochs", "epochs has no value"},

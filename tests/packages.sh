@@ -26,6 +26,9 @@ kiln --help | grep -oE -- '--[a-z]+' | sort -u | while read -r option; do
   zcat "$root/usr/share/man/man1/kiln.1.gz" | sed 's/\\-/-/g' | grep -e "$option" >/dev/null
   grep -q -- "$option" "$root/usr/share/bash-completion/completions/kiln"
 done
+! command -v man >/dev/null || [ -z "$(man --warnings -l "$root/usr/share/man/man1/kiln.1.gz" 2>&1 >/dev/null)" ]
+bash -c '. "$1"; COMP_WORDS=(kiln --str) COMP_CWORD=1; _kiln; [ "${COMPREPLY[*]}" = --strict ]' - \
+  "$root/usr/share/bash-completion/completions/kiln"
 grep -q 'kilnForm.*FuzzyRules' "$root/usr/share/vim/vimfiles/syntax/kiln.vim"
 
 cmake -S "$doc/examples/embed" -B embed -DKiln_DIR="$root/usr/lib/cmake/Kiln" >embed.log 2>&1

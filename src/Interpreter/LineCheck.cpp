@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <numeric>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -14,6 +15,7 @@ namespace kiln {
 
 namespace {
 
+// Whether a word is a number that is neither too large for a double nor too small.
 bool IsNumber(std::string_view word) {
   if (word.starts_with('-') || word.starts_with('+')) word.remove_prefix(1);
   if (word.starts_with('-')) return false;
@@ -22,7 +24,8 @@ bool IsNumber(std::string_view word) {
   const auto format = is_hexadecimal ? std::chars_format::hex : std::chars_format::general;
   double value = 0.0;
   const char* const last = word.data() + word.size();
-  return std::from_chars(word.data(), last, value, format).ptr == last && !word.empty();
+  const auto [end, fault] = std::from_chars(word.data(), last, value, format);
+  return fault == std::errc() && end == last;
 }
 
 bool IsBoolean(std::string_view word) {
