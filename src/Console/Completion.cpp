@@ -112,9 +112,7 @@ bool HasFormWords(const TCommand& command) {
 }
 
 void AddFormWords(TChoices& choices, const TCommand& command) {
-  for (const TForm& form : command.forms) {
-    if (!form.word.empty()) choices.Add(form.word);
-  }
+  for (const TForm& form : command.forms) choices.AddAll(form.word);
 }
 
 void AddCommandWords(TChoices& choices) {
@@ -145,6 +143,15 @@ void AddBehind(TChoices& choices, const TInterpreter& interpreter, const TComman
   }
 }
 
+// What may follow "help": a command, and what selects one of its forms.
+void AddTopics(TChoices& choices, const std::vector<std::string_view>& words) {
+  if (words.size() == 1) return AddCommandWords(choices);
+  const TCommand* const command = FindCommand(words[1]);
+  if (!command || words.size() > 2) return;
+  AddFormWords(choices, *command);
+  for (const TForm& form : command->forms) choices.AddAll(form.kinds);
+}
+
 TCompletion CompleteWord(const TInterpreter& interpreter, std::string_view line) {
   const TTyped typed = Split(line);
   TChoices choices(line, typed.last);
@@ -152,13 +159,13 @@ TCompletion CompleteWord(const TInterpreter& interpreter, std::string_view line)
     AddCommandWords(choices);
     return choices.Take();
   }
-  const bool is_help = EqualNoCase(typed.words.front(), "help");
-  if (is_help && typed.words.size() == 1) AddCommandWords(choices);
-  const TCommand* const command = FindCommand(typed.words[is_help && typed.words.size() > 1]);
+  const TCommand* const command = FindCommand(typed.words.front());
   if (!command) return choices.Take();
-  if (typed.words.size() == (is_help ? 2U : 1U) && HasFormWords(*command)) {
+  if (command->word == "help") {
+    AddTopics(choices, typed.words);
+  } else if (typed.words.size() == 1 && HasFormWords(*command)) {
     AddFormWords(choices, *command);
-  } else if (!is_help) {
+  } else {
     for (const TForm* form : FormsOf(*command, interpreter, line)) {
       AddBehind(choices, interpreter, *command, *form, typed.words);
     }

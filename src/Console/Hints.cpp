@@ -46,11 +46,18 @@ std::string OtherWords(const TCommand& command, const TCommandLine& line) {
 // For what follows "help".
 std::string OtherTopic(const TCommandLine& topic) {
   const std::string_view word = topic.CommandWord();
-  if (const TCommand* command = FindCommand(word)) return OtherForm(*command, topic.Arguments());
+  if (word.empty()) return {};
+  if (const TCommand* command = FindCommand(word)) {
+    const std::string_view selector = TCommandLine(topic.Arguments()).CommandWord();
+    const bool is_right = FindNoCase(command->forms, selector, &TForm::word) != nullptr;
+    return is_right ? std::string() : OtherForm(*command, topic.Arguments());
+  }
   for (const TFamily* family : Families()) {
     for (const TCommand& command : family->commands) {
-      if (word.empty() || !FindNoCase(command.forms, word, &TForm::word)) continue;
-      return std::string("did you mean help ").append(command.word).append(" ").append(word) + "?";
+      const TForm* const form = FindNoCase(command.forms, word, &TForm::word);
+      if (form)
+        return "did you mean help " + std::string(command.word).append(" ").append(form->word) +
+               "?";
     }
   }
   return OtherCommand(word);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "DataObject/Data.h"
 #include "Interpreter/Checks.h"
 #include "Interpreter/Commands.h"
@@ -26,8 +28,11 @@ TAnswer Help(TInterpreter& /*interpreter*/, const TCommandLine& line) {
   if (!command) Fail("no help for ", word);
   const std::string_view selector = Selector(topic, word);
   if (selector.empty()) return Describe(*command);
-  const TForm* const form = FindNoCase(command->forms, selector, &TForm::word);
-  if (!form) Fail("no help for ", word, " ", selector);
+  const auto is_meant = [selector](const TForm& form) {
+    return EqualNoCase(form.word, selector) || HasWord(form.kinds, selector);
+  };
+  const auto form = std::ranges::find_if(command->forms, is_meant);
+  if (form == command->forms.end()) Fail("no help for ", word, " ", selector);
   return Describe(*command, *form);
 }
 
@@ -82,7 +87,8 @@ const TForm& StartOrStop(const TCommand& command, const TInterpreter& /*interpre
 }
 
 constexpr TTag kHelpTags[] = {
-    TTag{"help", kPhrase, "a command, and one of its forms: help create MLP"}.Or("all commands"),
+    TTag{"help", kPhrase, "a command, and a form or kind of object: help plot MLP"}.Or(
+        "all commands"),
 };
 constexpr TForm kHelp[] = {
     {"", "tells how commands are typed", "help create MLP", kHelpTags, Help},

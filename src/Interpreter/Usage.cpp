@@ -148,7 +148,7 @@ std::string Describe(const TCommand& command, const TForm& form) {
 std::string Describe(const TCommand& command) {
   if (command.forms.size() == 1) return Describe(command, command.forms.front());
   std::string text = std::string(command.word).append(": ").append(command.help);
-  if (command.forms.size() <= kFewForms) {
+  if (command.forms.size() <= kFewForms || command.forms.front().word.empty()) {
     for (const TForm& form : command.forms) text.append("\n\n").append(Describe(command, form));
     return text;
   }

@@ -15,8 +15,8 @@ inline constexpr std::string_view kAtThePrompt =
 // The commands by family, and how to learn more.
 std::string Overview();
 
-// What a command is for, and its forms: all of each where there are few, otherwise their first
-// lines.
+// What a command is for, and its forms: all of each where there are few or where they have no words
+// to ask for them by, otherwise their first lines.
 std::string Describe(const TCommand& command);
 
 // How a form is typed, what its tags mean and an example.

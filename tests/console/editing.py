@@ -29,7 +29,7 @@ def main(program, folder):
     expect(session.say("help destroy"), "Result: destroys an object\ndestroy NAME\n.*example: destroy net\n")
     for line, answer in (
             ("CREATE Data", "\x1b[31mError:\x1b[0m unknown argument to create\ndid you mean create?\n"),
-            ("help mlp", "\x1b[31mError:\x1b[0m no help for mlp\ndid you mean help create mlp?\n"),
+            ("help mlp", "\x1b[31mError:\x1b[0m no help for mlp\ndid you mean help create MLP?\n"),
             ("creat Data", "\x1b[31mError:\x1b[0m Unknown command\ndid you mean create?\n"),
             ("create mpl", "\x1b[31mError:\x1b[0m unknown argument to create\ndid you mean MLP?\n"),
             (NETWORK, "OK\n"),
