@@ -129,7 +129,7 @@ void AddGrowthRows(TReport& report, const TScratch& scratch) {
   const auto by_batch = [](const TPerceptronTask& task) { return PerceptronTraining(task, true); };
   AddWeightRows(report, "growth, a weight trained by pattern", by_pattern);
   AddWeightRows(report, "growth, a weight trained by batch", by_batch);
-  AddWeightRows(report, "growth, a weight in recall", Recall);
+  AddWeightRows(report, "growth, a weight in recall", PerceptronRecall);
   AddAppendRows(report, scratch);
   AddObjectRows(report);
 }

@@ -29,12 +29,16 @@ TWork PerceptronTraining(const TPerceptronTask& task, bool batch) {
   return Training(std::make_shared<TBackpropModule>(task.network), task.data, batch);
 }
 
-TWork Recall(const TPerceptronTask& task) {
-  return [&task](int passes) {
+TWork Recall(std::shared_ptr<TBasicNetwork> network, const Data& data) {
+  return [network = std::move(network), &data](int passes) {
     return SecondsOf([&] {
-      for (int n = 0; n < passes; ++n) task.network->RecallOutputOnly(&task.data);
+      for (int n = 0; n < passes; ++n) network->RecallOutputOnly(&data);
     });
   };
+}
+
+TWork PerceptronRecall(const TPerceptronTask& task) {
+  return Recall(task.network, task.data);
 }
 
 }  // namespace kiln

@@ -15,6 +15,7 @@ TWork Training(std::shared_ptr<TTrainModule> trainer, const Data& data, bool bat
 TWork PerceptronTraining(const TPerceptronTask& task, bool batch);
 
 // A pass recalls the whole set into a new one of outputs.
-TWork Recall(const TPerceptronTask& task);
+TWork Recall(std::shared_ptr<TBasicNetwork> network, const Data& data);
+TWork PerceptronRecall(const TPerceptronTask& task);
 
 }  // namespace kiln

@@ -66,23 +66,44 @@ void AddBatchRows(TReport& report, const TScratch& scratch) {
   }
 }
 
-// 609 weights. The perceptron beside it has 607, in as many layers that learn.
-void AddTarnRow(TReport& report) {
-  const std::string work = "training a Tarn by pattern, 5×4-20-3×3";
-  if (!report.Wants(work)) return;
-  const TPerceptronTask task({4, 20, 21, 3}, kPatterns);
-  const auto tarn = std::make_shared<TTarn>(std::array{5, 5, 5, 5}, 20, std::array{3, 3, 3});
-  tarn->InitWeights(-0.5, 0.5);
-  report.AddComparison(work, Training(std::make_shared<TTarnBP>(tarn), task.data, false),
-                       "FANN, " + task.Shape(), FannPatternTraining(task), kPatterns, 1.0);
-}
+// A Tarn of 609 weights. The perceptron beside it has 607, in as many layers that learn.
+class TTarnTask {
+ public:
+  TTarnTask() : perceptron_({4, 20, 21, 3}, kPatterns) { tarn_->InitWeights(-0.5, 0.5); }
+
+  void AddTraining(TReport& report) const {
+    const TWork by_pattern = Training(std::make_shared<TTarnBP>(tarn_), perceptron_.data, false);
+    Add(report, "training a Tarn by pattern", by_pattern, "FANN", FannPatternTraining(perceptron_),
+        1.0);
+    const TWork by_batch = Training(std::make_shared<TTarnBP>(tarn_), perceptron_.data, true);
+    Add(report, "training a Tarn by batch", by_batch, "Kiln", PerceptronTraining(perceptron_, true),
+        0.8);
+  }
+
+  void AddRecall(TReport& report) const {
+    Add(report, "recall of a set, a Tarn", Recall(tarn_, perceptron_.data), "Kiln",
+        PerceptronRecall(perceptron_), 0.8);
+  }
+
+ private:
+  void Add(TReport& report, const std::string& work, const TWork& tarn, const std::string& peer,
+           const TWork& perceptron, double goal) const {
+    const std::string row = work + ", 5×4-20-3×3";
+    if (!report.Wants(row)) return;
+    report.AddComparison(row, tarn, peer + ", " + perceptron_.Shape(), perceptron, kPatterns, goal);
+  }
+
+  TPerceptronTask perceptron_;
+  std::shared_ptr<TTarn> tarn_ =
+      std::make_shared<TTarn>(std::array{5, 5, 5, 5}, 20, std::array{3, 3, 3});
+};
 
 }  // namespace
 
 void AddTrainingRows(TReport& report, const TScratch& scratch) {
   AddPatternRows(report);
   AddBatchRows(report, scratch);
-  AddTarnRow(report);
+  TTarnTask().AddTraining(report);
 }
 
 void AddRecallRows(TReport& report) {
@@ -95,8 +116,10 @@ void AddRecallRows(TReport& report) {
     const TPerceptronTask task(shape.sizes, kPatterns);
     const std::string work = "recall of a set, " + task.Shape();
     if (!report.Wants(work)) continue;
-    report.AddComparison(work, Recall(task), "FANN", FannRecall(task), kPatterns, shape.goal);
+    report.AddComparison(work, PerceptronRecall(task), "FANN", FannRecall(task), kPatterns,
+                         shape.goal);
   }
+  TTarnTask().AddRecall(report);
 }
 
 }  // namespace kiln

@@ -9,6 +9,7 @@
 
 #include "KQmessage/TKQstructure.h"
 #include "Networks.h"
+#include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TIterateObjFlags.h"
 #include "NeuralNets/TIterateObjWeights.h"
 #include "Tarn/Centres.h"
@@ -84,7 +85,8 @@ TValues SlowRecall(const TTarn& tarn, std::span<const double> inputs) {
 
 TEST(TTarnTest, RecallsAsTheFormulasSay) {
   Random::Seed(3);
-  for (int n = 0; n < 50; ++n) {
+  for (int n = 0; n < 51; ++n) {
+    ForceKernels(static_cast<TKernelLevel>(n / 17));
     const auto tarn = MakeTarn(1 + n % 3, 1 + n % 2);
     TValues centres = tarn->GetWeightLayer(1);
     if (n % 5 == 0) std::ranges::reverse(centres);  // they need not ascend
@@ -265,9 +267,10 @@ struct TSettings {
 // All changes agree to a millionth of the learning rate, and so do all derivatives.
 TEST(TTarnBPTest, DescendsTheGradientOfEveryWeight) {
   Random::Seed(21);
-  const TSettings kCases[] = {{1e-5, 0.0, 0.0, 5}, {0.5, 0.0, 0.0, 1},   {1e-4, 0.8, 0.0, 1},
-                              {5e-5, 0.7, 0.0, 4}, {1e-4, 0.4, 0.05, 1}, {0.1, 0.0, 0.05, 3}};
+  const TSettings kCases[] = {{1e-5, 0.0, 0.0, 37}, {0.5, 0.0, 0.0, 1},   {1e-4, 0.8, 0.0, 1},
+                              {5e-5, 0.7, 0.0, 4},  {1e-4, 0.4, 0.05, 1}, {0.1, 0.0, 0.05, 3}};
   for (int n = 0; n < 60; ++n) {
+    ForceKernels(static_cast<TKernelLevel>(n / 20));
     const TSettings& s = kCases[n % 6];
     const auto tarn = MakeTarn(1 + n % 3, 1 + n % 2);
     std::vector<TMask> flags(tarn->GetNumWeights(FMaskAll));

@@ -9,8 +9,6 @@
 
 namespace kiln {
 
-namespace {
-
 // Kinds are compared exactly: one that is derived from these may compute something else.
 bool IsPlainLayer(const TBasicNetwork& network, std::size_t index) {
   const TBasicLayer& layer = network.Layer(index);
@@ -19,8 +17,6 @@ bool IsPlainLayer(const TBasicNetwork& network, std::size_t index) {
   }
   return typeid(layer) == typeid(TSimpleLayer) || typeid(layer) == typeid(TGainLayer);
 }
-
-}  // namespace
 
 bool IsFeedForward(const TBasicNetwork& network) {
   for (std::size_t layer = 0; layer < network.NumLayers(); ++layer) {

@@ -1,11 +1,17 @@
 #pragma once
 
+#include <cstddef>
+
 namespace kiln {
 
 class TBasicNetwork;
 
 // Whether every block leads from a layer to a later one, so that no output outlives its pattern.
 bool IsFeedForward(const TBasicNetwork& network);
+
+// Whether a layer of the network is the input layer, or passes weighted sums of others through
+// activation functions, and does nothing else.
+bool IsPlainLayer(const TBasicNetwork& network, std::size_t index);
 
 // Whether the network is feed-forward and every layer but the input layer passes weighted sums of
 // lower layers through activation functions, and does nothing else. How such a network computes can

@@ -40,6 +40,10 @@ void TBasicLayer::Activate() {
   for (std::size_t i = 0; i < neurons_.size(); ++i) neurons_[i]->Activate(net_inputs_[i]);
 }
 
+void TBasicLayer::ComputeBlock(std::span<const double>, std::span<double>, const TBlockShape&) {
+  AssertFalse("NeuralNets/TBasicLayer");
+}
+
 void TBasicLayer::Attach(TBasicNetwork& network, std::size_t index) {
   network_ = &network;
   index_ = index;

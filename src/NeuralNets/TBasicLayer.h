@@ -12,6 +12,13 @@ namespace kiln {
 
 class TBasicNetwork;
 
+// How the values of a layer for several patterns stand: a row of `stride` places for each neuron,
+// of which the first `count` hold values; there is room for PaddedSize of them.
+struct TBlockShape {
+  std::size_t stride;
+  std::size_t count;
+};
+
 // A layer of neurons with one row of net inputs and one row of outputs, both contiguous. The
 // outputs keep the values of the last recall. Kinds of layers differ in how they compute their
 // outputs and in which neurons they hold.
@@ -31,6 +38,17 @@ class TBasicLayer {
   // Computes the outputs, given the outputs of the other layers and, for the input layer, the
   // pattern. REQUIRES: in a network; the input layer has a neuron for each value of `pattern`.
   virtual void Compute(std::span<const double> pattern) = 0;
+
+  // Whether ComputeBlock computes what Compute does: only in layers that compute something else
+  // than activation functions of weighted sums, and then where they are connected as they should
+  // be.
+  virtual bool ComputesBlocks() const { return false; }
+
+  // Computes the outputs for several patterns, given those of the one layer that leads here; those
+  // that the layer keeps are left alone. Throws as Compute does, for the first pattern that makes
+  // it. REQUIRES: ComputesBlocks(), and values of this shape.
+  virtual void ComputeBlock(std::span<const double> inputs, std::span<double> outputs,
+                            const TBlockShape& shape);
 
   virtual std::string_view KindName() const { return "Basic"; }
 

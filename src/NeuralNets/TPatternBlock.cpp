@@ -30,14 +30,20 @@ std::size_t PatternsFor(const TBasicNetwork& network, std::size_t most) {
   return is_large && most > kFew ? kMany : kFew;
 }
 
+// Whether a layer passes sums over all neurons of the layers that lead to it through functions.
+bool IsWholeAndPlain(const TBasicNetwork& network, std::size_t to) {
+  const auto is_complete = [&](std::size_t from) {
+    return network.Connections(to, from).IsComplete();
+  };
+  return IsPlainLayer(network, to) && std::ranges::all_of(network.Sources(to), is_complete);
+}
+
 }  // namespace
 
 bool TPatternBlock::Fits(const TBasicNetwork& network) {
-  if (network.GetNumNeurons() > kMaxNeurons || !IsPlain(network)) return false;
+  if (network.GetNumNeurons() > kMaxNeurons || !IsFeedForward(network)) return false;
   for (std::size_t to = 0; to < network.NumLayers(); ++to) {
-    for (const std::size_t from : network.Sources(to)) {
-      if (!network.Connections(to, from).IsComplete()) return false;
-    }
+    if (!network.Layer(to).ComputesBlocks() && !IsWholeAndPlain(network, to)) return false;
   }
   return true;
 }
@@ -81,6 +87,10 @@ void TPatternBlock::SetInputs(const Data& data, int first) {
 }
 
 void TPatternBlock::Compute(std::size_t layer) {
+  if (network_.Layer(layer).ComputesBlocks()) {
+    const std::size_t from = network_.Sources(layer).front();
+    return network_.Layer(layer).ComputeBlock(outputs_[from], outputs_[layer], Shape());
+  }
   const std::size_t neurons = network_.Layer(layer).NumNeurons();
   std::fill_n(net_inputs_.begin(), neurons * patterns_, 0.0);
   for (const std::size_t from : network_.Sources(layer)) {

@@ -26,8 +26,9 @@ class TPatternBlock {
   // pattern by pattern.
   static constexpr int kMaxNeurons = 1 << 17;
 
-  // Whether a network can be recalled in this way: it is plain, has at most kMaxNeurons, and no
-  // connection is absent.
+  // Whether a network can be recalled in this way: it is feed-forward and has at most kMaxNeurons,
+  // and each of its layers either is plain, with no connection absent, or computes blocks by
+  // itself.
   static bool Fits(const TBasicNetwork& network);
 
   // A block for recalls of `most` patterns at a time or fewer; of more it takes the first ones.
@@ -45,6 +46,8 @@ class TPatternBlock {
   // How many patterns the last call recalled, and that number rounded up to whole registers.
   std::size_t Count() const { return count_; }
   std::size_t Width() const;
+
+  TBlockShape Shape() const { return {patterns_, count_}; }
 
   // neurons x Patterns(). In each row the first Count() places hold the outputs for the patterns;
   // the others are of no use.

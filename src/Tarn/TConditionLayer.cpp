@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
@@ -59,6 +60,20 @@ void TConditionLayer::Activate() {
   });
 }
 
+bool TConditionLayer::ComputesBlocks() const {
+  return GetActivation() == ActTarnCondition && IsJoinedBy(TToConditionConnections::kKindName);
+}
+
+void TConditionLayer::ComputeBlock(std::span<const double> inputs, std::span<double> outputs,
+                                   const TBlockShape& shape) {
+  const std::span<const double> centres = Centres();
+  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
+    const std::size_t first = Groups().First(i);
+    Kernels().memberships(&centres[first], Groups().Count(i), &inputs[i * shape.stride],
+                          shape.count, &outputs[first * shape.stride], shape.stride);
+  }
+}
+
 std::unique_ptr<TBasicLayer> TConditionLayer::Clone() const {
   return std::make_unique<TConditionLayer>(*this);
 }
@@ -78,6 +93,18 @@ void TConditionLayer::AddGradients(std::span<const double> errors,
       AddCentreGradients(centres, k, x, errors[first + k], own);
     }
   });
+}
+
+void TConditionLayer::AddBlockGradients(std::span<const double> inputs,
+                                        std::span<const double> errors, const TBlockShape& shape,
+                                        std::span<double> gradients) const {
+  const std::span<const double> centres = Centres();
+  for (std::size_t i = 0; i < Groups().NumVariables(); ++i) {
+    const std::size_t first = Groups().First(i);
+    Kernels().add_centre_gradients(&centres[first], Groups().Count(i), &inputs[i * shape.stride],
+                                   shape.count, &errors[first * shape.stride], shape.stride,
+                                   &gradients[first]);
+  }
 }
 
 std::span<const double> TConditionLayer::Centres() const {

@@ -19,6 +19,9 @@ class TConditionLayer : public TFuzzyLayer {
 
   void Compute(std::span<const double> pattern) override;
   void Activate() override;
+  bool ComputesBlocks() const override;
+  void ComputeBlock(std::span<const double> inputs, std::span<double> outputs,
+                    const TBlockShape& shape) override;
   std::string_view KindName() const override { return "FuzzyCondition"; }
   std::unique_ptr<TBasicLayer> Clone() const override;
 
@@ -30,6 +33,10 @@ class TConditionLayer : public TFuzzyLayer {
   // Adds to `gradients` the derivative of an error by each centre, at the net inputs of the last
   // recall, given its derivative by each output. REQUIRES: both have a value for each neuron.
   void AddGradients(std::span<const double> errors, std::span<double> gradients) const;
+
+  // The same for several patterns, whose inputs are given; errors behind the last pattern are 0.
+  void AddBlockGradients(std::span<const double> inputs, std::span<const double> errors,
+                         const TBlockShape& shape, std::span<double> gradients) const;
 
  private:
   explicit TConditionLayer(const TMFGroups& groups);

@@ -5,12 +5,14 @@
 
 namespace kiln {
 
-std::size_t TFuzzyLayer::SourceLayer(std::string_view kind) const {
+bool TFuzzyLayer::IsJoinedBy(std::string_view kind) const {
   const auto sources = Network().Sources(Index());
-  const bool is_joined =
-      sources.size() == 1 && Network().Connections(Index(), sources.front()).KindName() == kind;
-  Assert(is_joined, "attached");
-  return sources.front();
+  return sources.size() == 1 && Network().Connections(Index(), sources.front()).KindName() == kind;
+}
+
+std::size_t TFuzzyLayer::SourceLayer(std::string_view kind) const {
+  Assert(IsJoinedBy(kind), "attached");
+  return Network().Sources(Index()).front();
 }
 
 }  // namespace kiln

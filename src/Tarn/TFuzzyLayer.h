@@ -26,6 +26,9 @@ class TFuzzyLayer : public TBasicLayer {
   // Sets the groups after SetMFCounts has checked the counts.
   void SetGroups(TMFGroups groups) { groups_ = std::move(groups); }
 
+  // Whether one block leads here, of the given kind.
+  bool IsJoinedBy(std::string_view kind) const;
+
   // The layer at the other end of the one block that leads here, which must be of the given kind:
   // in a file anything may be connected with this layer. Throws TAssertion otherwise.
   std::size_t SourceLayer(std::string_view kind) const;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "Tarn/TTarnBlockPass.h"
 #include "Tarn/TTarnLevenberg.h"
 #include "Tarn/TTarnPass.h"
 
@@ -17,6 +18,7 @@ void TTarnBP::CheckLayers(const TTrainRun& run) const {
 std::unique_ptr<TTrainPass> TTarnBP::MakePass(TTrainState& state, const TTrainRun& run) {
   // A worker's pass makes no steps.
   if (&state == &State()) steps_.emplace(Tarn());
+  if (TBlockPass::Fits(Tarn(), run)) return std::make_unique<TTarnBlockPass>(state, run);
   return std::make_unique<TTarnPass>(state, run, *steps_);
 }
 

@@ -5,6 +5,7 @@
 #include <numeric>
 #include <string>
 
+#include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/TBasicNetwork.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/Say.h"
@@ -24,6 +25,14 @@ double CentreOfGravity(double numerator, double denominator, std::size_t terms) 
   const double value = numerator / denominator;
   const double rounding = static_cast<double>(terms) * std::numeric_limits<double>::epsilon();
   return value > 1.0 && value <= 1.0 + rounding ? 1.0 : value;
+}
+
+// sums += the sum of rows times factors, for several patterns. Rows stand one after the other, and
+// factors `factor_stride` apart.
+void AddProducts(std::size_t terms, const double* factors, std::size_t factor_stride,
+                 const double* rows, double* sums, const TBlockShape& shape) {
+  Kernels().multiply(1, terms, PaddedSize(shape.count), {factors, 0, factor_stride}, rows,
+                     shape.stride, sums, shape.stride);
 }
 
 void CheckRange(double value) {
@@ -62,6 +71,33 @@ void TTarnOutputLayer::Compute(std::span<const double>) {
     const double value = CentreOfGravity(NetInputs()[t], sums_[t], terms.size());
     CheckRange(value);
     Outputs()[t] = value;
+  }
+}
+
+bool TTarnOutputLayer::ComputesBlocks() const {
+  return IsJoinedBy(TToOutputConnections::kKindName);
+}
+
+void TTarnOutputLayer::ComputeBlock(std::span<const double> actions, std::span<double> outputs,
+                                    const TBlockShape& shape) {
+  const std::size_t source = SourceLayer(TToOutputConnections::kKindName);
+  const std::span<const double> centres = Network().Connections(Index(), source).Weights();
+  const double one = 1.0;
+  block_sums_.assign(outputs.size(), 0.0);
+  std::ranges::fill(outputs, 0.0);
+  for (std::size_t t = 0; t < NumNeurons(); ++t) {
+    const std::size_t first = Groups().First(t);
+    const double* rows = &actions[first * shape.stride];
+    const std::size_t at = t * shape.stride;
+    AddProducts(Groups().Count(t), &one, 0, rows, &block_sums_[at], shape);
+    AddProducts(Groups().Count(t), &centres[first], 1, rows, &outputs[at], shape);
+  }
+  for (std::size_t p = 0; p < shape.count; ++p) {
+    for (std::size_t t = 0; t < NumNeurons(); ++t) {
+      const std::size_t at = t * shape.stride + p;
+      outputs[at] = CentreOfGravity(outputs[at], block_sums_[at], Groups().Count(t));
+      CheckRange(outputs[at]);
+    }
   }
 }
 

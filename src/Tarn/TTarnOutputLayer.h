@@ -25,14 +25,22 @@ class TTarnOutputLayer : public TFuzzyLayer {
   // [0, 1], prints it and throws TAssertion.
   void Compute(std::span<const double> pattern) override;
 
+  bool ComputesBlocks() const override;
+  void ComputeBlock(std::span<const double> actions, std::span<double> outputs,
+                    const TBlockShape& shape) override;
+
   std::string_view KindName() const override { return "Defuzzify"; }
   std::unique_ptr<TBasicLayer> Clone() const override;
 
   // sum(a) of each output in the last recall.
   std::span<const double> Sums() const { return sums_; }
 
+  // The same for each pattern of the last ComputeBlock, in the shape of its outputs.
+  std::span<const double> BlockSums() const { return block_sums_; }
+
  private:
   std::vector<double> sums_;
+  std::vector<double> block_sums_;
 };
 
 }  // namespace kiln

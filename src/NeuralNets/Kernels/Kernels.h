@@ -106,6 +106,20 @@ struct TKernels {
   // y[i] = tanh(x[i]), likewise.
   void (*tanh)(const double* x, double* y, TSize n);
 
+  // Membership function k of a variable is a triangle of height 1 over the centre c[k], whose feet
+  // stand on the centres beside it; the first is 1 below its centre, the last above its own. Here
+  // they meet the values x[i] of n patterns, with room for PaddedSize(n) in x and in each row of y
+  // and e. REQUIRES: at least 2 functions.
+
+  // y[k][i] = the membership of x[i] in function k; the rows of y start y_stride apart.
+  void (*memberships)(const double* c, TSize functions, const double* x, TSize n, double* y,
+                      TSize y_stride);
+
+  // g[k] += the derivative of an error by c[k], where e[j][i] is that by the membership of x[i] in
+  // function j, and 0 behind the last pattern; the rows of e start e_stride apart.
+  void (*add_centre_gradients)(const double* c, TSize functions, const double* x, TSize n,
+                               const double* e, TSize e_stride, double* g);
+
   // The units of a map stand side by side in tiles: element i of the prototype of unit u is
   // t[(u / kTile * columns + i) * kTile + u % kTile]. Places behind the last unit hold NaN.
   static constexpr TSize kTile = 8;

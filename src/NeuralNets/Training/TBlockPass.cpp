@@ -41,14 +41,17 @@ void TBlockPass::RunBlock(const Data& data, int first, int last, TErrorObj& erro
   for (std::vector<double>& errors : errors_) std::ranges::fill(errors, 0.0);
   StartErrors(data, first, error);
   for (std::size_t layer = network_.NumLayers(); layer-- > 0;) {
-    if (errors_[layer].empty()) continue;
-    if (!run_.ErrorsAreDeltas(network_, layer)) {
-      ErrorsToDeltas(network_.Layer(layer), outputs_.Outputs(layer), errors_[layer]);
-    }
-    for (const std::size_t from : network_.Sources(layer)) {
-      AddGradients(layer, from);
-      if (!errors_[from].empty()) Propagate(layer, from);
-    }
+    if (!errors_[layer].empty()) TrainLayer(layer);
+  }
+}
+
+void TBlockPass::TrainLayer(std::size_t layer) {
+  if (!run_.ErrorsAreDeltas(network_, layer)) {
+    ErrorsToDeltas(network_.Layer(layer), outputs_.Outputs(layer), errors_[layer]);
+  }
+  for (const std::size_t from : network_.Sources(layer)) {
+    AddGradients(layer, from);
+    if (!errors_[from].empty()) Propagate(layer, from);
   }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "NeuralNets/TPatternBlock.h"
@@ -11,7 +12,8 @@
 namespace kiln {
 
 // Back-propagation of several patterns at a time: what TLayerwisePass does for each pattern of a
-// batch, as products of matrices (see TPatternBlock).
+// batch, as products of matrices (see TPatternBlock). As it stands it trains layers of weighted
+// sums; a network with other layers derives a pass of its own, which overrides TrainLayer for them.
 class TBlockPass : public TTrainPass {
  public:
   // Whether a network can be trained in this way (see TPatternBlock), and gains by it: batches have
@@ -23,6 +25,18 @@ class TBlockPass : public TTrainPass {
   TBlockPass(TTrainState& state, const TTrainRun& run);
 
   void Run(const Data& data, int first, int last, TErrorObj& error) override;
+
+ protected:
+  // Turns the error terms of a layer into deltas, adds up the gradients of its weights, and adds to
+  // the error terms of the layers below. REQUIRES: a layer that is trained.
+  virtual void TrainLayer(std::size_t layer);
+
+  TTrainState& State() { return state_; }
+  TPatternBlock& Outputs() { return outputs_; }
+
+  // The error terms of a layer that is trained, in the shape of its outputs; 0 behind the last
+  // pattern.
+  std::span<double> Errors(std::size_t layer) { return errors_[layer]; }
 
  private:
   // Takes rows first..last-1, or as many of them as a block takes.
