@@ -40,6 +40,7 @@ TPicture ConfusionPicture(std::string_view network_alias, std::string_view set_a
   const std::size_t count = classes.Classes();
   TPanel panel;
   TGrid grid = {count, count, 1.0, {}, TShading::kUpwards, 0.0, 1.0, ""};
+  constexpr std::size_t kFewClasses = 8;
   int rows = 0;
   int right = 0;
   for (std::size_t expected = 0; expected < count; ++expected) {
@@ -52,6 +53,7 @@ TPicture ConfusionPicture(std::string_view network_alias, std::string_view set_a
     for (std::size_t answered = 0; answered < count; ++answered) {
       const int number = classes.Count(expected, answered);
       grid.values.push_back(all == 0 ? 0.0 : static_cast<double>(number) / all);
+      if (number == 0 && count > kFewClasses) continue;  // a field of zeros says nothing
       panel.notes.push_back(
           {static_cast<double>(answered), static_cast<double>(expected), std::to_string(number)});
     }

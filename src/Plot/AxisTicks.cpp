@@ -36,14 +36,21 @@ std::vector<TTick> Linear(const TAxis& axis, std::size_t most) {
   return ticks;
 }
 
+// Powers of ten; where these are few, 2 and 5 times them too.
 std::vector<TTick> Powers(const TAxis& axis, std::size_t most) {
-  const int first = static_cast<int>(std::ceil(std::log10(axis.lower) - 1e-9));
-  const int last = static_cast<int>(std::floor(std::log10(axis.upper) + 1e-9));
-  const int stride = std::max((last - first) / static_cast<int>(most) + 1, 1);
+  constexpr double kRounding = 1e-9;
+  const int first = static_cast<int>(std::floor(std::log10(axis.lower) + kRounding));
+  const int last = static_cast<int>(std::floor(std::log10(axis.upper) + kRounding));
+  const int stride = std::max((last - first) / static_cast<int>(most), 1);
+  const bool has_few = last - first <= 2;
   std::vector<TTick> ticks;
   for (int power = first; power <= last; power += stride) {
-    const double at = std::pow(10.0, power);
-    ticks.push_back({at, Text(at)});
+    for (const double factor : {1.0, 2.0, 5.0}) {
+      const double at = factor * std::pow(10.0, power);
+      const bool is_inside =
+          at >= axis.lower * (1.0 - kRounding) && at <= axis.upper * (1.0 + kRounding);
+      if (is_inside && (factor == 1.0 || has_few)) ticks.push_back({at, Text(at)});
+    }
   }
   return ticks;
 }

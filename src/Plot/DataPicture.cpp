@@ -12,7 +12,6 @@ namespace kiln {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr std::size_t kMostClasses = 20;  // with a colour and a shape each; the rest are "others"
 
 // A series for each class, or one without a name.
 class TSeriesOfClasses {

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <string_view>
+#include <vector>
 
 #include "Plot/AxisTicks.h"
 #include "Plot/Legible.h"
@@ -95,7 +96,8 @@ class TScript {
         return Add("set terminal pngcairo", size(2.0, 0),
                    " font 'Sans,13' fontscale 1.65 linewidth 2", " pointscale 2");
       case TPictureFormat::kPdf:
-        return Add("set terminal pdfcairo", size(kInch, 4), " font 'Sans,13'");
+        return Add("set terminal pdfcairo", size(kInch, 4),
+                   " font 'Sans,13' fontscale 0.85 linewidth 1.5");
     }
   }
 
@@ -118,19 +120,34 @@ class TScript {
     }
   }
 
+  // gnuplot draws no image of less than two rows or columns: a single one is written twice, each
+  // for half a cell.
   void WriteCells(const std::string& block, const TGrid& grid) {
-    constexpr int kDigits = 4;  // no shade needs more
     Add(block, " << EOD");
     for (std::size_t row = 0; row < grid.rows; ++row) {
-      for (std::size_t column = 0; column < grid.columns; ++column) {
-        // Of cells without a value gnuplot would complain.
-        const double value = grid.values[row * grid.columns + column];
-        const double nothing = grid.shading == TShading::kUpwards ? grid.lower : 0.0;
-        text_ += FormatGeneral(std::isfinite(value) ? value : nothing, kDigits);
-        text_ += column + 1 < grid.columns ? ' ' : '\n';
-      }
+      for (int again = 0; again < (grid.rows == 1 ? 2 : 1); ++again) WriteRow(grid, row);
     }
     Add("EOD");
+  }
+
+  void WriteRow(const TGrid& grid, std::size_t row) {
+    constexpr int kDigits = 4;  // no shade needs more
+    for (std::size_t column = 0; column < grid.columns; ++column) {
+      // Of cells without a value gnuplot would complain.
+      const double value = grid.values[row * grid.columns + column];
+      const double nothing = grid.shading == TShading::kUpwards ? grid.lower : 0.0;
+      const std::string text = FormatGeneral(std::isfinite(value) ? value : nothing, kDigits);
+      text_.append(column > 0 ? " " : "").append(text);
+      if (grid.columns == 1) text_.append(" ").append(text);
+    }
+    text_ += '\n';
+  }
+
+  // Where the middle of a cell stands, by the number of its row or column.
+  static std::string CellPlace(const char* number, std::size_t cells, double step) {
+    if (cells == 1)
+      return std::string("((").append(number).append("-0.5)*").append(Number(step / 2)).append(")");
+    return std::string("(").append(number).append("*").append(Number(step)).append(")");
   }
 
   // --- Panels ------------------------------------------------------------------------------
@@ -144,8 +161,8 @@ class TScript {
   void WritePanel(const TPanel& panel, const TPanelPlace& place, std::size_t number) {
     Add("reset");
     if (number == 0) {
-      Add("set label ", Quoted(picture_.title, TitleRoom()), At(12.0, 20.0),
-          " left font ':Bold,15' textcolor rgb ", kInk);
+      Add("set label ", Quoted(picture_.title, TitleRoom()), At(12.0, 20.0), " left font '",
+          Family(), " Bold,15' textcolor rgb ", kInk);
     }
     Add("set lmargin at screen ", Number(Across(place.left)));
     Add("set rmargin at screen ", Number(Across(place.left + place.width)));
@@ -157,6 +174,8 @@ class TScript {
     if (panel.grid) WriteShades(*panel.grid, ShadesOf(panel), place);
     WritePlot(panel, number);
   }
+
+  const char* Family() const { return format_ == TPictureFormat::kSvg ? "sans-serif" : "Sans"; }
 
   // As many characters as the picture is wide.
   std::size_t TitleRoom() const {
@@ -196,14 +215,23 @@ class TScript {
   }
 
   void WriteTicks(const char* axis, const TAxis& of, double room, const char* manner) {
-    if (of.ticks.empty()) {
-      if (of.is_logarithmic) return;
-      return Add("set ", axis, "tics ", Number(TickStep(of, static_cast<std::size_t>(room))));
-    }
+    const auto most = static_cast<std::size_t>(room);
+    if (of.ticks.empty() && of.is_logarithmic) return WriteNumbers(axis, RoundTicks(of, most));
+    if (of.ticks.empty()) return Add("set ", axis, "tics ", Number(TickStep(of, most)));
     text_.append("set ").append(axis).append("tics scale 0").append(manner).append(" (");
     for (std::size_t i = 0; i < of.ticks.size(); ++i) {
       if (i > 0) text_ += ", ";
       text_.append(QuotedTick(of.ticks[i])).append(" ").append(std::to_string(i));
+    }
+    Add(")");
+  }
+
+  void WriteNumbers(const char* axis, const std::vector<TTick>& ticks) {
+    text_.append("set ").append(axis).append("tics (");
+    const char* between = "";
+    for (const TTick& tick : ticks) {
+      text_.append(between).append("'").append(tick.text).append("' ").append(Number(tick.at));
+      between = ", ";
     }
     Add(")");
   }
@@ -266,7 +294,7 @@ class TScript {
     if (place.has_key_beside) {
       const double scale = panel.grid && !panel.grid->name.empty() ? kScaleWidth : 0.0;
       Add("set key", At(place.left + place.width + scale + 12.0, place.top),
-          " left top vertical Left reverse samplen 1.5 spacing 1.2");
+          " left top vertical Left reverse samplen 1.5 spacing 1");
     } else {
       Add("set key", At(place.left + place.width, place.top - place.heads_height - 4.0),
           " right bottom horizontal Left reverse samplen 2");
@@ -287,7 +315,10 @@ class TScript {
     Add("set colorbox user origin ", Number(Across(place.left + place.width + 12.0)), ", ",
         Number(Up(place.top + place.height)), " size ", Number(Across(10.0)), ", ",
         Number(height / layout_.height), " noborder");
-    Add("set cbtics scale 0 font ',11' offset -0.6,0");
+    constexpr double kHigh = 32.0;  // from number to number
+    const TAxis scale = {"", grid.lower, grid.upper, false, {}};
+    Add("set cbtics ", Number(TickStep(scale, static_cast<std::size_t>(height / kHigh))),
+        " scale 0 font ',11' offset -0.6,0");
     AddLabel(Quoted(grid.name, kLongestTick),
              At(place.left + place.width + 8.0, place.top + place.height + 16.0),
              "left font ',11'");
@@ -299,13 +330,14 @@ class TScript {
     text_ += "plot ";
     const char* between = "";
     if (panel.grid) {
-      const std::string step = Number(panel.grid->step);
+      const TGrid& grid = *panel.grid;
       // Rectangles are sharp in every viewer; beyond some thousands files would grow large.
       constexpr std::size_t kManyCells = 20000;
-      const bool is_small =
-          format_ != TPictureFormat::kPng && panel.grid->values.size() <= kManyCells;
-      text_.append(Block(number)).append(" matrix using ($1*").append(step).append("):($2*");
-      text_.append(step).append("):3 with image").append(is_small ? " pixels" : "");
+      const bool is_small = format_ != TPictureFormat::kPng && grid.values.size() <= kManyCells;
+      text_.append(Block(number)).append(" matrix using ");
+      text_.append(CellPlace("$1", grid.columns, grid.step)).append(":");
+      text_.append(CellPlace("$2", grid.rows, grid.step)).append(":3 with image");
+      if (is_small) text_ += " pixels";
       text_ += " notitle";
       between = ", \\\n  ";
     }

@@ -149,9 +149,11 @@ class TClassMarks {
       panel.notes.push_back({x, y, names_[number]});
       return;
     }
-    while (panel.series.size() < names_.size()) {
+    number = std::min(number, kMostClasses);
+    while (panel.series.size() <= std::min(names_.size() - 1, kMostClasses)) {
+      const std::size_t look = panel.series.size();
       panel.series.push_back(
-          {names_[panel.series.size()], TStroke::kPoints, panel.series.size(), {}});
+          {look == kMostClasses ? "others" : names_[look], TStroke::kPoints, look, {}});
     }
     panel.series[number].points.push_back({x, y});
   }

@@ -12,7 +12,9 @@ namespace {
 
 constexpr std::size_t kHeadRows = 3;
 constexpr std::size_t kLongestHead = 32;
-constexpr double kGap = 8.0;  // between a text and what is next to it
+constexpr double kTickLetterWidth = 8.2;  // in words that must not be cut off
+constexpr double kNumberWidth = 23.0;     // of three digits, which are never turned
+constexpr double kGap = 8.0;              // between a text and what is next to it
 
 std::size_t Length(const std::string& text, std::size_t most) {
   return std::min(Characters(text).size(), most);
@@ -69,7 +71,7 @@ TArea AreaOf(const TPanel& panel, const TPicture& picture) {
   const double largest = std::clamp(word, 64.0, 110.0);
   const double cell = std::clamp(sizes.square / std::max(columns, rows), least, largest);
   // Nothing is so flat or so narrow that it could not be seen.
-  constexpr double kThinnest = 24.0;
+  constexpr double kThinnest = 60.0;
   return {std::max(columns * cell, kThinnest), std::max(rows * cell, kThinnest)};
 }
 
@@ -127,11 +129,12 @@ TNeeds NeedsOf(const TPanel& panel, const TPicture& picture) {
   place.below = kLineHeight;
   place.heads = PlaceHeads(panel, area.width, kLetterWidth);
 
-  place.beside = panel.y.ticks.empty() ? NumberWidth(panel.y)
-                                       : static_cast<double>(LongestTick(panel.y)) * kLetterWidth;
+  place.beside = panel.y.ticks.empty()
+                     ? NumberWidth(panel.y)
+                     : static_cast<double>(LongestTick(panel.y)) * kTickLetterWidth;
   const double x_words = static_cast<double>(LongestTick(panel.x)) * kLetterWidth;
   const double cells = std::max(panel.x.upper - panel.x.lower, 1.0);
-  place.turns_ticks = !panel.x.ticks.empty() && x_words > area.width / cells - kGap;
+  place.turns_ticks = x_words > std::max(area.width / cells - kGap, kNumberWidth);
   if (place.turns_ticks) place.below = x_words;
   place.has_key_beside = static_cast<double>(KeyLength(panel)) * kLetterWidth > area.width;
 
@@ -200,7 +203,9 @@ TPictureLayout LayOut(const TPicture& picture) {
     area.width = std::max(area.width, needs.back().place.width);
     area.height = std::max(area.height, needs.back().place.height);
   }
-  // All panels have the same room, so that their axes stand in line.
+  double title_above = 0.0;
+  for (const TNeeds& each : needs) title_above = std::max(title_above, each.place.title_above);
+  // All panels have the same room, so that their axes and titles stand in line.
   const double across = margins.left + area.width + margins.right;
   const double down = margins.above + area.height + margins.below;
   const std::size_t columns = picture.is_stacked ? 1 : PanelsAcross(needs.size());
@@ -213,6 +218,7 @@ TPictureLayout LayOut(const TPicture& picture) {
     TPanelPlace place = needs[i].place;
     place.left = static_cast<double>(i % columns) * across + margins.left;
     place.top = kTitleHeight + static_cast<double>(i / columns) * down + margins.above;
+    place.title_above = title_above;
     layout.panels.push_back(std::move(place));
   }
   return layout;

@@ -35,6 +35,9 @@ class TSetColumns {
 // single output, which tells two classes, its values. REQUIRES: there are outputs.
 std::vector<std::string> ClassNames(const Data& set);
 
+// Classes that are shown by a colour and a shape each; the rest are "others".
+inline constexpr std::size_t kMostClasses = 16;
+
 // The class of each row: its heaviest label or, in sets without labels, its outputs, where these
 // are classes.
 struct TRowClasses {

@@ -9,6 +9,8 @@
 #include "Membership/TLShoulderTriangularMF.h"
 #include "Membership/TRShoulderTriangularMF.h"
 #include "Membership/TTriangularMF.h"
+#include "Plot/Legible.h"
+#include "Plot/PanelLayout.h"
 
 namespace kiln {
 
@@ -166,14 +168,17 @@ std::vector<TNamedTerm> NamedTerms(const TFuzzyRuleSet& rules) {
   return terms;
 }
 
-// "Wind light".
+// "Wind light", with as much of the variable as there is room for.
 std::string NameOf(const TFuzzyRuleSet& rules, const TTermRow& term) {
+  constexpr std::size_t kLongestTerm = 14;
   const TMFSetList& variables = term.is_output ? rules.Outputs() : rules.Inputs();
   const TBasicMFSet* const set = variables.GetMFSet(term.variable);
   if (!set) return "?";
   const TBasicMF* const mf = term.mf >= 0 ? set->GetMF(term.mf) : nullptr;
-  const std::string name = mf ? mf->Name().value_or(std::to_string(term.mf)) : "?";
-  return set->Name().value_or("") + " " + name;
+  const std::string name =
+      Legible(mf ? mf->Name().value_or(std::to_string(term.mf)) : "?", kLongestTerm);
+  const std::size_t room = kLongestTick - 1 - Characters(name).size();
+  return Legible(set->Name().value_or(""), room) + " " + name;
 }
 
 TGrid EmptyGrid(std::size_t columns, std::size_t rows) {
@@ -230,7 +235,12 @@ TPicture RulesPicture(std::string_view alias, const TFuzzyRuleSet& rules) {
   grid.lower = has_negative ? -grid.upper : 0.0;
   panel.grid = std::move(grid);
   panel.x = {"rule", -0.5, static_cast<double>(columns) - 0.5, false, {}};
-  for (std::size_t i = 0; i < columns; ++i) panel.x.ticks.push_back(std::to_string(i + 1));
+  for (std::size_t i = 1; i <= columns; ++i) {
+    constexpr std::size_t kFew = 9;
+    constexpr std::size_t kEvery = 5;
+    const bool is_told = columns <= kFew || i == 1 || i % kEvery == 0;
+    panel.x.ticks.push_back(is_told ? std::to_string(i) : "");
+  }
   panel.y = {"", -0.5, static_cast<double>(terms.size()) - 0.5, false, {}};
   panel.is_downwards = true;
   for (std::size_t i = 0; i < terms.size(); ++i) {

@@ -21,6 +21,6 @@ bool HasTerms(const TMFSetList& variables);
 TPicture RulesPicture(std::string_view alias, const TFuzzyRuleSet& rules);
 
 inline constexpr std::size_t kMostRules = 120;
-inline constexpr std::size_t kMostTerms = 80;
+inline constexpr std::size_t kMostTerms = 120;
 
 }  // namespace kiln

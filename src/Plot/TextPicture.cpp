@@ -109,6 +109,8 @@ class TTextPanel {
     const int widest = grid.name.empty() ? 12 : has_words ? 3 : 4;
     const int cell = std::clamp(width_ / columns, 1, widest);
     width_ = std::min(width_, columns * cell);
+    constexpr int kNarrow = 3;  // too narrow for a number and a blank
+    shows_notes_ = !grid.name.empty() || cell > kNarrow;
     height_ = has_words ? rows
                         : std::max(1, static_cast<int>(std::lround(0.5 * width_ * rows / columns)));
   }
@@ -158,10 +160,20 @@ class TTextPanel {
   // Texts that would touch the one before are left out.
   void DrawXTicks(TCanvas& canvas, int bottom) const {
     constexpr int kRoom = 12;  // columns for a number
-    constexpr int kLeast = 3;
-    const int cell = panel_.x.ticks.empty() ? 1 : width_ / static_cast<int>(panel_.x.ticks.size());
-    const TTicks ticks = panel_.x.ticks.empty() ? Numbers(panel_.x, width_ / kRoom)
-                                                : Words(panel_.x, std::max(cell - 1, kLeast));
+    if (!panel_.x.ticks.empty()) return DrawWords(canvas, bottom);
+    DrawTicks(canvas, bottom, Numbers(panel_.x, width_ / kRoom));
+  }
+
+  // Words of which too little would be left are not written.
+  void DrawWords(TCanvas& canvas, int bottom) const {
+    const int cell = width_ / static_cast<int>(panel_.x.ticks.size());
+    constexpr int kLeast = 5;
+    const auto is_long = [](const std::string& word) { return word.size() > kLeast - 2; };
+    if (cell < kLeast && std::ranges::any_of(panel_.x.ticks, is_long)) return;
+    DrawTicks(canvas, bottom, Words(panel_.x, std::max(cell - 1, kLeast - 2)));
+  }
+
+  void DrawTicks(TCanvas& canvas, int bottom, const TTicks& ticks) const {
     int free = 0;
     for (const auto& [at, text] : ticks) {
       const int begin = std::min(Column(at) - Size(text) / 2, left_ + 1 + width_ - Size(text));
@@ -198,7 +210,7 @@ class TTextPanel {
   }
 
   void DrawGrid(TCanvas& canvas, const TGrid& grid) const {
-    if (grid.name.empty()) return;  // what shades say is said by notes too
+    if (grid.name.empty() && shows_notes_) return;  // which say what shades would
     for (int line = 0; line < height_; ++line) {
       for (int column = 0; column < width_; ++column) {
         const int grid_line = panel_.is_downwards ? line : height_ - 1 - line;
@@ -207,6 +219,7 @@ class TTextPanel {
         if (level > 0) canvas.Put(left_ + 1 + column, top_ + line, kShades[level]);
       }
     }
+    if (grid.name.empty()) return;
     const double lightest = grid.shading == TShading::kUpwards ? grid.lower : 0.0;
     const std::string scale =
         grid.name + " " + FormatGeneral(lightest, 3) + " ░▒▓█ " + FormatGeneral(grid.upper, 3);
@@ -267,6 +280,7 @@ class TTextPanel {
   }
 
   void DrawNote(TCanvas& canvas, const TNote& note) const {
+    if (!shows_notes_) return;
     const int room = static_cast<int>(width_ / (panel_.x.upper - panel_.x.lower));
     const std::u32string text = Short(note.text, std::max(room - 1, 1));
     if (room < 1 || height_ / (panel_.y.upper - panel_.y.lower) < 0.99) return;
@@ -294,6 +308,7 @@ class TTextPanel {
   int top_ = 0;    // the line of the upper end of it
   int width_ = 0;  // of what stands within the axes
   int height_ = 0;
+  bool shows_notes_ = true;
   std::vector<TPlacedHead> heads_;
 };
 
