@@ -94,12 +94,8 @@ class Data {
   void AddRow(std::span<const double> inputs, std::span<const double> outputs,
               const LabelList* labels = nullptr);
 
-  // Appends a row of zeros at each position, for those who set the values by ValuesAt.
-  // REQUIRES: the set is empty.
-  void AddAllRows();
-
-  // The values at a position, to be set before anybody reads them. Those at several positions may
-  // be set at a time.
+  // The values at a position of an empty set, to be set before AddAllRows makes a row of each
+  // position. Several threads may do so at a time.
   struct RowValues {
     std::span<double> Inputs;
     std::span<double> Outputs;
@@ -107,6 +103,7 @@ class Data {
   RowValues ValuesAt(int position) {
     return {MbrSidInputs.Row(position), MbrSidOutputs.Row(position)};
   }
+  void AddAllRows();
 
   // Appends `count` rows that stand one after the other in each span; `labels`, when not empty, has
   // a list for each. Throws and requires what AddRow does for each row.

@@ -9,6 +9,8 @@
 #include "FileHandler/CsvFile.h"
 #include "FileHandler/CsvScanner.h"
 #include "FileHandler/Syntax/ParseTools.h"
+#include "Shared/Interruption.h"
+#include "Shared/TTeam.h"
 
 namespace kiln::CsvFile {
 
@@ -16,7 +18,8 @@ namespace {
 
 using TKind = TColumn::TKind;
 
-constexpr std::size_t kPieceSize = std::size_t{1} << 22;
+constexpr std::size_t kPieceSize = std::size_t{1} << 18;
+constexpr double kOperationsOfPiece = 2.5e6;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // --- Pieces ----------------------------------------------------------------------------------
@@ -147,12 +150,14 @@ class TPieceReader {
 std::vector<TPiece> ReadPieces(std::string_view text, char separator, std::size_t begin,
                                const TColumns& columns, const Options& options) {
   const TPieceReader reader(text, separator, columns, options.skip_missing);
-  std::vector<TPiece> pieces;
-  while (begin < text.size()) {
-    const std::size_t end = PieceEnd(text, begin, kPieceSize);
-    pieces.push_back(reader.Read(begin, end));
-    begin = end;
-  }
+  std::vector<std::size_t> ends = {begin};
+  while (ends.back() < text.size()) ends.push_back(PieceEnd(text, ends.back(), kPieceSize));
+  std::vector<TPiece> pieces(ends.size() - 1);
+  const std::size_t workers = TTeam::WorkersFor(pieces.size(), kOperationsOfPiece);
+  TTeam::ForEach(pieces.size(), workers, [&](std::size_t i, std::size_t) {
+    Interruption::Check();
+    pieces[i] = reader.Read(ends[i], ends[i + 1]);
+  });
   return pieces;
 }
 

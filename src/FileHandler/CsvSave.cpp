@@ -5,6 +5,7 @@
 #include "FileHandler/CsvFile.h"
 #include "FileHandler/CsvScanner.h"
 #include "FileHandler/Syntax/SafeFile.h"
+#include "FileHandler/Syntax/WriteRows.h"
 #include "Shared/NumberFormat.h"
 
 namespace kiln::CsvFile {
@@ -68,6 +69,16 @@ void EndLine(std::string& line, bool has_label) {
   line += '\n';
 }
 
+void WriteRow(Writer& out, const DataRow& row) {
+  thread_local std::string line;  // keeps its memory from row to row
+  line.clear();
+  AppendValues(line, row.Inputs);
+  AppendValues(line, row.Outputs);
+  if (row.Labels) AppendHeaviest(line, *row.Labels);
+  EndLine(line, row.Labels != nullptr);
+  out.WriteText(line);
+}
+
 void WriteTable(Writer& out, const Data& set) {
   std::string line;
   AppendNames(line, set.Names().Inputs, set.Inputs(), "input");
@@ -75,15 +86,8 @@ void WriteTable(Writer& out, const Data& set) {
   if (set.HasLabels()) line += "label";
   EndLine(line, set.HasLabels());
   out.WriteText(line);
-  for (int n = 0; n < set.DataRows(); ++n) {
-    const DataRow row = set.Row(n);
-    line.clear();
-    AppendValues(line, row.Inputs);
-    AppendValues(line, row.Outputs);
-    if (row.Labels) AppendHeaviest(line, *row.Labels);
-    EndLine(line, set.HasLabels());
-    out.WriteText(line);
-  }
+  FileTools::WriteRows(out, set.DataRows(), set.Inputs() + set.Outputs(),
+                       [&](Writer& rows, int n) { WriteRow(rows, set.Row(n)); });
 }
 
 }  // namespace

@@ -5,10 +5,12 @@
 #include <iterator>
 #include <limits>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <type_traits>
 #include <vector>
 
+#include "FileHandler/NumberTable.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
 #include "Shared/Text.h"
@@ -115,13 +117,77 @@ class RowGroup {
   bool has_labels_;
 };
 
+// Where the numbers of a table go that stand row after row.
+class TNumberPlaces {
+ public:
+  TNumberPlaces(const DataHeader& header, const DataSets& sets) {
+    AddSet(*sets.expected, header.inputs, header.expected_outputs);
+    if (sets.generated) AddSet(*sets.generated, header.generated_outputs, header.errors);
+  }
+
+  std::size_t OfRow() const { return groups_.back().end; }
+
+  // Stores some numbers, from that with this index on.
+  void Take(std::size_t index, std::span<const double> numbers) const {
+    while (!numbers.empty()) {
+      const std::size_t column = index % OfRow();
+      const auto group = std::ranges::upper_bound(groups_, column, {}, &TGroup::end);
+      const std::size_t count = std::min(group->end - column, numbers.size());
+      const Data::RowValues row = group->set->ValuesAt(static_cast<int>(index / OfRow()));
+      const std::span<double> side = row.*group->side;
+      std::ranges::copy(numbers.first(count),
+                        side.end() - std::ssize(side.last(group->end - column)));
+      numbers = numbers.subspan(count);
+      index += count;
+    }
+  }
+
+ private:
+  struct TGroup {
+    Data* set;
+    std::span<double> Data::RowValues::*side;
+    std::size_t end;  // of its columns in a row
+  };
+
+  void AddSet(Data& set, int inputs, int outputs) {
+    const std::size_t before = groups_.empty() ? 0 : OfRow();
+    const std::size_t middle = before + static_cast<std::size_t>(inputs);
+    groups_.push_back({&set, &Data::RowValues::Inputs, middle});
+    groups_.push_back(
+        {&set, &Data::RowValues::Outputs, middle + static_cast<std::size_t>(outputs)});
+  }
+
+  std::vector<TGroup> groups_;
+};
+
+bool HasLabels(const DataHeader& header) {
+  return header.expected_outputs == kLabels || header.generated_outputs == kLabels;
+}
+
+// Reads a table of nothing but numbers, which most are. Returns false, and leaves the reader where
+// it is, where something else stands in it.
+bool ReadAsNumbers(Reader& reader, const DataHeader& header, const DataSets& sets) {
+  if (HasLabels(header)) return false;
+  const TNumberPlaces places(header, sets);
+  const std::size_t count = static_cast<std::size_t>(header.rows) * places.OfRow();
+  if (count == 0) return false;
+  const auto length = ReadNumbers(
+      reader.Rest(), count,
+      [&](std::size_t index, std::span<const double> numbers) { places.Take(index, numbers); });
+  if (!length) return false;
+  reader.Pass(*length);
+  sets.expected->AddAllRows();
+  if (sets.generated) sets.generated->AddAllRows();
+  return true;
+}
+
 DataSets ReadRows(Reader& reader, const DataHeader& header) {
   DataSets sets;
   sets.expected = MakeSet(header.rows, header.inputs, header.expected_outputs);
   if (header.generated_outputs != 0 || header.errors != 0) {
     sets.generated = MakeSet(header.rows, header.generated_outputs, header.errors);
   }
-  if (header.rows == 0) return sets;
+  if (header.rows == 0 || ReadAsNumbers(reader, header, sets)) return sets;
 
   RowGroup inputs(header.inputs);
   RowGroup expected(header.expected_outputs);

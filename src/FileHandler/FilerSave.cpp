@@ -1,9 +1,11 @@
+#include <cstdlib>
 #include <span>
 #include <string_view>
 
 #include "FileHandler/Filer.h"
 #include "FileHandler/Syntax/ParseTools.h"
 #include "FileHandler/Syntax/SafeFile.h"
+#include "FileHandler/Syntax/WriteRows.h"
 #include "FileHandler/Syntax/Writer.h"
 #include "Shared/TException.h"
 
@@ -93,6 +95,12 @@ void CheckLabels(const Data& set) {
   }
 }
 
+// Labels count as one.
+int ValuesOfRow(const DataHeader& header) {
+  return std::abs(header.inputs) + std::abs(header.expected_outputs) +
+         std::abs(header.generated_outputs) + std::abs(header.errors);
+}
+
 void WriteFile(Writer& writer, const Data* expected, const Data* generated) {
   const DataHeader header = MakeHeader(expected, generated);
   writer.WriteFormatVersion();
@@ -100,14 +108,14 @@ void WriteFile(Writer& writer, const Data* expected, const Data* generated) {
   WriteHeader(writer, header);
   writer.WriteNewline();
   writer.WriteStartTag("Data");
-  for (int n = 0; n < header.rows; ++n) {
-    if (expected) WriteRow(writer, expected->Row(n), header.inputs, header.expected_outputs);
+  FileTools::WriteRows(writer, header.rows, ValuesOfRow(header), [&](Writer& out, int n) {
+    if (expected) WriteRow(out, expected->Row(n), header.inputs, header.expected_outputs);
     if (generated) {
-      writer.WriteText(kGap);
-      WriteRow(writer, generated->Row(n), header.generated_outputs, header.errors);
+      out.WriteText(kGap);
+      WriteRow(out, generated->Row(n), header.generated_outputs, header.errors);
     }
-    writer.WriteNewline();
-  }
+    out.WriteNewline();
+  });
   writer.WriteEndTag("Data");
   writer.WriteNewline();
   writer.WriteEndTag("DataSet");

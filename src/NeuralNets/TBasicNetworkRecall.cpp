@@ -50,7 +50,6 @@ std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), in->Inputs(), outputs, false);
   result->SetNames({in->Names().Inputs, OutputNames(*in, NumOutputs())});
-  result->AddAllRows();
   TTeamRecall(*this).ForEachRow(*in,
                                 [&](int n, const DataRow& row, std::span<const double> output) {
                                   Interruption::Check();
@@ -58,6 +57,7 @@ std::unique_ptr<Data> TBasicNetwork::Recall(const Data* in) {
                                   std::ranges::copy(row.Inputs, values.Inputs.begin());
                                   std::ranges::copy(output, values.Outputs.begin());
                                 });
+  result->AddAllRows();
   return result;
 }
 
@@ -71,11 +71,11 @@ std::unique_ptr<Data> TBasicNetwork::RecallOutputOnly(const Data* in) {
   const int outputs = static_cast<int>(NumOutputs());
   auto result = std::make_unique<Data>(in->DataRows(), 0, outputs, false);
   result->SetNames({{}, OutputNames(*in, NumOutputs())});
-  result->AddAllRows();
   TTeamRecall(*this).ForEachRow(*in, [&](int n, const DataRow&, std::span<const double> output) {
     Interruption::Check();
     std::ranges::copy(output, result->ValuesAt(n).Outputs.begin());
   });
+  result->AddAllRows();
   return result;
 }
 

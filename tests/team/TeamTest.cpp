@@ -93,10 +93,13 @@ class SharedWork : public TFileTest {
     say("recall network n input d output o");
     say("query score network n data d");
     say("query history t");
-    for (const std::string& object : {work.kind + " alias n", std::string("Data alias o")}) {
+    for (const std::string& object :
+         {work.kind + " alias n", std::string("CSV alias o"), std::string("Data alias o")}) {
       say("save " + object + " filename (" + path_ + ")");
       all += Contents(path_);
     }
+    say("load Data alias p filename (" + path_ + ")");
+    say("query score network n data p");
     TSession::SetThreads(1);
     return all;
   }

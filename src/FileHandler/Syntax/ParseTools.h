@@ -99,6 +99,11 @@ class Reader {
   // Number of characters not read yet: no more than that many values can follow.
   std::size_t Remaining() const { return text_.size() - position_; }
 
+  // What has not been read yet; and passes over so many characters of it, of which there are
+  // enough.
+  std::string_view Rest() const { return std::string_view(text_).substr(position_); }
+  void Pass(std::size_t characters) { position_ += characters; }
+
   // Throws Error unless `token`, the one just read, is a word.
   void CheckWord(std::string_view token) const;
 

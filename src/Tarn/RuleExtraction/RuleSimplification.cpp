@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "Shared/TException.h"
+#include "Shared/TTeam.h"
 #include "Tarn/RuleExtraction/DegreeFit.h"
 #include "Tarn/RuleExtraction/TRuleModel.h"
 
@@ -48,8 +49,11 @@ void CheckOptions(const TTarn& terms, const TSimplification& options) {
 class TPruning {
  public:
   // REQUIRES: the model outlives the object.
-  TPruning(TRuleModel& model, double tolerance, double error_of_means)
-      : model_(model), tolerance_(tolerance), error_of_means_(error_of_means) {}
+  TPruning(TRuleModel& model, const TRuleTask& task, const TSimplification& options)
+      : model_(model),
+        rows_(options.data.DataRows()),
+        tolerance_(options.tolerance),
+        error_of_means_(task.ErrorOfMeans()) {}
 
   // Takes one part out; false when every one costs more than is tolerated.
   bool Tolerated() {
@@ -81,8 +85,10 @@ class TPruning {
   // The first of equals. The error of each part is a piece of work of its own.
   TTrial LeastMissed(const std::vector<TRuleModel::TPart>& parts) const {
     std::vector<double> errors(parts.size());
-    std::ranges::transform(parts, errors.begin(), [this](const TRuleModel::TPart& part) {
-      return model_.ErrorWithout(part);
+    const double operations = 50.0 * rows_;  // two sigmoids and a few sums for each
+    const std::size_t workers = TTeam::WorkersFor(parts.size(), operations);
+    TTeam::Collect<double>(errors, operations, workers, [&](std::size_t part, std::size_t) {
+      return model_.ErrorWithout(parts[part]);
     });
     const auto least = std::ranges::min_element(errors);
     if (least == errors.end()) return {{}, std::numeric_limits<double>::infinity()};
@@ -96,6 +102,7 @@ class TPruning {
   }
 
   TRuleModel& model_;
+  int rows_;  // of the data set
   double tolerance_;
   double error_of_means_;
   double lowest_ = std::numeric_limits<double>::infinity();
@@ -166,7 +173,7 @@ TFlatRules Simplified(TFlatRules rules, const TTarn& terms, const TSimplificatio
   if (rules.empty()) return rules;
   const TRuleTask task(terms, options.data, rules);
   TRuleModel model(task, std::move(rules));
-  TPruning pruning(model, options.tolerance, task.ErrorOfMeans());
+  TPruning pruning(model, task, options);
   TSimplifier(model, pruning, options).Run();
   return model.Rules();
 }
