@@ -23,6 +23,7 @@ void Measure(int repetitions, const char* filter) {
   AddMapRows(report, scratch);
   AddGeneticRows(report);
   AddFileRows(report, scratch);
+  AddTeamRows(report, scratch);
   AddGrowthRows(report, scratch);
   report.PrintSummary();
 }

@@ -13,6 +13,7 @@ void AddRecallRows(TReport& report);
 void AddMapRows(TReport& report, const TScratch& scratch);
 void AddGeneticRows(TReport& report);
 void AddFileRows(TReport& report, const TScratch& scratch);
+void AddTeamRows(TReport& report, const TScratch& scratch);
 void AddGrowthRows(TReport& report, const TScratch& scratch);
 
 }  // namespace kiln

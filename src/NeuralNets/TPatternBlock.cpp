@@ -6,6 +6,7 @@
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/Kernels/Transpose.h"
 #include "NeuralNets/PlainNetworks.h"
+#include "NeuralNets/TeamProducts.h"
 
 namespace kiln {
 
@@ -96,8 +97,8 @@ void TPatternBlock::Compute(std::size_t layer) {
   for (const std::size_t from : network_.Sources(layer)) {
     const TBasicConnections& block = network_.Connections(layer, from);
     const TMatrixView weights = {block.Weights().data(), block.Columns(), 1};
-    Kernels().multiply(neurons, block.Columns(), Width(), weights, outputs_[from].data(), patterns_,
-                       net_inputs_.data(), patterns_);
+    MultiplyByTeam(neurons, block.Columns(), Width(), weights, outputs_[from].data(), patterns_,
+                   net_inputs_.data(), patterns_);
   }
   Activate(layer);
 }

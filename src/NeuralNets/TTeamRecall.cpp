@@ -16,9 +16,10 @@ constexpr std::size_t kMaxWeights = std::size_t{1} << 20;
 // Whole blocks of patterns that are worth taking a piece for.
 int RowsOfPiece(double operations) {
   constexpr double kOperationsOfPiece = 5e5;
-  constexpr int kMaxBlocks = 512;
-  const double blocks = kOperationsOfPiece / (operations * TPatternBlock::kPatterns);
-  return static_cast<int>(TPatternBlock::kPatterns * std::clamp(blocks, 1.0, 1.0 * kMaxBlocks));
+  constexpr double kBlock = TPatternBlock::kManyPatterns;
+  constexpr double kMaxBlocks = 128.0;
+  return static_cast<int>(kBlock) *
+         static_cast<int>(std::clamp(kOperationsOfPiece / (operations * kBlock), 1.0, kMaxBlocks));
 }
 
 }  // namespace

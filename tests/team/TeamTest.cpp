@@ -128,6 +128,9 @@ TEST_F(SharedWork, IsTheSameForEveryNumberOfWorkers) {
       {"MLP", kPerceptron, "BPTrainer", "epochs 5 mode batch LearningRate 0.001 validation d"},
       {"MLP", kPerceptron, "BPTrainer",
        "epochs 3 method adam batch 530 penalty quadratic decay 1e-4"},
+      {"MLP", "layers 3 hidden {30000} outputs 2 bias true", "BPTrainer", "epochs 1 mode batch"},
+      {"Kohonen", "dimensions 2 mapdim {20, 20}", "KohonenTrainer",
+       "epochs 2 LearningRate 0.1 neighbourhood {4, 4}"},
       {"Tarn", kTarn, "BPTrainer", "epochs 3 method rprop error meansquare"},
   };
   for (const TSharedWork& work : kinds) {

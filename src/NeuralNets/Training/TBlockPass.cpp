@@ -5,6 +5,7 @@
 #include "DataObject/Data.h"
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/Kernels/Transpose.h"
+#include "NeuralNets/TeamProducts.h"
 #include "NeuralNets/Training/ActDerivatives.h"
 #include "NeuralNets/Training/TPatternEnds.h"
 
@@ -75,16 +76,16 @@ void TBlockPass::AddGradients(std::size_t to, std::size_t from) {
       neurons, outputs_.Count(), [&](std::size_t i) { return outputs + i * outputs_.Patterns(); },
       rows_.data(), stride);
   const TMatrixView deltas = {errors_[to].data(), outputs_.Patterns(), 1};
-  Kernels().multiply(network_.Layer(to).NumNeurons(), outputs_.Count(), neurons, deltas,
-                     rows_.data(), stride, state_.gradients.Block(to, from).data(), neurons);
+  MultiplyByTeam(network_.Layer(to).NumNeurons(), outputs_.Count(), neurons, deltas, rows_.data(),
+                 stride, state_.gradients.Block(to, from).data(), neurons);
 }
 
 // The error of a neuron is the sum over its targets of weight times delta.
 void TBlockPass::Propagate(std::size_t to, std::size_t from) {
   const TBasicConnections& block = network_.Connections(to, from);
   const TMatrixView weights = {block.Weights().data(), 1, block.Columns()};
-  Kernels().multiply(block.Columns(), block.Rows(), outputs_.Width(), weights, errors_[to].data(),
-                     outputs_.Patterns(), errors_[from].data(), outputs_.Patterns());
+  MultiplyByTeam(block.Columns(), block.Rows(), outputs_.Width(), weights, errors_[to].data(),
+                 outputs_.Patterns(), errors_[from].data(), outputs_.Patterns());
 }
 
 }  // namespace kiln

@@ -1,0 +1,85 @@
+// Two workers beside one.
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "FileHandler/Filer.h"
+#include "GA-Apps/GenTrain/TMLPGA.h"
+#include "KilnWork.h"
+#include "RandomRows.h"
+#include "Rows.h"
+#include "Shared/TTeam.h"
+#include "TReport.h"
+#include "TScratch.h"
+
+namespace kiln {
+
+namespace {
+
+constexpr std::size_t kWorkers = 2;
+
+// The same work by so many workers.
+TWork By(std::size_t workers, TWork work) {
+  return [workers, work = std::move(work)](int passes) {
+    TTeam::SetWorkers(workers);
+    const double seconds = work(passes);
+    TTeam::SetWorkers(1);
+    return seconds;
+  };
+}
+
+void AddRow(TReport& report, const std::string& work, const TWork& kiln, double items,
+            double goal) {
+  report.AddComparison(work, By(kWorkers, kiln), "one worker", By(1, kiln), items, goal);
+}
+
+// A generation is a pass.
+TWork GeneticTraining(const TPerceptronTask& task) {
+  return [&task](int passes) {
+    TMLPGA trainer(task.network, {-1.0F, 1.0F}, 100);
+    trainer.Initialise();
+    return SecondsOf([&] {
+      trainer.Train({.IntGenerations = passes}, 0.0, std::array<const Data*, 1>{&task.data});
+    });
+  };
+}
+
+TWork Repeated(const std::function<void()>& work) {
+  return [work](int) { return SecondsOf(work); };
+}
+
+}  // namespace
+
+void AddTeamRows(TReport& report, const TScratch& scratch) {
+  constexpr int kRows = 4096;
+  for (const std::vector<int>& sizes : {std::vector{64, 64, 10}, std::vector{784, 100, 10}}) {
+    const TPerceptronTask task(sizes, kRows);
+    const std::string training = "two workers, training by batch, " + task.Shape();
+    if (report.Wants(training)) {
+      AddRow(report, training, PerceptronTraining(task, true), kRows, 1.6);
+    }
+    const std::string recall = "two workers, recall of a set, " + task.Shape();
+    if (report.Wants(recall)) AddRow(report, recall, Recall(task), kRows, 1.6);
+  }
+  const TPerceptronTask small({10, 8, 1}, 500);
+  const std::string breeding = "two workers, genetic training, " + small.Shape();
+  if (report.Wants(breeding)) AddRow(report, breeding, GeneticTraining(small), 1.0, 1.6);
+
+  const std::string saving = "two workers, saving a data file";
+  const std::string loading = "two workers, loading a data file";
+  if (!report.Wants(saving) && !report.Wants(loading)) return;
+  const auto table = RandomRows(1'000'000, 10);
+  const std::string path = scratch.Path("team.dat");
+  Filer::Save(path, table.get());
+  if (report.Wants(saving)) {
+    AddRow(report, saving, Repeated([&] { Filer::Save(path, table.get()); }), table->DataRows(),
+           1.3);
+  }
+  if (report.Wants(loading)) {
+    AddRow(report, loading, Repeated([&] { Filer::Load(path); }), table->DataRows(), 1.3);
+  }
+}
+
+}  // namespace kiln
