@@ -90,6 +90,8 @@ TEST_F(TCsvTest, SaysWhatIsWrongAndWhere) {
       {"a,b\n1,\"x\"y\n", {}, "column 1 (b): text behind the closing quote (PATH, line 2)"},
       {"a,b\n1,x\"y\n", {}, "column 1 (b): a quote inside a cell without quotes (PATH, line 2)"},
       {std::string("a,b\n1,2\n1,\0\n", 12), {}, "column 1 (b): a NUL character (PATH, line 3)"},
+      {std::string("a\n\"\"\"\0\"\n", 8), {}, "column 0 (a): a NUL character (PATH, line 2)"},
+      {"a,b\n1,\" \" 2\n", {}, "column 1 (b): text behind the closing quote (PATH, line 2)"},
       {"a,b\n3,4\n", {.header = false}, "column 0: the number 3 among words (PATH, line 2)"},
       {"a,b\n1,2\n", {.outputs = {"c"}}, "no column c (PATH, line 1)"},
       {"a,b\n1,2\n", {.outputs = {"2"}}, "no column 2 (PATH, line 1)"},

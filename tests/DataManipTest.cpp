@@ -57,7 +57,7 @@ TEST(DataManipTest, StacksTimeStepsFromTheOldestRowOn) {
 TEST(DataManipTest, StratifiesAnyClassesIntoAnyParts) {
   Random::Seed(11);
   for (int round = 0; round < 300; ++round) {
-    const int rows = 1 + static_cast<int>(Random::Below(200));
+    int rows = 1 + static_cast<int>(Random::Below(200));
     const auto kinds = 1 + Random::Below(round % 2 == 0 ? 5 : 90);
     TSizes classes, sizes;
     std::map<int, int> numbers;
@@ -69,6 +69,12 @@ TEST(DataManipTest, StratifiesAnyClassesIntoAnyParts) {
     for (auto parts = 1 + Random::Below(6); parts > 0; --parts) {
       sizes.push_back(static_cast<int>(Random::Below(static_cast<unsigned>(left) + 1)));
       left -= sizes.back();
+    }
+    if (round == 0) {  // rounding class by class leaves the third part a row short
+      classes = {0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 4, 4};
+      numbers = {{0, 0}, {1, 1}, {2, 2}, {3, 3}, {4, 4}};
+      sizes = {3, 3, 3, 1, 5};
+      rows = 15;
     }
     std::set<int> seen;
     const TParts parts = DivideByClass(classes, sizes);
@@ -112,6 +118,11 @@ TEST(DataManipTest, RefusesWhatTheSourceCannotGive) {
   refused("Invalid number of time steps", [&] { TDataManip::TimeStepLag(source, -1); });
   refused("Invalid data column", [&] { TDataManip::Extract(source, TSizes{0}, TSizes{-1}); });
   refused("Invalid Data Size", [&] { TDataManip::GetFirstRows(-1, source); });
+  refused("Insufficient rows", [&] { TDataManip::GetFirstRows(11, source); });
+  refused("Invalid number of subsets", [&] { TDataManip::Divide(source, {}); });
+  refused("Insufficient number of classes", [&] {
+    TDataManip::Recombine({&source, 1}, TSizes{1});
+  });
   refused("Data source null Null Pointer", [&] { TDataManip::Divide(nullptr, TSizes{0}); });
   refused("Invalid number of subset rows", [&] { TDataManip::Divide(source, TSizes{99, 0}); });
   refused("Total subset rows", [&] { TDataManip::Divide(source, TSizes{1 << 30, 1 << 30, 3}); });

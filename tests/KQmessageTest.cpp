@@ -51,6 +51,8 @@ TEST(TKQstructure, CopiesAreDeep) {
   EXPECT_EQ(Printed(copy), Printed(message));
   copy.SetLong("0k", 99);
   EXPECT_EQ(message.Deref("0K")->Name(), "0");
+  message = copy;
+  EXPECT_EQ(Printed(message), Printed(copy));
 }
 
 // The text of the TException that the action throws and, behind it, the detail.
@@ -75,6 +77,11 @@ TEST(TKQstructure, FailedLookUpsTellWhatWasExpected) {
             "(error :type type-error :expected boolean)");
   EXPECT_EQ(DetailedFailure([&] { message.DerefThrow("none"); }),
             "cannot find keyword none  TKQstructure::DerefThrow"
+            "(error :type invalid-message :expected none)");
+  message.SetBool("flag", false);
+  EXPECT_FALSE(message.DerefBoolThrow("flag"));
+  EXPECT_EQ(DetailedFailure([&] { message.CheckMessage("none", ""); }),
+            "invalid message: expected none  TKQstructure::CheckMessage"
             "(error :type invalid-message :expected none)");
   EXPECT_EQ(DetailedFailure([&] { message.CheckMessage("odd", "off"); }),
             "invalid message: expected value off  TKQstructure::CheckMessage"

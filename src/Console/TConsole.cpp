@@ -11,6 +11,7 @@
 #include "Interpreter/Checks.h"
 #include "Shared/Interruption.h"
 #include "Shared/Ranks.h"
+#include "Shared/Say.h"
 #include "Shared/Text.h"
 
 namespace kiln {
@@ -28,6 +29,15 @@ TConsole::TConsole(std::ostream& out, TManner manner) : out_(out), manner_(manne
       return TScreen{Screen::Columns(STDOUT_FILENO), Screen::HasUnicode()};
     });
   }
+  HaveSaid([this](std::string_view text, TSaying saying) {
+    Write(text, out_);
+    if (saying == TSaying::kLine) out_ << '\n';
+    out_.flush();
+  });
+}
+
+TConsole::~TConsole() {
+  HaveSaid({});
 }
 
 bool TConsole::CarryOut(const TTask& task) {

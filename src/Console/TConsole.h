@@ -27,8 +27,12 @@ struct TManner {
 // A session: carries out commands of files and of the command line, and holds conversations.
 class TConsole {
  public:
-  // Answers on `out`, which must outlive the console.
+  // Answers on `out`, which must outlive the console, and has what the library says written there.
   TConsole(std::ostream& out, TManner manner);
+  ~TConsole();
+
+  TConsole(const TConsole&) = delete;
+  TConsole& operator=(const TConsole&) = delete;
 
   TInterpreter& Interpreter() { return interpreter_; }
 

@@ -23,7 +23,7 @@ TGuide::TGuide(TInterpreter& interpreter, std::ostream& out)
       });
   HaveSaid([this, &out](std::string_view text, TSaying saying) {
     if (saying == TSaying::kPassing) return;
-    progress_.Interrupt([&] { out << text << '\n' << std::flush; });
+    progress_.Interrupt([&] { out << Printable(text) << '\n' << std::flush; });
   });
 }
 

@@ -22,6 +22,8 @@ def main(program, folder):
     with open("a folder/räin.kiln", "w") as script:
         script.write("create Data alias rain inputs 1 outputs 1 rows 1 labels on\npurge\n")
 
+    open("a folder/hail", "w").close()
+
     session = Session(program)
     expect(session.greeting, r"Kiln 0\.9: type help, or quit to end\.\n\r?.*Kiln>>")
 
@@ -36,13 +38,27 @@ def main(program, folder):
             ("create BPTrainer alias teacher network network1", "OK\n"),
             ("query classof teachr", "\x1b[31mError:\x1b[0m teachr does not exist\ndid you mean teacher?\n"),
             ("create Data alias set1 inputs 1 outputs 1 rows 1.5 labels off", "OK\nrows 1.5 is read as 1\n"),
-            ("append alias set1 inputs {1} output {0.25}", "OK\noutput is no tag of append: outputs?\n")):
+            ("append alias set1 inputs {1} output {0.25}", "OK\noutput is no tag of append: outputs?\n"),
+            ("create Tarn alias fuzzy inputs 1 condition {2} rules 5 outputs 1 action {2} seed 1", "OK\n"),
+            ("retarn network fuzzy rules none threshold 9",
+             "OK\n0 rules: there are some with ThresholdIn below 0.8998\n"),
+            ("retarn network fuzzy rules some", "OK\n2 rules\n")):
         got = session.say(line)
         if got != answer:
             sys.exit(f"{line}\nexpected {answer!r}\ngot      {got!r}")
 
+    # The choices; an alias in a list, the words of a switch, the bracket of a list.
+    session.press("run filename (a folder/\t")
+    expect(session.read(b"Kiln>>run filename (a folder/"), r".*\na folder/hail +a folder/r\xc3\xa4in.kiln .*")
+    session.press("\x15create \t")
+    expect(session.read(b"create "), r".*BPTrainer +Data +.*Tarn +\n.*")
+    session.press("\x15append inputs {1} alias set1 lab\t\x15recombine sources {se\t}\n")
+    expect(session.read(), r".*t1\}\n.*Error:.*")
+    session.press("create MLP bias \tn hid\t\t\n")
+    expect(session.read(), r".*on hid.*den .*\{\n.*Error:.*")
+
     # A command word, an alias of the right kind, a word, a file in a folder with a blank.
-    session.press("que\tcla\tteac\t\n")
+    session.press("help que\tcla\t\x15creat al\t\x15que\tcla\tteac\t\n")
     expect(session.read(), r".*Result: BP\n\r?Kiln>>")
     session.press("tra\tal\tteac\tda\tset\tep\t1 mo\tba\t\n")
     expect(session.read(), r".*tch \nResult: 0\.\d{8}\n\r?Kiln>>")
@@ -89,17 +105,24 @@ def main(program, folder):
     for disturb in (lambda: resize(session.terminal, 100), lambda: os.kill(session.pid, signal.SIGCONT)):
         disturb()
         session.read(b"\r\x1b[JKiln>>query objects")
+    session.press("\n")
+    expect(session.read(), ".*Result: {network1 MLP, .*")
+    session.end()
+    session = Session(program)
     os.kill(session.pid, signal.SIGTERM)
     os.waitpid(session.pid, 0)
     expect(str(termios.tcgetattr(session.terminal)[3] & termios.ECHO), str(termios.ECHO))
     with open(".kiln_history") as lines:
-        expect(lines.read(), r"_HiStOrY_V2_\n.*aliasexists\\040x\npurge\n.*slow.kiln\)\n")
+        expect(lines.read(), r"_HiStOrY_V2_\n.*aliasexists\\040x\npurge\n.*slow.kiln\)\nquery\\040objects\n")
 
     # Nothing of it where a terminal is to be treated like a pipe.
     for arguments, environment in (("--plain",), {}), ((), {"TERM": "dumb"}):
         session = Session(program, *arguments, **environment)
         expect(session.greeting, "Kiln>>")
         expect(session.say("creat\ttrue"), r"Error: Unknown command\n")
+        expect(str(session.end()), r".*, 0\)")
+    Session(program, XDG_STATE_HOME=os.getcwd() + "/state").end()
+    expect(str(os.listdir("state/kiln")), r"\['history'\]")
 
 
 main(os.path.abspath(sys.argv[1]), sys.argv[2])

@@ -42,6 +42,12 @@ expect 1 '' 'Error: $OTHER does not exist (-e destroy $OTHER)|' -e 'destroy $OTH
 expect 1 '' 'Error: cannot open file none.kiln|' none.kiln -e purge
 expect 0 'Result: false|' '' -C sub here.kiln
 expect 1 '' 'Error: Unknown command (-e @true)|' -e '@true'
+expect 1 '' 'Error: line holds a line end (-e purge|purge)|' -e $'purge\npurge'
+expect 0 'OK|Result: {a$ Data}|' '' -D N_1=a -e '# $' -e '' -e 'create Data alias $N_1$ inputs 1 outputs 1 rows 1 labels off' \
+  -e 'query objects'
+input='log start filename (/dev/full)\npurge\nquit'
+expect 1 'Kiln>>OK|Kiln>>OK|Kiln>>' 'kiln: cannot write all of file /dev/full|'
+"$kiln" --nonsense 2>/dev/null && failures=$((failures + 1))
 
 # Strictness, and conversations behind or without anything.
 expect 1 '' 'Error: epochs is no tag of purge (-e purge epochs 5)|' -s -e 'purge epochs 5'

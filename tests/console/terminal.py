@@ -13,7 +13,7 @@ from terminal_session import PROMPT, Session, expect
 
 def interrupted(session, line, pattern):
     session.type(line)
-    session.interrupt()
+    session.interrupt(0.7)
     # The terminal drops what is not shown yet.
     expect(session.read(), ".*" + pattern + PROMPT.decode())
 
@@ -56,11 +56,15 @@ def main(program, folder):
     expect(session.read(), r"destroy d\^C\nKiln>>")
     expect(session.say("query aliasexists d"), "Result: true\n")
 
-    # What a terminal would obey is shown instead, in an answer, in a hint, beside a pipe.
+    # What a terminal would obey is shown instead, in an answer, a hint, a remark, beside a pipe.
     with open("rude", "w") as script:
         script.write("copy source d destination \x1babcde\ndestroy \x1b[2J\x9b2J\x7f\u00e9\n")
     expect(session.say("run filename (rude)"), r".*\^\[\[2J\xc2\?2J\^\?\xc3\xa9 does not exist\n")
     expect(session.say("destroy abcde"), r".*\ndid you mean \^\[abcde\?\n")
+    with open("loud", "w") as script:
+        script.write("create Tarn alias f inputs 1 condition {2} rules 1 outputs 1 action {2}\n"
+                     "retarn network f rules r method \x1bc\n")
+    expect(session.say("run filename (loud)"), r"\^\[c\nError: .*")
     expect(str(session.end()), r".*, 0\)")
     session = Session("/bin/sh", "-c", program + " -q objects rude | cat")
     expect(session.greeting, r"Error: line 2 .*\^\[\[2J.*")
