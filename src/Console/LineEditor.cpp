@@ -75,6 +75,10 @@ TLineHistory::TLines TLineHistory::UpTo(int size) {
 }
 
 TLineHistory::TLineHistory() : lines_(UpTo(kSize)), path_(HistoryPath()) {
+  std::error_code fault;
+  const std::filesystem::file_status place = status(std::filesystem::path(path_), fault);
+  // Whoever wants no history may lead it to /dev/null, whose mode the library would change.
+  if (exists(place) && !is_regular_file(place)) path_.clear();
   if (!lines_) return;
   HistEvent event;
   history(lines_.get(), &event, H_SETUNIQUE, 1);

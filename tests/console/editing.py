@@ -115,6 +115,11 @@ def main(program, folder):
     with open(".kiln_history") as lines:
         expect(lines.read(), r"_HiStOrY_V2_\n.*aliasexists\\040x\npurge\n.*slow.kiln\)\nquery\\040objects\n")
 
+    # A history that leads to anything but a file is left alone.
+    os.remove(".kiln_history")
+    os.mkfifo(".kiln_history")
+    expect(Session(program).say("purge"), "OK\n")
+
     # Nothing of it where a terminal is to be treated like a pipe.
     for arguments, environment in (("--plain",), {}), ((), {"TERM": "dumb"}):
         session = Session(program, *arguments, **environment)
