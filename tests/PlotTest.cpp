@@ -133,8 +133,8 @@ TEST_F(Plot, DrawsNamesAsTheyAreWrittenAndObeysNone) {
   Do("load CSV alias bad filename (" + Path("bad.csv") + ") labels {2} outputs {2}");
   const std::string script = ScriptOf("bad");
   for (const std::string piece :
-       {"'x''; system \"touch pwned' at", "'%g_{2} `id` \\' at", "title '%d'", "title '? [2J '",
-        "title 'yyyyyyyyyyyyyyyyyyyyyyyyy…'"}) {
+       {"'x'.\"'\".'; system \"touch pwned' at", "'%g_{2} `id` \\' at", "title '%d'",
+        "title '? [2J '", "title 'yyyyyyyyyyyyyyyyyyyyyyyyy…'"}) {
     EXPECT_NE(script.find(piece), script.npos) << piece << '\n' << script;
   }
   Do("create MLP alias n inputs 2 layers 2 hidden {} outputs 3 bias on seed 1");

@@ -33,10 +33,14 @@ constexpr char kGreys[] = "(0 '#ffffff', 1 '#505050')";
 constexpr char kBothWays[] =
     "(-1 '#7f3b08', -0.5 '#e08214', 0 '#ffffff', 0.5 '#4393c3', 1 '#053061')";
 
-// A text in quotes, shortened to `most` characters.
+// A text as an expression, shortened to `most` characters. Within single quotes nothing but a quote
+// has a meaning, and a quote stands within double ones. (Doubled it would do, but not everywhere.)
 std::string Quoted(std::string_view text, std::size_t most) {
   std::string quoted = "'";
-  for (const char c : Legible(text, most)) quoted.append(c == '\'' ? 2 : 1, c);
+  for (const char c : Legible(text, most)) {
+    if (c == '\'') quoted += R"('."'".)";
+    quoted += c;
+  }
   return quoted += '\'';
 }
 

@@ -10,7 +10,7 @@ fail() {
 }
 
 objects=(-e 'create Data alias d inputs 2 outputs 1 rows 3 labels on'
-  -e 'append alias d inputs {0.1, 0.5} outputs {1} labels {up}'
+  -e "append alias d inputs {0.1, 0.5} outputs {1} labels {'}"
   -e 'append alias d inputs {0.4, 0.2} outputs {0} labels {down}'
   -e 'append alias d inputs {0.7, 0.3} outputs {1} labels {%g&;`id`}'
   -e 'create Tarn alias fuzzy inputs 2 condition {2, 3} rules 3 outputs 1 action {2} seed 1'
