@@ -135,7 +135,7 @@ TNeeds NeedsOf(const TPanel& panel, const TPicture& picture) {
   const double x_words = static_cast<double>(LongestTick(panel.x)) * kLetterWidth;
   const double cells = std::max(panel.x.upper - panel.x.lower, 1.0);
   place.turns_ticks = x_words > std::max(area.width / cells - kGap, kNumberWidth);
-  if (place.turns_ticks) place.below = x_words;
+  if (place.turns_ticks) place.below = x_words * kTickLetterWidth / kLetterWidth;
   place.has_key_beside = static_cast<double>(KeyLength(panel)) * kLetterWidth > area.width;
 
   TMargins& margins = needs.margins;
