@@ -200,6 +200,7 @@ void TBasicNetwork::Read(TIterateObjRead& operation) const {
 }
 
 std::size_t TBasicNetwork::GetNumWeights(TMask val) const {
+  if (val == FMaskAll) return NumPlaces();
   TIterateObjGetNumWeights count(val);
   Read(count);
   return count.Count();

@@ -12,25 +12,6 @@ namespace kiln {
 
 namespace {
 
-std::size_t NumPlaces(const TBasicNetwork& network) {
-  std::size_t places = 0;
-  for (std::size_t to = 0; to < network.NumLayers(); ++to) {
-    for (const std::size_t from : network.Sources(to)) {
-      places += network.Connections(to, from).Weights().size();
-    }
-  }
-  return places;
-}
-
-std::size_t PatternsFor(const TBasicNetwork& network, std::size_t most) {
-  constexpr std::size_t kFew = TPatternBlock::kPatterns;
-  constexpr std::size_t kMany = TPatternBlock::kManyPatterns;
-  constexpr std::size_t kNeurons = TPatternBlock::kMaxNeurons / (kMany / kFew);
-  const auto neurons = static_cast<std::size_t>(network.GetNumNeurons());
-  const bool is_large = NumPlaces(network) > TPatternBlock::kManyWeights && neurons <= kNeurons;
-  return is_large && most > kFew ? kMany : kFew;
-}
-
 // Whether a layer passes sums over all neurons of the layers that lead to it through functions.
 bool IsWholeAndPlain(const TBasicNetwork& network, std::size_t to) {
   const auto is_complete = [&](std::size_t from) {
@@ -47,6 +28,13 @@ bool TPatternBlock::Fits(const TBasicNetwork& network) {
     if (!network.Layer(to).ComputesBlocks() && !IsWholeAndPlain(network, to)) return false;
   }
   return true;
+}
+
+std::size_t TPatternBlock::PatternsFor(const TBasicNetwork& network, std::size_t most) {
+  constexpr int kNeurons = kMaxNeurons / static_cast<int>(kManyPatterns / kPatterns);
+  const bool takes_many = most > kPatterns && network.GetNumWeights(FMaskAll) > kManyWeights &&
+                          network.GetNumNeurons() <= kNeurons;
+  return takes_many ? kManyPatterns : kPatterns;
 }
 
 TPatternBlock::TPatternBlock(TBasicNetwork& network, std::size_t most)

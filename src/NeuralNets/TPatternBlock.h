@@ -21,6 +21,7 @@ class TPatternBlock {
   static constexpr std::size_t kPatterns = 32;
   static constexpr std::size_t kManyPatterns = 128;
   static constexpr std::size_t kManyWeights = std::size_t{1} << 17;
+  static std::size_t PatternsFor(const TBasicNetwork& network, std::size_t most);
 
   // Networks of more neurons, whose outputs would take more than 32 MiB, are recalled faster
   // pattern by pattern.
@@ -33,7 +34,7 @@ class TPatternBlock {
 
   // A block for recalls of `most` patterns at a time or fewer; of more it takes the first ones.
   // REQUIRES: the network fits, and outlives the block.
-  explicit TPatternBlock(TBasicNetwork& network, std::size_t most = kManyPatterns);
+  TPatternBlock(TBasicNetwork& network, std::size_t most);
 
   // How many patterns there is room for.
   std::size_t Patterns() const { return patterns_; }

@@ -12,8 +12,8 @@ namespace kiln {
 
 class TErrorObj;
 
-// A network's recall of data sets, by RecallPattern or, where the network allows it, in blocks. The
-// constructor takes all memory that recalls need, so that any number of sets costs no more.
+// A network's recall of data sets, by RecallPattern or, where the network allows it, in blocks. All
+// memory that recalls need is taken once, so that any number of sets costs no more.
 class TRecall {
  public:
   // REQUIRES: the network outlives this object, and only its weights and outputs change meanwhile.
@@ -36,6 +36,9 @@ class TRecall {
   double Error(const Data& set, TErrorObj& error);
 
  private:
+  // Takes memory for larger blocks where so many rows of the network are worth them.
+  void MakeRoomFor(int rows);
+
   template <typename TVisit>
   void VisitPatterns(const Data& set, int first, int last, const TVisit& visit) {
     for (int n = first; n < last; ++n) {
@@ -47,6 +50,7 @@ class TRecall {
 
   template <typename TVisit>
   void VisitBlocks(const Data& set, int first, int last, const TVisit& visit) {
+    MakeRoomFor(last - first);
     for (int n = first; n < last;) {
       block_->Recall(set, n, last);
       for (std::size_t pattern = 0; pattern < block_->Count(); ++pattern, ++n) {
