@@ -61,7 +61,7 @@ void AddTeamRows(TReport& report, const TScratch& scratch) {
       AddRow(report, training, PerceptronTraining(task, true), kRows, 1.6);
     }
     const std::string recall = "two workers, recall of a set, " + task.Shape();
-    if (report.Wants(recall)) AddRow(report, recall, Recall(task), kRows, 1.6);
+    if (report.Wants(recall)) AddRow(report, recall, PerceptronRecall(task), kRows, 1.6);
   }
   const TPerceptronTask small({10, 8, 1}, 500);
   const std::string breeding = "two workers, genetic training, " + small.Shape();
