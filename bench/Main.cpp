@@ -24,6 +24,7 @@ void Measure(int repetitions, const char* filter) {
   AddGeneticRows(report);
   AddFileRows(report, scratch);
   AddTeamRows(report, scratch);
+  AddPythonRows(report);
   AddGrowthRows(report, scratch);
   report.PrintSummary();
 }

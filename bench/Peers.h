@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "Measure.h"
 #include "TArrivalTask.h"
@@ -43,6 +44,10 @@ TWork KohonenTraining(const TScratch& scratch, const Data& data, int side, doubl
 
 // scikit-learn, full batches. A pass is an epoch.
 TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task);
+
+// Fitting a perceptron from Python, a pass being one fit; peers/python_fit.py says who can do it.
+// Empty where scikit-learn is not installed.
+TWork PythonFitting(const std::string& who);
 
 // pandas. A pass writes the inputs of the set as text, or reads what was written.
 TWork PandasSaving(const TScratch& scratch, const Data& data);

@@ -14,6 +14,7 @@ void AddMapRows(TReport& report, const TScratch& scratch);
 void AddGeneticRows(TReport& report);
 void AddFileRows(TReport& report, const TScratch& scratch);
 void AddTeamRows(TReport& report, const TScratch& scratch);
+void AddPythonRows(TReport& report);
 void AddGrowthRows(TReport& report, const TScratch& scratch);
 
 }  // namespace kiln

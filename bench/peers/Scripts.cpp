@@ -77,6 +77,13 @@ TArrival ScikitArrival(const TScratch& scratch, const TArrivalTask& task, const 
   return [request](int seed) { return peer->Ask(request + std::to_string(seed)); };
 }
 
+TWork PythonFitting(const std::string& who) {
+  if (!KILN_HAVE_SCIKIT) return {};
+  static const auto peer = std::make_shared<TChildPeer>(std::vector<std::string>{
+      KILN_PYTHON, KILN_PEERS "/python_fit.py", KILN_PROGRAM, KILN_PACKAGE});
+  return [who](int passes) { return peer->Ask(Request(who, passes)); };
+}
+
 TWork PandasSaving(const TScratch& scratch, const Data& data) {
   const auto peer = Pandas();
   if (!peer) return {};
