@@ -25,6 +25,13 @@ inline double ProcessorTime() {
   return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
 }
 
+// Seconds on the clock on the wall, for what several cores do.
+inline double WallTime() {
+  timespec now{};
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  return static_cast<double>(now.tv_sec) + 1e-9 * static_cast<double>(now.tv_nsec);
+}
+
 double Median(std::vector<double>& values);
 
 template <typename TAction>

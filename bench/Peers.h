@@ -37,6 +37,10 @@ TArrival ScikitArrival(const TScratch& scratch, const TArrivalTask& task, const 
 // GAlib, the simple genetic algorithm. A pass is a generation.
 TWork GaLibBreeding(int individuals, int genes, double mutation);
 
+// Genetic training of a perceptron by hand: GAlib's simple genetic algorithm breeds the weights,
+// from -1 to 1, and FANN's network recalls the set. A pass is a generation.
+TWork FannGaLibTraining(const TPerceptronTask& task, int individuals, double mutation);
+
 // The kohonen package, online. A pass is as many presentations as the set has rows, drawn at
 // random.
 TWork KohonenTraining(const TScratch& scratch, const Data& data, int side, double radius,

@@ -1,4 +1,5 @@
-// Two workers beside one.
+// Two workers beside one, and beside a program of two libraries. All times are those of the clock
+// on the wall: processor time counts what both cores do.
 
 #include <array>
 #include <functional>
@@ -8,8 +9,10 @@
 #include "FileHandler/Filer.h"
 #include "GA-Apps/GenTrain/TMLPGA.h"
 #include "KilnWork.h"
+#include "Peers.h"
 #include "RandomRows.h"
 #include "Rows.h"
+#include "Shared/Random.h"
 #include "Shared/TTeam.h"
 #include "TReport.h"
 #include "TScratch.h"
@@ -20,11 +23,17 @@ namespace {
 
 constexpr std::size_t kWorkers = 2;
 
-// The same work by so many workers.
-TWork By(std::size_t workers, TWork work) {
-  return [workers, work = std::move(work)](int passes) {
+constexpr int kIndividuals = 100;
+constexpr float kMutation = 0.009F;  // less than one gene of an individual on average
+
+// The same work by so many workers, and on the wall clock.
+TWork By(std::size_t workers, const TWork& work) {
+  if (!work) return {};
+  return [workers, work](int passes) {
     TTeam::SetWorkers(workers);
-    const double seconds = work(passes);
+    const double start = WallTime();
+    work(passes);
+    const double seconds = WallTime() - start;
     TTeam::SetWorkers(1);
     return seconds;
   };
@@ -35,13 +44,15 @@ void AddRow(TReport& report, const std::string& work, const TWork& kiln, double 
   report.AddComparison(work, By(kWorkers, kiln), "one worker", By(1, kiln), items, goal);
 }
 
-// A generation is a pass.
+// A pass is a generation.
 TWork GeneticTraining(const TPerceptronTask& task) {
-  return [&task](int passes) {
-    TMLPGA trainer(task.network, {-1.0F, 1.0F}, 100);
-    trainer.Initialise();
+  auto trainer = std::make_shared<TMLPGA>(task.network, TWeightBounds{-1.0F, 1.0F}, kIndividuals);
+  Random::Seed(1);
+  trainer->Initialise();
+  return [&task, trainer](int passes) {
     return SecondsOf([&] {
-      trainer.Train({.IntGenerations = passes}, 0.0, std::array<const Data*, 1>{&task.data});
+      trainer->Train({.IntGenerations = passes, .FltMutation = kMutation}, 0.0,
+                     std::array<const Data*, 1>{&task.data});
     });
   };
 }
@@ -66,6 +77,14 @@ void AddTeamRows(TReport& report, const TScratch& scratch) {
   const TPerceptronTask small({10, 8, 1}, 500);
   const std::string breeding = "two workers, genetic training, " + small.Shape();
   if (report.Wants(breeding)) AddRow(report, breeding, GeneticTraining(small), 1.0, 1.6);
+  for (const std::size_t workers : {std::size_t{1}, kWorkers}) {
+    const std::string work =
+        "genetic training, " + small.Shape() + ", workers " + std::to_string(workers);
+    if (!report.Wants(work)) continue;
+    report.AddComparison(work, By(workers, GeneticTraining(small)), "FANN in GAlib",
+                         By(1, FannGaLibTraining(small, kIndividuals, kMutation)), 1.0,
+                         workers == 1 ? 3.6 : 6.0);
+  }
 
   const std::string saving = "two workers, saving a data file";
   const std::string loading = "two workers, loading a data file";

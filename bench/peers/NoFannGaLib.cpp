@@ -1,0 +1,9 @@
+#include "Peers.h"
+
+namespace kiln {
+
+TWork FannGaLibTraining(const TPerceptronTask&, int, double) {
+  return {};
+}
+
+}  // namespace kiln
