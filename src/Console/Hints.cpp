@@ -55,9 +55,9 @@ std::string OtherTopic(const TCommandLine& topic) {
   for (const TFamily* family : Families()) {
     for (const TCommand& command : family->commands) {
       const TForm* const form = FindNoCase(command.forms, word, &TForm::word);
-      if (form)
-        return "did you mean help " + std::string(command.word).append(" ").append(form->word) +
-               "?";
+      if (!form) continue;
+      return std::string("did you mean help ").append(command.word).append(" ").append(form->word) +
+             "?";
     }
   }
   return OtherCommand(word);
