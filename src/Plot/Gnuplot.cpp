@@ -18,8 +18,6 @@
 #include "Shared/TDescriptor.h"
 #include "Shared/Text.h"
 
-extern char** environ;
-
 namespace kiln {
 
 namespace {
@@ -132,7 +130,7 @@ class TProcess {
 
   template <typename TTake>
   static void TakeFrom(TDescriptor& end, const TTake& take) {
-    std::array<char, 65536> piece;
+    std::array<char, 16384> piece = {};
     const ssize_t count = ReadSome(end.Number(), piece.data(), piece.size());
     if (count > 0) {
       take(std::string_view(piece.data(), static_cast<std::size_t>(count)));

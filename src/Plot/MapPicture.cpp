@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <compare>
 #include <limits>
 #include <memory>
 
@@ -163,45 +164,54 @@ class TClassMarks {
   bool shows_names_;
 };
 
-// The class of most rows that each unit wins, as marks on the panels.
-void AddClasses(std::vector<TPanel>& panels, const TKohonenNetwork& map, const Data& set) {
-  const TRowClasses classes = RowClassesOf(set);
-  const std::size_t dimensions = map.Grid().NumDimensions();
+// The unit that wins a row, and the class of the row.
+struct TWonRow {
+  std::size_t unit;
+  std::size_t row_class;
+
+  auto operator<=>(const TWonRow&) const = default;
+};
+
+// In order; rows without a class are left out.
+std::vector<TWonRow> WonRows(const TKohonenNetwork& map, const Data& set,
+                             const TRowClasses& classes) {
   const std::unique_ptr<Data> places = map.RecallCoordinates(&set);
-  std::vector<std::pair<std::size_t, std::size_t>> won;  // unit and class of each row
-  std::vector<int> coordinates(dimensions);
+  std::vector<TWonRow> won;
+  std::vector<int> coordinates(map.Grid().NumDimensions());
   for (int n = 0; n < places->DataRows(); ++n) {
     const std::size_t row_class = classes.of_rows[static_cast<std::size_t>(n)];
     if (row_class == classes.names.size()) continue;
     std::ranges::transform(places->Row(n).Outputs, coordinates.begin(),
                            [](double value) { return static_cast<int>(value); });
-    won.emplace_back(map.Grid().UnitAt(coordinates), row_class);
+    won.push_back({map.Grid().UnitAt(coordinates), row_class});
   }
   std::ranges::sort(won);
-  const TClassMarks marks(classes.names, static_cast<std::size_t>(map.Grid().Sizes().back()));
-  const std::span<const int> sizes = map.Grid().Sizes();
-  const auto columns = static_cast<std::size_t>(sizes.back());
-  const std::size_t plane =
-      dimensions > 1 ? columns * static_cast<std::size_t>(sizes[dimensions - 2]) : columns;
-  for (auto first = won.begin(); first != won.end();) {
-    const std::size_t unit = first->first;
-    auto most = first;
-    std::ptrdiff_t count = 0;
-    auto end = first;
-    while (end != won.end() && end->first == unit) {
-      const auto next = std::upper_bound(end, won.end(), *end);
-      if (next - end > count) {
-        count = next - end;
-        most = end;
+  return won;
+}
+
+// The class of most rows that each unit wins, as marks on the panels of planes of so many units.
+void AddClasses(std::vector<TPanel>& panels, const TKohonenNetwork& map, const Data& set,
+                std::size_t units) {
+  const TRowClasses classes = RowClassesOf(set);
+  const std::vector<TWonRow> won = WonRows(map, set, classes);
+  const auto columns = static_cast<std::size_t>(map.Grid().Sizes().back());
+  const TClassMarks marks(classes.names, columns);
+  for (auto next = won.begin(); next != won.end();) {
+    const std::size_t unit = next->unit;
+    std::size_t most_class = 0;
+    std::ptrdiff_t most = 0;
+    while (next != won.end() && next->unit == unit) {
+      const auto end = std::upper_bound(next, won.end(), *next);
+      if (end - next > most) {
+        most = end - next;
+        most_class = next->row_class;
       }
-      end = next;
+      next = end;
     }
-    if (unit / plane < panels.size()) {
-      const std::size_t place = unit % plane;
-      marks.Add(panels[unit / plane], static_cast<double>(place % columns),
-                static_cast<double>(place / columns), most->second);
-    }
-    first = end;
+    if (unit / units >= panels.size()) continue;
+    const std::size_t row = unit % units / columns;
+    marks.Add(panels[unit / units], static_cast<double>(unit % columns), static_cast<double>(row),
+              most_class);
   }
 }
 
@@ -241,7 +251,7 @@ TPicture DistancesPicture(std::string_view alias, const TKohonenNetwork& map, co
     picture.panels.push_back(std::move(panel));
   }
   Scale(picture.panels);
-  if (set) AddClasses(picture.panels, map, *set);
+  if (set) AddClasses(picture.panels, map, *set, units);
   picture.title += Averaged(*picture.panels.front().grid, kStep);
   if (planes > kMaxPanels) {
     picture.title +=

@@ -66,13 +66,7 @@ class TTextPanel {
     TCanvas canvas(static_cast<std::size_t>(columns), static_cast<std::size_t>(lines));
     DrawAxes(canvas);
     if (panel_.grid) DrawGrid(canvas, *panel_.grid);
-    if (panel_.has_diagonal) {
-      for (int dot = 0; dot < width_ * TCanvas::kAcross; dot += 2) {
-        const double share = dot / (1.0 * width_ * TCanvas::kAcross);
-        canvas.PutDot(left_ + 1 == 0 ? dot : (left_ + 1) * TCanvas::kAcross + dot,
-                      DotDown(1.0 - share));
-      }
-    }
+    if (panel_.has_diagonal) DrawDiagonal(canvas);
     for (const TSeries& series : panel_.series) DrawSeries(canvas, series);
     for (const TNote& note : panel_.notes) DrawNote(canvas, note);
     DrawHeads(canvas);
@@ -215,7 +209,7 @@ class TTextPanel {
       for (int column = 0; column < width_; ++column) {
         const int grid_line = panel_.is_downwards ? line : height_ - 1 - line;
         const double shade = std::clamp(MeanShade(grid, column, grid_line), 0.0, 1.0);
-        const auto level = static_cast<std::size_t>(shade * (kShades.size() - 1) + 0.5);
+        const auto level = static_cast<std::size_t>(std::lround(shade * (kShades.size() - 1)));
         if (level > 0) canvas.Put(left_ + 1 + column, top_ + line, kShades[level]);
       }
     }
@@ -224,6 +218,14 @@ class TTextPanel {
     const std::string scale =
         grid.name + " " + FormatGeneral(lightest, 3) + " ░▒▓█ " + FormatGeneral(grid.upper, 3);
     canvas.Write(left_ + 1, Lines() - 1, Short(scale, canvas.Columns() - left_ - 1));
+  }
+
+  // Every second dot.
+  void DrawDiagonal(TCanvas& canvas) const {
+    const int dots = width_ * TCanvas::kAcross;
+    for (int dot = 0; dot < dots; dot += 2) {
+      canvas.PutDot((left_ + 1) * TCanvas::kAcross + dot, DotDown(1.0 - 1.0 * dot / dots));
+    }
   }
 
   void DrawSeries(TCanvas& canvas, const TSeries& series) const {
