@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <compare>
 #include <limits>
 #include <memory>
+#include <utility>
 
 #include "DataObject/Data.h"
 #include "Plot/Legible.h"
@@ -169,7 +169,7 @@ struct TWonRow {
   std::size_t unit;
   std::size_t row_class;
 
-  auto operator<=>(const TWonRow&) const = default;
+  auto Key() const { return std::pair(unit, row_class); }
 };
 
 // In order; rows without a class are left out.
@@ -185,7 +185,7 @@ std::vector<TWonRow> WonRows(const TKohonenNetwork& map, const Data& set,
                            [](double value) { return static_cast<int>(value); });
     won.push_back({map.Grid().UnitAt(coordinates), row_class});
   }
-  std::ranges::sort(won);
+  std::ranges::sort(won, {}, &TWonRow::Key);
   return won;
 }
 
@@ -201,7 +201,7 @@ void AddClasses(std::vector<TPanel>& panels, const TKohonenNetwork& map, const D
     std::size_t most_class = 0;
     std::ptrdiff_t most = 0;
     while (next != won.end() && next->unit == unit) {
-      const auto end = std::upper_bound(next, won.end(), *next);
+      const auto end = std::ranges::upper_bound(next, won.end(), next->Key(), {}, &TWonRow::Key);
       if (end - next > most) {
         most = end - next;
         most_class = next->row_class;

@@ -215,9 +215,10 @@ TPictureLayout LayOut(const TPicture& picture) {
       kTitleHeight + static_cast<double>(rows) * down + kGap,
       {}};
   for (std::size_t i = 0; i < needs.size(); ++i) {
+    const std::size_t row = i / columns;
     TPanelPlace place = needs[i].place;
     place.left = static_cast<double>(i % columns) * across + margins.left;
-    place.top = kTitleHeight + static_cast<double>(i / columns) * down + margins.above;
+    place.top = kTitleHeight + static_cast<double>(row) * down + margins.above;
     place.title_above = title_above;
     layout.panels.push_back(std::move(place));
   }

@@ -14,6 +14,7 @@ std::vector<std::string> NamesOf(const std::vector<std::string>& given, int colu
                                  const char* side) {
   if (!given.empty()) return given;
   std::vector<std::string> names;
+  names.reserve(static_cast<std::size_t>(columns));
   for (int c = 0; c < columns; ++c) names.push_back(side + std::to_string(c));
   return names;
 }

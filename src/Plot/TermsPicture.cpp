@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Membership/TLShoulderTriangularMF.h"
@@ -128,7 +129,7 @@ struct TTermRow {
   int variable;
   int mf;
 
-  auto operator<=>(const TTermRow&) const = default;
+  auto Key() const { return std::tuple(is_output, variable, mf); }
 };
 
 struct TNamedTerm {
@@ -210,9 +211,11 @@ TPicture TermsPicture(std::string_view alias, const TMFSetList& inputs, const TM
 TPicture RulesPicture(std::string_view alias, const TFuzzyRuleSet& rules) {
   const std::vector<TNamedTerm> named = NamedTerms(rules);
   std::vector<TTermRow> terms;
+  terms.reserve(named.size());
   for (const TNamedTerm& term : named) terms.push_back(term.term);
-  std::ranges::sort(terms);
-  terms.erase(std::unique(terms.begin(), terms.end()), terms.end());
+  std::ranges::sort(terms, {}, &TTermRow::Key);
+  const auto doubles = std::ranges::unique(terms, {}, &TTermRow::Key);
+  terms.erase(doubles.begin(), doubles.end());
   const std::size_t all_terms = terms.size();
   terms.resize(std::min(all_terms, kMostTerms));
   const auto all_rules = static_cast<std::size_t>(rules.Rules().Count());
@@ -221,8 +224,8 @@ TPicture RulesPicture(std::string_view alias, const TFuzzyRuleSet& rules) {
   TPanel panel;
   TGrid grid = EmptyGrid(columns, terms.size());
   for (const TNamedTerm& term : named) {
-    const auto row =
-        static_cast<std::size_t>(std::ranges::lower_bound(terms, term.term) - terms.begin());
+    const auto row = static_cast<std::size_t>(
+        std::ranges::lower_bound(terms, term.term.Key(), {}, &TTermRow::Key) - terms.begin());
     if (row == terms.size() || !std::isfinite(term.degree)) continue;
     grid.values[row * columns + term.rule] = term.degree;
     grid.upper = std::max(grid.upper, std::abs(term.degree));

@@ -47,6 +47,10 @@ def main(program, folder):
                 r"Result: .*\n")
     interrupted(session, "train alias kt data d epochs 2000000000 LearningRate 0.1 neighbourhood {1}",
                 r"OK\n")
+    # A picture without a file is for the terminal, as wide as it is.
+    shown = session.say("plot t")
+    expect(shown, r"Errors of t\n\n.* epoch\nOK\n")
+    expect(str(max(map(len, shown.encode("latin-1").decode().split("\n")))), "1[89]\\d|200")
     # A script ends before its next line; nobody else opens the fifo; at the prompt the line goes.
     interrupted(session, "run filename (0)", r"Error: line 1 of file 0 .*interrupted\n")
     for command in "run", "load Data alias x", "save Data alias d", "log start":
