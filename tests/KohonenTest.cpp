@@ -1,11 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <limits>
 
 #include "Networks.h"
 #include "NeuralNets/Kernels/Kernels.h"
 #include "NeuralNets/Maps/TKohonenModule.h"
+#include "NeuralNets/Maps/TNearestSearch.h"
 #include "NeuralNets/Maps/TNeighbourhood.h"
 #include "NeuralNets/TErrorObj.h"
 
@@ -142,6 +144,67 @@ TEST(KohonenTest, TheLowerOfEqualUnitsWinsWhereverTheyStand) {
         w[36 * 3] = kNaN;
         for (std::size_t i = 0; i < 3; ++i) w[low * 3 + i] = w[high * 3 + i] = x[i] + 0.1;
         EXPECT_EQ(low, map->RecallCoordinates(data.get())->Row(0).Outputs[0]);
+      }
+    }
+  }
+}
+
+using TNearPair = std::array<std::pair<double, std::size_t>, 2>;
+
+// The two nearest units and their distances, by the formula.
+TNearPair TwoNearest(const TValues& w, std::span<const double> x) {
+  TNearPair nearest = {{{kInfinity, 0}, {kInfinity, 0}}};
+  for (std::size_t at = 0; at < w.size(); at += x.size()) {
+    double d = 0.0;
+    for (std::size_t i = 0; i < x.size(); ++i) d += (x[i] - w[at + i]) * (x[i] - w[at + i]);
+    if (d < nearest[1].first) nearest[1] = {d, at / x.size()};
+    if (d < nearest[0].first) std::swap(nearest[0], nearest[1]);
+  }
+  return nearest;
+}
+
+TEST(KohonenTest, ManyRowsFindTheirNearestUnitsWhateverTheRounding) {
+  constexpr std::size_t kUnits = 17 * 19;
+  constexpr int kRows = 70;
+  // Values are around a centre, in so many steps, or any where 0.
+  const struct {
+    double centre, width;
+    int steps;
+  } kCases[] = {{0.5, 0.5, 0},       {0, 1, 2},         {1, 0, 1},         {1, 1e-15, 9},
+                {1e3, 1e-9, 0},      {1e9, 1e-3, 0},    {1e9, 1e-5, 0},    {-1e14, 1, 0},
+                {1e145, 1e145, 3},   {1e152, 1e136, 0}, {1e200, 1e184, 9}, {0, 1e-7, 0},
+                {1e-150, 1e-153, 0}, {0, 1e-160, 0},    {0, 1e-162, 4},    {0, 1e-310, 0}};
+  for (const auto& c : kCases) {
+    for (const int inputs : {1, 3, 40}) {
+      const auto draw = [&] {
+        const double share = Random::Uniform(-1.0, 1.0);
+        return c.centre + c.width * (c.steps > 0 ? std::round(share * c.steps) / c.steps : share);
+      };
+      TValues w(kUnits * static_cast<std::size_t>(inputs));
+      std::ranges::generate(w, draw);
+      w[w.size() / 3] = inputs == 3 ? kNaN : inputs == 1 ? kInfinity : draw();
+      Data data(kRows, inputs, 0, false);
+      for (int n = 0; n < kRows; ++n) {
+        TValues x(w.begin() + n * inputs, w.begin() + (n + 1) * inputs);  // that of a unit
+        if (n % 2 == 1 && c.width < 1e14) std::ranges::generate(x, draw);
+        data.AddRow(x, {});
+      }
+      std::vector<TNearPair> expected;
+      for (int n = 0; n < kRows; ++n) expected.push_back(TwoNearest(w, data.Row(n).Inputs));
+      const TPrototypeTiles tiles(w, static_cast<std::size_t>(inputs));
+      for (const TKernelLevel level : kLevels) {
+        if (!ForceKernels(level)) continue;
+        const TNearestSearch search(tiles);
+        std::vector<TNearPair> pairs;
+        search.ForEachRow<TNearestUnits>(data, [&](const DataRow&, const TNearestUnits& found) {
+          const auto [first, second] = found;
+          pairs.push_back({{{first.distance, first.unit}, {second.distance, second.unit}}});
+        });
+        EXPECT_EQ(expected, pairs) << c.centre << ' ' << c.width << ' ' << inputs;
+        std::size_t n = 0;
+        search.ForEachRow<TWinner>(data, [&](const DataRow&, const TWinner& winner) {
+          EXPECT_EQ(expected[n++][0], std::pair(winner.distance, winner.unit)) << c.centre;
+        });
       }
     }
   }

@@ -59,8 +59,8 @@ struct TSmallLayer {
 // w is a matrix of `rows` x `columns` weights, row-major. m holds the flags of the weights, or is
 // null when every connection exists and is trainable: an absent connection contributes nothing,
 // even where its input is a NaN, and one that is absent or frozen keeps its weight. Buffers do not
-// overlap. Sums are formed in any order, except in the kernels for maps, which keep to the order of
-// the formulas, so that a map comes out the same with every table.
+// overlap. Sums are formed in any order, except in the kernels for maps other than least_scores,
+// which keep to the order of the formulas, so that a map comes out the same with every table.
 struct TKernels {
   using TSize = std::size_t;
 
@@ -124,10 +124,22 @@ struct TKernels {
   // t[(u / kTile * columns + i) * kTile + u % kTile]. Places behind the last unit hold NaN.
   static constexpr TSize kTile = 8;
 
+  // The score of unit u for a pattern x is halves[u] - sum over i of x[i] w_u[i]: half the squared
+  // distance less half the square of x where halves[u] is half the square of the prototype w_u, and
+  // what is left of that behind the last unit is NaN. Groups are of kGroup tiles, the last one of
+  // as many as remain. Into least[r * groups + g] goes the least score in group g for pattern x[r],
+  // for r < rows; NaN counts for nothing.
+  static constexpr TSize kGroup = 4;
+  void (*least_scores)(const double* t, TSize tiles, TSize columns, const double* halves,
+                       const double* const* x, TSize rows, double* least);
+
   // The unit whose prototype has the smallest squared distance from x, the first of equals, or -1
   // when none is below *distance, which becomes the distance of the unit.
   std::ptrdiff_t (*nearest)(const double* t, TSize tiles, TSize columns, const double* x,
                             double* distance);
+
+  // distances[k] = the squared distance from x of unit k of one tile
+  void (*distances)(const double* t, TSize columns, const double* x, double* distances);
 
   // Moves the prototypes of units first..last-1 towards x: t += rate (x - t)
   void (*approach)(double* t, TSize columns, TSize first, TSize last, const double* x, double rate);

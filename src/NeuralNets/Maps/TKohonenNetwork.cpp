@@ -5,15 +5,14 @@
 #include <utility>
 
 #include "DataObject/Data.h"
+#include "NeuralNets/Maps/TNearestSearch.h"
 #include "NeuralNets/Maps/TPrototypeTiles.h"
 #include "NeuralNets/TConnectedConnections.h"
 #include "NeuralNets/TErrorObj.h"
 #include "NeuralNets/TSimpleInputLayer.h"
 #include "NeuralNets/TSimpleLayer.h"
-#include "Shared/Interruption.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TException.h"
-#include "Shared/TTeam.h"
 
 namespace kiln {
 
@@ -24,27 +23,15 @@ constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
 constexpr std::size_t kInputLayer = 1;
 constexpr std::size_t kMapLayer = 2;
 constexpr int kLayers = 3;
-constexpr std::size_t kRowsOfPiece = 64;
 
-// Calls visit(row, unit) with each row of a set, in order, and its winner, for `function`. A team
-// looks for the winners first.
+// Calls visit(row, unit) with each row of a set, in order, and its winner, for `function`.
 template <typename TVisit>
 void ForEachWinner(const TKohonenNetwork& map, const Data& in, const char* function,
                    const TVisit& visit) {
   map.CheckInputsFit(in, function);
   const TPrototypeTiles tiles(map.Prototypes(), map.NumInputs());
-  std::vector<std::size_t> winners(static_cast<std::size_t>(in.DataRows()));
-  const std::size_t pieces = winners.size() / kRowsOfPiece + 1;
-  const double operations = 3.0 * static_cast<double>(map.Prototypes().size() * kRowsOfPiece);
-  TTeam::ForEach(pieces, TTeam::WorkersFor(pieces, operations),
-                 [&](std::size_t piece, std::size_t) {
-                   Interruption::Check();
-                   const std::size_t end = std::min((piece + 1) * kRowsOfPiece, winners.size());
-                   for (std::size_t n = piece * kRowsOfPiece; n < end; ++n) {
-                     winners[n] = tiles.Nearest(in.Row(static_cast<int>(n)).Inputs).unit;
-                   }
-                 });
-  for (std::size_t n = 0; n < winners.size(); ++n) visit(in.Row(static_cast<int>(n)), winners[n]);
+  TNearestSearch(tiles).ForEachRow<TWinner>(
+      in, [&](const DataRow& row, const TWinner& winner) { visit(row, winner.unit); });
 }
 
 }  // namespace

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <span>
 #include <vector>
+
+#include "NeuralNets/Kernels/Kernels.h"
 
 namespace kiln {
 
@@ -19,6 +22,9 @@ struct TWinner {
 // once: see TKernels::nearest.
 class TPrototypeTiles {
  public:
+  // Of the units of a tile.
+  using TDistances = std::array<double, TKernels::kTile>;
+
   // Copies rows of `inputs` values. REQUIRES: inputs > 0.
   TPrototypeTiles(std::span<const double> prototypes, std::size_t inputs);
 
@@ -26,6 +32,25 @@ class TPrototypeTiles {
   // Throws TAssertion "bestsofar >= 0" when no distance is a number below kFarthest.
   // REQUIRES: a value for each input.
   TWinner Nearest(std::span<const double> pattern) const;
+
+  std::size_t Units() const { return units_; }
+  std::size_t Inputs() const { return inputs_; }
+  std::size_t Tiles() const { return tiles_; }
+
+  // The squares of all prototypes; NaN in what is left of the last tile.
+  std::vector<double> Squares() const;
+
+  // See TKernels::least_scores. REQUIRES: `least` has room for the scores of all groups.
+  void LeastScores(std::span<const double> halves, std::span<const double* const> patterns,
+                   std::span<double> least) const;
+
+  // Makes a unit of the tiles first..last-1 the winner if it is nearer than the one so far; at
+  // equal distances that one stays. REQUIRES: the tiles exist; a value for each input.
+  void LookThrough(std::size_t first, std::size_t last, std::span<const double> pattern,
+                   TWinner& winner) const;
+
+  // The squared distances of the units of a tile, NaN behind the last unit.
+  TDistances Distances(std::size_t tile, std::span<const double> pattern) const;
 
   // Moves the prototypes of units first..last-1 by `rate` of their way to the pattern.
   // REQUIRES: the units exist; a value for each input.
