@@ -247,14 +247,15 @@ class TAssembly {
     FindPlaces(piece);
     const double* values = piece.values.data();
     auto label = piece.labels.begin();
-    std::vector<WeightedName> names(columns_.labels.size());
+    std::vector<WeightedName> names;
     LabelList labels;
     for (int n = 0; n < piece.rows; ++n, values += words_.size()) {
       FillSide(columns_.inputs, values, inputs_);
       FillSide(columns_.outputs, values, outputs_);
-      std::ranges::transform(columns_.labels, names.begin(), [&](std::size_t c) {
-        return WeightedName{*piece.words[columns_.all[c].words].All()[*label++], 1.0};
-      });
+      names.clear();
+      for (const std::size_t c : columns_.labels) {
+        names.push_back({*piece.words[columns_.all[c].words].All()[*label++], 1.0});
+      }
       labels.Clear();
       labels.Append(names);
       set.AddRow(inputs_, outputs_, &labels);
