@@ -63,6 +63,9 @@ TEST_F(Plot, WritesEachKindAsAScript) {
   for (const char* row : {"{2} outputs {7.5}", "{3} outputs {6.5}", "{3} outputs {nan}"}) {
     Do(std::string("append alias e inputs ") + row);
   }
+  Do("create Data alias far inputs 3 outputs 0 rows 2 labels off");
+  Do("append alias far inputs {1700000000, 1e300, 1.7e308}");
+  Do("append alias far inputs {1700000100, 1e300, -1.7e308}");
   Do("create MLP alias line inputs 1 layers 2 hidden {} outputs 1 bias on functions {linear}");
   const struct {
     std::string what;
@@ -78,6 +81,9 @@ TEST_F(Plot, WritesEachKindAsAScript) {
       {"d columns {0}",
        {"'rows'", "'input0'", "0.125 0\n0.125 1\n", "'down'", "filledcurves y1=0"}},
       {"e", {"'e'", "$Points_1_1 << EOD\n2 7.5\n3 6.5\nEOD\n", "notitle"}},
+      {"far", {"set xrange [1699999996:1700000104]", "\n1700000100 1e+300\n"}},
+      {"far columns {1}", {"set xrange [1e+300:1.005e+300]"}},
+      {"far columns {2}", {"set xrange [-1e+300:1e+300]"}},
       {"net data d",
        {"'net on d: ", " of 3 right'", "'expected'", "'answered'", "'output0 0' 0, 'output0 1' 1",
         "set yrange [1.5:-0.5]"}},

@@ -9,9 +9,17 @@ namespace kiln {
 
 namespace {
 
-std::string Text(double value) {
-  constexpr int kDigits = 6;
-  return FormatGeneral(value, kDigits);
+constexpr int kDigits = 6;
+
+// The digits that tell numbers apart which are `step` from each other; where these are many, enough
+// for whole numbers in full.
+int DigitsFor(const TAxis& axis, double step) {
+  const double largest = std::max(std::abs(axis.lower), std::abs(axis.upper));
+  const double before_point = std::floor(std::log10(largest)) + 1.0;
+  const double digits = before_point - std::floor(std::log10(step));
+  if (!(digits > kDigits)) return kDigits;
+  constexpr double kMost = 15.0;
+  return static_cast<int>(std::min(std::max(digits, before_point), kMost));
 }
 
 // 1, 2 or 5 times a power of ten, at least `least`.
@@ -27,11 +35,12 @@ double RoundStep(double least) {
 std::vector<TTick> Linear(const TAxis& axis, std::size_t most) {
   std::vector<TTick> ticks;
   const double step = TickStep(axis, most);
+  const int digits = DigitsFor(axis, step);
   const double first = std::ceil(axis.lower / step - 1e-9);
   for (std::size_t i = 0; i <= most; ++i) {
     const double at = (first + static_cast<double>(i)) * step;
     if (at > axis.upper + step * 1e-9) break;
-    ticks.push_back({at, Text(at)});
+    ticks.push_back({at, FormatGeneral(at, digits)});
   }
   return ticks;
 }
@@ -49,7 +58,8 @@ std::vector<TTick> Powers(const TAxis& axis, std::size_t most) {
       const double at = factor * std::pow(10.0, power);
       const bool is_inside =
           at >= axis.lower * (1.0 - kRounding) && at <= axis.upper * (1.0 + kRounding);
-      if (is_inside && (factor == 1.0 || has_few)) ticks.push_back({at, Text(at)});
+      if (is_inside && (factor == 1.0 || has_few))
+        ticks.push_back({at, FormatGeneral(at, kDigits)});
     }
   }
   return ticks;

@@ -60,11 +60,24 @@ TBounds BoundsOf(const Data& set, const TSetColumns& columns, std::size_t column
   return bounds;
 }
 
+// Whether values that are so far apart, the largest of them of this size, can be told apart by the
+// numbers along an axis.
+bool IsWide(double span, double size) {
+  constexpr double kLeastShare = 1e-9;
+  constexpr double kLeast = 1e-290;
+  return span > std::max(size * kLeastShare, kLeast);
+}
+
+// Beyond it drawing overflows.
+constexpr double kLargest = 1e300;
+
 // The intervals in which values are counted.
 struct TBins {
   TBins(const TBounds& bounds, int values) {
     constexpr double kMostWhole = 40.0;
-    if (bounds.is_whole && bounds.upper - bounds.lower < kMostWhole) {
+    constexpr double kExact = 1e15;  // up to which numbers have a place for their halves
+    const double size = std::max(std::abs(bounds.lower), std::abs(bounds.upper));
+    if (bounds.is_whole && size < kExact && bounds.upper - bounds.lower < kMostWhole) {
       count = static_cast<std::size_t>(bounds.upper - bounds.lower) + 1;
       lower = bounds.lower - 0.5;
       width = 1.0;
@@ -73,14 +86,14 @@ struct TBins {
     // Rice's rule.
     const double many = std::clamp(std::ceil(2.0 * std::cbrt(values)), 5.0, kMostWhole);
     count = static_cast<std::size_t>(many);
-    lower = bounds.lower;
-    width = bounds.upper / many - bounds.lower / many;
-    if (!(width > 0.0)) width = std::max(std::abs(lower), 1.0) * 1e-3;
+    lower = std::clamp(bounds.lower, -kLargest, kLargest);
+    width = std::clamp(bounds.upper, -kLargest, kLargest) / many - lower / many;
+    if (!IsWide(width * many, size)) width = std::max(std::abs(lower), 1.0) * 1e-3;
   }
 
   std::size_t Of(double value) const {
-    const double bin = std::floor((value - lower) / width);
-    return std::min(static_cast<std::size_t>(std::max(bin, 0.0)), count - 1);
+    const double bin = std::floor(value / width - lower / width);
+    return static_cast<std::size_t>(std::clamp(bin, 0.0, static_cast<double>(count - 1)));
   }
   double Edge(std::size_t bin) const { return lower + static_cast<double>(bin) * width; }
 
@@ -122,8 +135,8 @@ std::string Thinned(int stride, int all) {
 TAxis ValueAxis(std::string name, double lower, double upper) {
   constexpr double kRoom = 0.04;
   double margin = (upper / 2.0 - lower / 2.0) * 2.0 * kRoom;  // does not overflow
-  if (!(margin > 0.0)) margin = std::max(std::abs(lower) * kRoom, 1e-9);
-  constexpr double kLargest = 1e300;
+  const double size = std::max(std::abs(lower), std::abs(upper));
+  if (!IsWide(margin, size)) margin = std::max(size * kRoom, 1e-9);
   return {std::move(name),
           std::clamp(lower - margin, -kLargest, kLargest),
           std::clamp(upper + margin, -kLargest, kLargest),
@@ -143,12 +156,15 @@ int NumFinite(const Data& set, std::size_t x, std::size_t y) {
 
 TPicture ScatterPicture(std::string_view alias, const Data& set, std::size_t x, std::size_t y) {
   const TSetColumns columns(set);
-  const int stride = StrideFor(set.DataRows());
+  const int all = NumFinite(set, x, y);
+  const int stride = StrideFor(all);
   TSeriesOfClasses series(set, TStroke::kPoints);
   TBounds across, up;
-  for (int n = 0; n < set.DataRows(); n += stride) {
-    const TPoint point = {columns.Value(set.Row(n), x), columns.Value(set.Row(n), y)};
-    if (!std::isfinite(point.x) || !std::isfinite(point.y)) continue;
+  int finite = 0;
+  for (int n = 0; n < set.DataRows(); ++n) {
+    const DataRow row = set.Row(n);
+    const TPoint point = {columns.Value(row, x), columns.Value(row, y)};
+    if (!std::isfinite(point.x) || !std::isfinite(point.y) || finite++ % stride != 0) continue;
     series.All()[series.NumberOf(n)].points.push_back(point);
     across.Take(point.x);
     up.Take(point.y);
@@ -157,7 +173,8 @@ TPicture ScatterPicture(std::string_view alias, const Data& set, std::size_t x, 
   panel.x = ValueAxis(columns.Name(x), across.lower, across.upper);
   panel.y = ValueAxis(columns.Name(y), up.lower, up.upper);
   panel.series = std::move(series.All());
-  return {std::string(alias) + Thinned(stride, set.DataRows()), {std::move(panel)}};
+  std::erase_if(panel.series, [](const TSeries& one) { return one.points.empty(); });
+  return {std::string(alias) + Thinned(stride, all), {std::move(panel)}};
 }
 
 TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_t column) {

@@ -51,7 +51,14 @@ std::string QuotedTick(std::string_view text) {
   return quoted;
 }
 
+// A value on an axis; on a narrow axis far from 0 values differ in late digits alone.
 std::string Number(double value) {
+  constexpr int kDigits = 15;
+  return FormatGeneral(value, kDigits);
+}
+
+// A share of the picture's width or height.
+std::string Share(double value) {
   constexpr int kDigits = 7;
   return FormatGeneral(value, kDigits);
 }
@@ -159,7 +166,7 @@ class TScript {
   double Across(double x) const { return x / layout_.width; }
   double Up(double y) const { return 1.0 - y / layout_.height; }
   std::string At(double x, double y) const {
-    return " at screen " + Number(Across(x)) + ", screen " + Number(Up(y));
+    return " at screen " + Share(Across(x)) + ", screen " + Share(Up(y));
   }
 
   void WritePanel(const TPanel& panel, const TPanelPlace& place, std::size_t number) {
@@ -168,10 +175,10 @@ class TScript {
       Add("set label ", Quoted(picture_.title, TitleRoom()), At(12.0, 20.0), " left font '",
           Family(), " Bold,15' textcolor rgb ", kInk);
     }
-    Add("set lmargin at screen ", Number(Across(place.left)));
-    Add("set rmargin at screen ", Number(Across(place.left + place.width)));
-    Add("set tmargin at screen ", Number(Up(place.top)));
-    Add("set bmargin at screen ", Number(Up(place.top + place.height)));
+    Add("set lmargin at screen ", Share(Across(place.left)));
+    Add("set rmargin at screen ", Share(Across(place.left + place.width)));
+    Add("set tmargin at screen ", Share(Up(place.top)));
+    Add("set bmargin at screen ", Share(Up(place.top + place.height)));
     WriteAxes(panel, place);
     WriteTexts(panel, place);
     WriteKey(panel, place);
@@ -197,9 +204,9 @@ class TScript {
     if (panel.x.is_logarithmic) Add("set logscale x");
     if (panel.y.is_logarithmic) Add("set logscale y");
     if (!panel.grid) Add("set grid ytics linetype 1 linewidth 0.5 linecolor rgb '#e4e4e4'");
-    constexpr double kWide = 62.0;  // from number to number
-    constexpr double kHigh = 42.0;
-    WriteTicks("x", panel.x, place.width / kWide, place.turns_ticks ? " rotate by 90 right" : "");
+    constexpr double kHigh = 42.0;  // from number to number
+    const double wide = NumberWidth(panel.x) + 26.0;
+    WriteTicks("x", panel.x, place.width / wide, place.turns_ticks ? " rotate by 90 right" : "");
     WriteTicks("y", panel.y, place.height / kHigh, "");
     const double middle = place.top + place.height / 2;
     if (!panel.x.name.empty()) {
@@ -277,7 +284,8 @@ class TScript {
     const auto most = static_cast<std::size_t>(room / kLetterWidth);
     if (most == 0 || place.height / (panel.y.upper - panel.y.lower) < kLineHeight - 4.0) return;
     for (const TNote& note : panel.notes) {
-      const bool is_dark = panel.grid && Darkness(*panel.grid, note.x, note.y) > 0.5;
+      constexpr double kDark = 0.7;  // from where white is easier to read than black
+      const bool is_dark = panel.grid && Darkness(*panel.grid, note.x, note.y) > kDark;
       Add("set label ", Quoted(note.text, most), " at first ", Number(note.x), ", first ",
           Number(note.y), " center front font ',12' textcolor rgb ",
           is_dark ? "'#ffffff'" : "'#000000'");
@@ -316,9 +324,9 @@ class TScript {
     Add("set cbrange [", Number(grid.lower), ":", Number(grid.upper), "]");
     if (grid.name.empty()) return Add("unset colorbox");
     const double height = std::min(place.height, 200.0);
-    Add("set colorbox user origin ", Number(Across(place.left + place.width + 12.0)), ", ",
-        Number(Up(place.top + place.height)), " size ", Number(Across(10.0)), ", ",
-        Number(height / layout_.height), " noborder");
+    Add("set colorbox user origin ", Share(Across(place.left + place.width + 12.0)), ", ",
+        Share(Up(place.top + place.height)), " size ", Share(Across(10.0)), ", ",
+        Share(height / layout_.height), " noborder");
     constexpr double kHigh = 32.0;  // from number to number
     const TAxis scale = {"", grid.lower, grid.upper, false, {}};
     Add("set cbtics ", Number(TickStep(scale, static_cast<std::size_t>(height / kHigh))),

@@ -32,16 +32,19 @@ void Lift(TSeries& curve, double lower) {
 TAxis ErrorAxis(double lower, double upper) {
   TAxis axis = {"error", lower, upper, false, {}};
   constexpr double kSpan = 10.0;
-  constexpr double kMost = 1e12;  // what is below is as good as 0
+  constexpr double kMost = 1e12;      // what is below is as good as 0
+  constexpr double kLargest = 1e300;  // beyond it drawing overflows
   const double floor = std::max(lower, upper / kMost);
   if (upper > 0.0 && upper / floor >= kSpan) {
     axis.is_logarithmic = true;
     constexpr double kMargin = 1.25;
     axis.lower = floor / kMargin;
-    axis.upper = upper * kMargin;
+    axis.upper = std::min(upper * kMargin, kLargest);
     return axis;
   }
-  const double margin = upper > lower ? (upper - lower) / 20.0 : std::max(upper, 1e-9) / 2.0;
+  constexpr double kLeast = 1e-9;  // a narrower span is rounding: the curve is level
+  const bool is_level = upper - lower <= kLeast * upper;
+  const double margin = is_level ? std::max(upper, kLeast) / 2.0 : (upper - lower) / 20.0;
   axis.lower = std::max(lower - margin, 0.0);
   axis.upper = upper + margin;
   return axis;

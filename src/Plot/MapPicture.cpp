@@ -128,7 +128,9 @@ void Scale(std::vector<TPanel>& panels) {
     }
   }
   if (!(lower <= upper)) lower = upper = 0.0;
-  if (lower == upper) upper += std::max(std::abs(lower), 1.0) * 1e-6;
+  constexpr double kLeast = 1e-9;  // narrower, the numbers of the scale could not be told apart
+  const double size = std::max({std::abs(lower), std::abs(upper), 1e-290});
+  if (upper - lower < kLeast * size) upper = lower + std::max(size, 1.0) * 1e-6;
   for (TPanel& panel : panels) {
     panel.grid->lower = lower;
     panel.grid->upper = upper;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "Plot/AxisTicks.h"
 #include "Plot/Legible.h"
-#include "Shared/NumberFormat.h"
 
 namespace kiln {
 
@@ -25,15 +25,6 @@ std::size_t LongestTick(const TAxis& axis) {
   for (const std::string& tick : axis.ticks)
     longest = std::max(longest, Length(tick, kLongestTick));
   return longest;
-}
-
-double NumberWidth(const TAxis& axis) {
-  constexpr std::size_t kUsual = 5;
-  std::size_t longest = kUsual;
-  for (const double end : {axis.lower, axis.upper}) {
-    longest = std::max(longest, FormatGeneral(end, 3).size());
-  }
-  return static_cast<double>(longest) * kLetterWidth;
 }
 
 // Sizes of what stands within the axes, by the number of panels.
@@ -96,7 +87,7 @@ double KeyWidthBeside(const TPanel& panel) {
   for (const TSeries& series : panel.series) {
     longest = std::max(longest, Length(series.name, kLongestName));
   }
-  return static_cast<double>(longest) * kLetterWidth + kSample;
+  return static_cast<double>(longest) * kTickLetterWidth + kSample;
 }
 
 // What stands around an area.
@@ -191,6 +182,15 @@ std::vector<TPlacedHead> PlaceHeads(const TPanel& panel, double length, double l
     placed.push_back(std::move(candidate));
   }
   return placed;
+}
+
+double NumberWidth(const TAxis& axis) {
+  constexpr std::size_t kMostNumbers = 8;
+  std::size_t longest = 5;  // even where all are shorter
+  for (const TTick& tick : RoundTicks(axis, kMostNumbers)) {
+    longest = std::max(longest, tick.text.size());
+  }
+  return static_cast<double>(longest) * kLetterWidth;
 }
 
 TPictureLayout LayOut(const TPicture& picture) {

@@ -50,6 +50,9 @@ inline constexpr std::size_t kLongestName = 26;  // of a series in the key
 inline constexpr double kTitleHeight = 36.0;
 inline constexpr double kScaleWidth = 64.0;  // the explanation of shades, with its numbers
 
+// What the numbers along an axis take beside it.
+double NumberWidth(const TAxis& axis);
+
 TPictureLayout LayOut(const TPicture& picture);
 
 // How many panels stand side by side where there is room for all.

@@ -171,7 +171,7 @@ class TTextPanel {
     int free = 0;
     for (const auto& [at, text] : ticks) {
       const int begin = std::min(Column(at) - Size(text) / 2, left_ + 1 + width_ - Size(text));
-      if (begin < free) continue;
+      if (text.empty() || begin < free) continue;
       canvas.Write(begin, bottom + 1, text);
       canvas.Put(Column(at), bottom, U'┬');
       free = begin + Size(text) + 1;
