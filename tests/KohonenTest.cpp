@@ -10,6 +10,7 @@
 #include "NeuralNets/Maps/TNearestSearch.h"
 #include "NeuralNets/Maps/TNeighbourhood.h"
 #include "NeuralNets/TErrorObj.h"
+#include "Shared/TTeam.h"
 
 namespace kiln {
 namespace {
@@ -108,6 +109,53 @@ TEST(KohonenTest, TrainingFollowsItsRulesOnEveryGridAndProcessor) {
       EXPECT_EQ(slow_radii, radii);
       EXPECT_EQ(slow.w, PrototypesOf(*map));  // to the last digit
     }
+  }
+}
+
+TEST(KohonenTest, ByBatchUnitsGoToTheMeansOfTheirNeighbourhoods) {
+  const struct {
+    int inputs;
+    TSizes sizes;
+    TValues radii;
+  } kCases[] = {{2, {700}, {90}},          {3, {21, 19}, {5, 3}}, {1, {30}, {2}},
+                {4, {3, 8, 5}, {9, 1, 2}}, {2, {6, 7}, {-5, 3}},  {300, {4, 3}, {}}};
+  for (const auto& c : kCases) {
+    const auto start = MakeMap(c.inputs, c.sizes);
+    const auto data = MakePatterns(150, c.inputs, 0, 0.0, 1.0);
+    TSlowMap slow{c.sizes, PrototypesOf(*start)};
+    std::vector<TValues> expected = slow.w;
+    for (std::size_t j = 0; j < slow.w.size(); ++j) {
+      TValues sum(static_cast<std::size_t>(c.inputs));
+      int rows = 0;
+      for (int n = 0; n < data->DataRows(); ++n) {
+        const auto x = data->Row(n).Inputs;
+        const TSizes r(c.radii.begin(), c.radii.end());
+        if (!slow.Moves(static_cast<int>(j), slow.Winner(x), r)) continue;
+        for (std::size_t i = 0; i < x.size(); ++i) sum[i] += x[i];
+        ++rows;
+      }
+      for (std::size_t i = 0; rows > 0 && i < sum.size(); ++i) {
+        expected[j][i] += 0.7 * (sum[i] / rows - expected[j][i]);
+      }
+    }
+    std::vector<TValues> first;
+    for (const std::size_t workers : {1, 2, 3, 7}) {
+      TTeam::SetWorkers(workers);
+      const auto map = std::make_shared<TKohonenNetwork>(*start);
+      TValues radii = c.radii;
+      testing::internal::CaptureStdout();
+      TKohonenModule(map).TrainByBatch(*data, 0.7, radii, 1, 1.0, 1.0);
+      testing::internal::GetCapturedStdout();
+      const auto trained = PrototypesOf(*map);
+      for (std::size_t j = 0; j < trained.size(); ++j) {
+        for (std::size_t i = 0; i < trained[j].size(); ++i) {
+          ASSERT_NEAR(expected[j][i], trained[j][i], 1e-14) << j << ' ' << c.sizes[0];
+        }
+      }
+      if (workers == 1) first = trained;
+      EXPECT_EQ(first, trained) << workers;
+    }
+    TTeam::SetWorkers(1);
   }
 }
 

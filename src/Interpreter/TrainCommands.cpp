@@ -58,6 +58,11 @@ double DefaultFactor(int epochs) {
   return std::pow(0.01, 1.0 / std::max(epochs, 10));
 }
 
+// Any other word than batch stands for pattern, as for the trainers that go by gradients.
+bool IsBatch(const TCommandLine& line) {
+  return EqualNoCase(Optional(line.Word("mode"), std::string_view("pattern")), "batch");
+}
+
 TAnswer TrainMap(const TCommandLine& line, const TLesson& lesson) {
   const std::int64_t asked_epochs = Required(line.Long("epochs"), "tag epochs not found");
   const double rate = Required(line.Double("LearningRate"), "tag LearningRate not found");
@@ -76,7 +81,8 @@ TAnswer TrainMap(const TCommandLine& line, const TLesson& lesson) {
   RequireColumns(lesson.set_alias, lesson.set.Inputs(), "inputs", owner, map.NumInputs());
   if (lesson.set.DataRows() == 0) Fail(lesson.set_alias, " has no rows");
   CheckFiniteInputs(lesson.set_alias, lesson.set);
-  trainer->Train(lesson.set, rate, radii, epochs, rate_factor, radius_factor, lesson.observer);
+  const auto train = IsBatch(line) ? &TKohonenModule::TrainByBatch : &TKohonenModule::Train;
+  (*trainer.*train)(lesson.set, rate, radii, epochs, rate_factor, radius_factor, lesson.observer);
   return kDone;
 }
 
@@ -204,6 +210,9 @@ constexpr TTag kMapTags[] = {
     {"epochs", kLong, "how often to go through the set"},
     {"LearningRate", kDouble, "share of the way to the inputs that a unit goes"},
     {"neighbourhood", kDoubles, "how far units learn with the winner along each dimension"},
+    TTag{"mode", kChoice, "units move with every row, or once an epoch to means of rows"}
+        .Of("pattern batch")
+        .Or("pattern"),
     TTag{"RateFactor", kDouble, "what the rate is multiplied by before each epoch"}.Or(
         "0.01^(1/epochs)"),
     TTag{"RadiusFactor", kDouble, "likewise what a radius has beyond 1"}.Or("0.01^(1/epochs)"),

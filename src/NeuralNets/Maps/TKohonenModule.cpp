@@ -1,9 +1,11 @@
 #include "NeuralNets/Maps/TKohonenModule.h"
 
 #include <cmath>
+#include <optional>
 #include <string>
 
 #include "DataObject/Data.h"
+#include "NeuralNets/Maps/TMapBatch.h"
 #include "NeuralNets/Maps/TNeighbourhood.h"
 #include "NeuralNets/Maps/TPrototypeTiles.h"
 #include "Shared/Say.h"
@@ -22,9 +24,10 @@ constexpr char kModule[] = "NeuralNets/TKohonenNetwork";
                    "Invalid Parameter", "TKohonenModule::Train");
 }
 
-// One pass over the set. Returns the error that the observer is told.
-double RunEpoch(const Data& data, double rate, TPrototypeTiles& tiles,
-                TNeighbourhood& neighbourhood) {
+// One pass over the set, pattern by pattern. Returns the sum of the squared distances between
+// patterns and winners.
+double RunPatterns(const Data& data, double rate, TPrototypeTiles& tiles,
+                   TNeighbourhood& neighbourhood) {
   double sum = 0.0;
   for (int n = 0; n < data.DataRows(); ++n) {
     const std::span<const double> pattern = data.Row(n).Inputs;
@@ -34,7 +37,7 @@ double RunEpoch(const Data& data, double rate, TPrototypeTiles& tiles,
       tiles.Approach(first, last, pattern, rate);
     });
   }
-  return std::sqrt(sum / (static_cast<double>(data.DataRows()) * data.Inputs()));
+  return sum;
 }
 
 }  // namespace
@@ -42,6 +45,26 @@ double RunEpoch(const Data& data, double rate, TPrototypeTiles& tiles,
 void TKohonenModule::Train(const Data& data, double learning_rate, std::span<double> radii,
                            int epochs, double rate_factor, double radius_factor,
                            const TEpochObserver& observer) {
+  Run(data, {learning_rate, rate_factor, radii, radius_factor, epochs}, observer,
+      [&](double rate, TPrototypeTiles& tiles, TNeighbourhood& neighbourhood) {
+        return RunPatterns(data, rate, tiles, neighbourhood);
+      });
+}
+
+void TKohonenModule::TrainByBatch(const Data& data, double learning_rate, std::span<double> radii,
+                                  int epochs, double rate_factor, double radius_factor,
+                                  const TEpochObserver& observer) {
+  std::optional<TMapBatch> batch;
+  Run(data, {learning_rate, rate_factor, radii, radius_factor, epochs}, observer,
+      [&](double rate, TPrototypeTiles& tiles, TNeighbourhood& neighbourhood) {
+        if (!batch) batch.emplace(map_->Grid(), data, tiles);
+        return batch->RunEpoch(rate, neighbourhood.Radii());
+      });
+}
+
+void TKohonenModule::Run(const Data& data, const TSchedule& schedule,
+                         const TEpochObserver& observer, const TPass& pass) {
+  const auto& [learning_rate, rate_factor, radii, radius_factor, epochs] = schedule;
   const TMapGrid& grid = map_->Grid();
   Assert(static_cast<std::size_t>(data.Inputs()) == map_->NumInputs(),
          "Map -> GetNumInputs() == dimnum", kModule);
@@ -58,7 +81,8 @@ void TKohonenModule::Train(const Data& data, double learning_rate, std::span<dou
       neighbourhood.SetRadii(radii);
     }
     rate *= rate_factor;
-    const double error = RunEpoch(data, rate, tiles, neighbourhood);
+    const double sum = pass(rate, tiles, neighbourhood);
+    const double error = std::sqrt(sum / (static_cast<double>(data.DataRows()) * data.Inputs()));
     if (!std::isfinite(error)) FailNumber(epoch + 1);
     history_.Add(error);
     if (observer && !observer(epoch, error)) break;

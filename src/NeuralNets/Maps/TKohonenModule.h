@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <utility>
@@ -11,8 +12,10 @@
 namespace kiln {
 
 class Data;
+class TNeighbourhood;
+class TPrototypeTiles;
 
-// Trains a map, pattern by pattern: the winner w and, with radii, all units around it move towards
+// Trains a map. Pattern by pattern, the winner w and, with radii, all units around it move towards
 // the pattern x by the same share of the way, w += rate (x - w). The neighbourhood is a box that
 // reaches r[k] units from the winner along dimension k, as far as the grid goes.
 //
@@ -40,7 +43,27 @@ class TKohonenModule {
   void Train(const Data& data, double learning_rate, std::span<double> radii, int epochs,
              double rate_factor, double radius_factor, const TEpochObserver& observer = {});
 
+  // The same, but each unit moves once an epoch, towards the mean of the patterns whose winners'
+  // boxes hold it (see TMapBatch). The winners are those of the prototypes before the epoch.
+  void TrainByBatch(const Data& data, double learning_rate, std::span<double> radii, int epochs,
+                    double rate_factor, double radius_factor, const TEpochObserver& observer = {});
+
  private:
+  struct TSchedule {
+    double learning_rate;
+    double rate_factor;
+    std::span<double> radii;
+    double radius_factor;
+    int epochs;
+  };
+
+  // One epoch at a rate. Returns the sum of the squared distances between patterns and winners.
+  using TPass =
+      std::function<double(double rate, TPrototypeTiles& tiles, TNeighbourhood& neighbourhood)>;
+
+  void Run(const Data& data, const TSchedule& schedule, const TEpochObserver& observer,
+           const TPass& pass);
+
   std::shared_ptr<TKohonenNetwork> map_;
   TTrainHistory history_;
 };

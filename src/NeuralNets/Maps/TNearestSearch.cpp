@@ -2,7 +2,6 @@
 
 #include <array>
 
-#include "Shared/Interruption.h"
 #include "Shared/TAssertion.h"
 #include "Shared/TTeam.h"
 
@@ -116,15 +115,20 @@ double TNearestSearch::Slack(std::span<const double> pattern) const {
   return roundings * (kRounding * squares + kSmallest);
 }
 
+void TNearestSearch::FindWinners(const Data& set, std::span<TWinner> winners) const {
+  Find(set, 0, winners, [] {});
+}
+
 template <typename TFound>
-void TNearestSearch::Find(const Data& set, std::size_t first, std::span<TFound> found) const {
+void TNearestSearch::Find(const Data& set, std::size_t first, std::span<TFound> found,
+                          void (*before_piece)()) const {
   const std::size_t pieces = (found.size() + kRowsOfPiece - 1) / kRowsOfPiece;
   const double numbers = static_cast<double>(tiles_.Units()) * static_cast<double>(tiles_.Inputs());
   const std::size_t workers =
       TTeam::WorkersFor(pieces, numbers * static_cast<double>(kRowsOfPiece));
   std::vector<TWorkplace> workplaces(workers);
   TTeam::ForEach(pieces, workers, [&](std::size_t piece, std::size_t place) {
-    Interruption::Check();
+    before_piece();
     const std::size_t begin = piece * kRowsOfPiece;
     const std::size_t rows = std::min(kRowsOfPiece, found.size() - begin);
     FindPiece(set, first + begin, found.subspan(begin, rows), workplaces[place]);
@@ -178,7 +182,8 @@ std::size_t TNearestSearch::LookIntoGroups(std::span<const double> pattern,
   return looked_into;
 }
 
-template void TNearestSearch::Find(const Data&, std::size_t, std::span<TWinner>) const;
-template void TNearestSearch::Find(const Data&, std::size_t, std::span<TNearestUnits>) const;
+template void TNearestSearch::Find(const Data&, std::size_t, std::span<TWinner>, void (*)()) const;
+template void TNearestSearch::Find(const Data&, std::size_t, std::span<TNearestUnits>,
+                                   void (*)()) const;
 
 }  // namespace kiln

@@ -8,6 +8,7 @@
 
 #include "DataObject/Data.h"
 #include "NeuralNets/Maps/TPrototypeTiles.h"
+#include "Shared/Interruption.h"
 
 namespace kiln {
 
@@ -40,7 +41,8 @@ class TNearestSearch {
 
   // Calls visit(row, found) for each row of a set, oldest first; TFound is TWinner or
   // TNearestUnits.
-  // Throws TAssertion "bestsofar >= 0" when a row has no winner, or no first unit.
+  // Throws TAssertion "bestsofar >= 0" when a row has no winner, or no first unit; TInterrupted
+  // where that is requested.
   // REQUIRES: the set has as many inputs as the prototypes.
   template <typename TFound, typename TVisit>
   void ForEachRow(const Data& set, const TVisit& visit) const {
@@ -49,12 +51,16 @@ class TNearestSearch {
     for (std::size_t first = 0; first < rows; first += kRowsAtATime) {
       const std::span part = std::span(found).first(std::min(kRowsAtATime, rows - first));
       std::ranges::fill(part, TFound());
-      Find(set, first, part);
+      Find(set, first, part, Interruption::Check);
       for (std::size_t n = 0; n < part.size(); ++n) {
         visit(set.Row(static_cast<int>(first + n)), part[n]);
       }
     }
   }
+
+  // Finds the winner of each row, oldest first, whatever is requested meanwhile: for trainings,
+  // which end with a whole epoch. Throws TAssertion and requires as above; `winners` are new.
+  void FindWinners(const Data& set, std::span<TWinner> winners) const;
 
  private:
   static constexpr std::size_t kRowsAtATime = 4096;
@@ -62,7 +68,8 @@ class TNearestSearch {
 
   // Finds units for the rows of a set from row `first` on. REQUIRES: nothing is found yet.
   template <typename TFound>
-  void Find(const Data& set, std::size_t first, std::span<TFound> found) const;
+  void Find(const Data& set, std::size_t first, std::span<TFound> found,
+            void (*before_piece)()) const;
 
   // What a worker has for itself.
   struct TWorkplace {

@@ -20,6 +20,9 @@ class TNeighbourhood {
   // REQUIRES: a radius for each dimension.
   void SetRadii(std::span<const double> radii);
 
+  // What was taken: whole numbers, at most the sizes of the grid, -1 for an empty box.
+  std::span<const int> Radii() const { return radii_; }
+
   // Calls visit(first, last) for the units first..last-1 of every row of the box, in ascending
   // order; a row runs along the last dimension. REQUIRES: winner < NumUnits() of the grid.
   template <typename TVisit>
