@@ -110,7 +110,8 @@ TPanel PanelOf(const TPlane& plane, TGrid grid) {
   };
   panel.x = axis("", plane.Columns(), grid.columns);
   panel.y = axis("", plane.Rows(), grid.rows);
-  if (plane.Rows() == 1) panel.y.ticks = {""};
+  if (grid.columns == 1) panel.x.ticks = {""};  // nothing to count
+  if (grid.rows == 1) panel.y.ticks = {""};
   panel.is_downwards = true;
   panel.grid = std::move(grid);
   return panel;

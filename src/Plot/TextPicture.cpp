@@ -105,8 +105,9 @@ class TTextPanel {
     width_ = std::min(width_, columns * cell);
     constexpr int kNarrow = 3;  // too narrow for a number and a blank
     shows_notes_ = !grid.name.empty() || cell > kNarrow;
-    height_ = has_words ? rows
-                        : std::max(1, static_cast<int>(std::lround(0.5 * width_ * rows / columns)));
+    constexpr double kTallest = 100.0;
+    const double high = std::clamp(std::round(0.5 * width_ * rows / columns), 1.0, kTallest);
+    height_ = has_words ? rows : static_cast<int>(high);
   }
 
   int Column(double x) const {
