@@ -206,14 +206,17 @@ TLineEditor& TLineEditor::Of(EditLine* editor) {
 // Reads on through signals, but for the wish to drop the line. Returns what read() does.
 ssize_t TLineEditor::ReadByte(char& byte) {
   for (;;) {
-    const ssize_t count = read(STDIN_FILENO, &byte, 1);
-    const int error = errno;
+    Signals::WaitForKey(STDIN_FILENO);
     const Signals::TScreenChange change = Signals::TakeScreenChange();
     if (change != Signals::TScreenChange::kNone) Redraw(change);
-    if (count >= 0 || error != EINTR) return count;
-    if (!Interruption::IsRequested()) continue;
-    Drop();
-    return count;
+    if (Interruption::IsRequested()) {
+      Drop();
+      errno = EINTR;
+      return -1;
+    }
+    if (change != Signals::TScreenChange::kNone) continue;
+    const ssize_t count = read(STDIN_FILENO, &byte, 1);
+    if (count >= 0 || errno != EINTR) return count;
   }
 }
 

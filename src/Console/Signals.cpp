@@ -1,5 +1,6 @@
 #include "Console/Signals.h"
 
+#include <poll.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -10,6 +11,7 @@
 
 #include "FileHandler/Syntax/SafeFile.h"
 #include "Shared/Interruption.h"
+#include "Shared/TSignalsBlocked.h"
 
 namespace kiln::Signals {
 
@@ -100,6 +102,14 @@ TEditScope::~TEditScope() {
 
 TScreenChange TakeScreenChange() {
   return screen_change.exchange(TScreenChange::kNone);
+}
+
+void WaitForKey(int descriptor) {
+  // Signals come during the wait or before the look, and not in between.
+  const TSignalsBlocked blocked;
+  if (screen_change != TScreenChange::kNone || Interruption::IsRequested()) return;
+  pollfd key = {descriptor, POLLIN, 0};
+  ppoll(&key, 1, nullptr, &blocked.Before());
 }
 
 TCommandScope::TCommandScope() {

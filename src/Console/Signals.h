@@ -31,8 +31,12 @@ enum class TScreenChange {
   kResumed,  // the program had been stopped, and others have used the screen
 };
 
-// The latest change since the last call. A change ends a wait for keys by EINTR.
+// The latest change since the last call.
 TScreenChange TakeScreenChange();
+
+// Waits until there is a key to be read, or until a change or an interruption has come, which may
+// have been before the wait.
+void WaitForKey(int descriptor);
 
 // Stands for a command that runs. Earlier requests of an interruption are forgotten.
 class TCommandScope {

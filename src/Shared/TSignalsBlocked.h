@@ -18,6 +18,9 @@ class TSignalsBlocked {
   TSignalsBlocked(const TSignalsBlocked&) = delete;
   TSignalsBlocked& operator=(const TSignalsBlocked&) = delete;
 
+  // The signals that were kept from the thread before.
+  const sigset_t& Before() const { return before_; }
+
  private:
   sigset_t before_ = {};
 };
