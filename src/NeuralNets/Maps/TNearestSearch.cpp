@@ -24,7 +24,7 @@ constexpr double kLargestSquare = 1e300;
 // --- One winner ------------------------------------------------------------------------------
 
 double LeastOf(std::span<const double> scores) {
-  std::array<double, 8> least;  // that none waits for the one before
+  std::array<double, 8> least = {};  // that none waits for the one before
   least.fill(std::numeric_limits<double>::infinity());
   std::size_t i = 0;
   for (; i + least.size() <= scores.size(); i += least.size()) {
@@ -138,7 +138,7 @@ void TNearestSearch::Find(const Data& set, std::size_t first, std::span<TFound> 
 template <typename TFound>
 void TNearestSearch::FindPiece(const Data& set, std::size_t first, std::span<TFound> found,
                                TWorkplace& workplace) const {
-  std::array<const double*, kRowsOfPiece> inputs;
+  std::array<const double*, kRowsOfPiece> inputs = {};
   for (std::size_t r = 0; r < found.size(); ++r) {
     inputs[r] = set.Row(static_cast<int>(first + r)).Inputs.data();
   }

@@ -80,7 +80,7 @@ void TPrototypeTiles::LookThrough(std::size_t first, std::size_t last,
 
 TPrototypeTiles::TDistances TPrototypeTiles::Distances(std::size_t tile,
                                                        std::span<const double> pattern) const {
-  TDistances distances;
+  TDistances distances = {};
   Kernels().distances(values_.data() + tile * inputs_ * kTile, inputs_, pattern.data(),
                       distances.data());
   return distances;
