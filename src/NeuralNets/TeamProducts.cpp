@@ -13,8 +13,8 @@ constexpr double kAtOnce = 16.0;      // additions and multiplications, in regis
 
 }  // namespace
 
-void MultiplyByTeam(std::size_t rows, std::size_t depth, std::size_t columns, const TMatrixView& a,
-                    const double* b, std::size_t b_stride, double* c, std::size_t c_stride) {
+void ShareProduct(std::size_t rows, std::size_t depth, std::size_t columns, const TMatrixView& a,
+                  const double* b, std::size_t b_stride, double* c, std::size_t c_stride) {
   const double operations = 2.0 / kAtOnce * static_cast<double>(kFewRows * depth * columns);
   const std::size_t workers = TTeam::WorkersFor(rows / kFewRows, operations);
   if (workers == 1) {
