@@ -21,7 +21,7 @@ bool IsBlank(char c) {
 }
 
 // The numbers of a piece of the text, up to its end or the first thing that is none.
-struct TPiece {
+struct alignas(TTeam::kApart) TPiece {
   std::string_view text;
   std::vector<double> numbers;
   bool is_whole = false;  // nothing else stands in it
