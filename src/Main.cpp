@@ -128,7 +128,10 @@ int Tell(std::string_view text) {
 // The life of the program, once it knows its company.
 int Live(int argc, char* argv[]) {
   const auto options = kiln::ReadOptions(argc, argv);
-  if (!options) return kWrongOptions;
+  if (kiln::Ranks::OnAny(!options)) {
+    if (options) std::cerr << "kiln: another rank refuses its options or KILN_THREADS\n";
+    return kWrongOptions;
+  }
   if (options->asks_for_help) return Tell(kiln::HelpOnOptions());
   if (options->asks_for_version) return Tell("Kiln " + std::string(kiln::Version()) + "\n");
   if (!WorkIn(options->folder) || !TakeSameKernels()) return kWrongOptions;

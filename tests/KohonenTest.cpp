@@ -139,7 +139,7 @@ TEST(KohonenTest, ByBatchUnitsGoToTheMeansOfTheirNeighbourhoods) {
       }
     }
     std::vector<TValues> first;
-    for (const std::size_t workers : {1, 2, 3, 7}) {
+    for (const std::size_t workers : {1U, 2U, 3U, 7U}) {
       TTeam::SetWorkers(workers);
       const auto map = std::make_shared<TKohonenNetwork>(*start);
       TValues radii = c.radii;

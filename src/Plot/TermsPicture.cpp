@@ -214,8 +214,8 @@ TPicture RulesPicture(std::string_view alias, const TFuzzyRuleSet& rules) {
   terms.reserve(named.size());
   for (const TNamedTerm& term : named) terms.push_back(term.term);
   std::ranges::sort(terms, {}, &TTermRow::Key);
-  const auto doubles = std::ranges::unique(terms, {}, &TTermRow::Key);
-  terms.erase(doubles.begin(), doubles.end());
+  const auto is_same = [](const TTermRow& a, const TTermRow& b) { return a.Key() == b.Key(); };
+  terms.erase(std::unique(terms.begin(), terms.end(), is_same), terms.end());
   const std::size_t all_terms = terms.size();
   terms.resize(std::min(all_terms, kMostTerms));
   const auto all_rules = static_cast<std::size_t>(rules.Rules().Count());

@@ -20,8 +20,8 @@ namespace {
 // What a message is for.
 enum class TPurpose : std::uint64_t { kBytes, kAction, kResults, kBranches, kQuestion };
 
-TTransport* transport = nullptr;  // null for the only rank
-bool works_alone = false;         // at something that is this rank's own
+TTransport* carrier = nullptr;  // null for the only rank
+bool works_alone = false;       // at something that is this rank's own
 
 constexpr std::uint64_t kNothingNoted = 14695981039346656037U;
 std::uint64_t noted = kNothingNoted;  // a hash (FNV-1a) of all answers
@@ -42,7 +42,7 @@ class TWorkAlone {
   } else {
     std::this_thread::sleep_for(std::chrono::seconds(1));
   }
-  transport->EndAll();
+  carrier->EndAll();
   std::abort();
 }
 
@@ -60,6 +60,8 @@ struct TFailure {
       std::rethrow_exception(thrown);
     } catch (const std::bad_alloc&) {
       return {true, {}};
+    } catch (const std::length_error&) {
+      return {true, {}};
     } catch (const std::exception& failure) {
       return {false, failure.what()};
     }
@@ -68,12 +70,12 @@ struct TFailure {
 
 // Throws on all ranks what the rank `from` has thrown.
 [[noreturn]] void ThrowOnAll(std::size_t from, const std::exception_ptr& own) {
-  TFailure failure = from == transport->Own() ? TFailure::Of(own) : TFailure();
+  TFailure failure = from == carrier->Own() ? TFailure::Of(own) : TFailure();
   std::uint64_t size[] = {failure.is_memory, failure.message.size()};
-  transport->Broadcast(std::as_writable_bytes(std::span(size)), from);
+  carrier->Broadcast(std::as_writable_bytes(std::span(size)), from);
   failure.message.resize(size[1]);
-  transport->Broadcast(BytesOf(failure.message), from);
-  if (from == transport->Own()) std::rethrow_exception(own);
+  carrier->Broadcast(BytesOf(failure.message), from);
+  if (from == carrier->Own()) std::rethrow_exception(own);
   if (size[0] != 0) throw std::bad_alloc();
   throw std::runtime_error(failure.message);
 }
@@ -82,10 +84,10 @@ struct TFailure {
 // has been thrown on some of them, throws that of the first of these on all.
 void Meet(TPurpose purpose, std::size_t size, const std::exception_ptr& thrown = {}) {
   const std::uint64_t aim = static_cast<std::uint64_t>(purpose) + 8 * std::uint64_t{size};
-  const std::uint64_t ranks = transport->Count();
+  const std::uint64_t ranks = carrier->Count();
   // The largest complement is that of the smallest value.
-  std::uint64_t values[] = {aim, ~aim, noted, ~noted, thrown ? ranks - transport->Own() : 0};
-  transport->Maximise(values);
+  std::uint64_t values[] = {aim, ~aim, noted, ~noted, thrown ? ranks - carrier->Own() : 0};
+  carrier->Maximise(values);
   if (values[0] != ~values[1] || values[2] != ~values[3]) End();
   if (values[4] != 0) ThrowOnAll(ranks - values[4], thrown);
 }
@@ -104,16 +106,16 @@ std::exception_ptr Attempt(const TAction& action) {
 
 }  // namespace
 
-void Join(TTransport& joined) {
-  if (joined.Count() > 1) transport = &joined;
+void Join(TTransport& transport) {
+  if (transport.Count() > 1) carrier = &transport;
 }
 
 bool AreSeveral() {
-  return transport && !works_alone;
+  return carrier && !works_alone;
 }
 
 bool IsFirst() {
-  return !transport || transport->Own() == 0;
+  return !carrier || carrier->Own() == 0;
 }
 
 void Note(std::string_view answer) {
@@ -126,14 +128,14 @@ void Note(std::string_view answer) {
 void ShareBytes(std::span<std::byte> bytes) {
   if (!AreSeveral()) return;
   Meet(TPurpose::kBytes, bytes.size());
-  transport->Broadcast(bytes, 0);
+  carrier->Broadcast(bytes, 0);
 }
 
 bool OnAny(bool is_so) {
   if (!AreSeveral()) return is_so;
   Meet(TPurpose::kQuestion, 0);
   std::uint64_t values[] = {is_so};
-  transport->Maximise(values);
+  carrier->Maximise(values);
   return values[0] != 0;
 }
 
@@ -149,25 +151,25 @@ void internal::CarryOutOnFirst(const std::function<void()>& action) {
 
 void internal::CarryOutShare(std::span<std::byte> results, std::size_t size, std::size_t grain,
                              const std::function<void(std::size_t, std::size_t)>& carry_out) {
-  const std::size_t ranks = transport->Count();
-  const std::size_t own = transport->Own();
+  const std::size_t ranks = carrier->Count();
+  const std::size_t own = carrier->Own();
   const std::size_t count = results.size() / size;
   const std::size_t grains = (count + grain - 1) / grain;
   const auto end_of = [&](std::size_t rank) {
     return std::min(grains * (rank + 1) / ranks * grain, count);
   };
+  std::vector<std::size_t> ends(ranks);
+  for (std::size_t rank = 0; rank < ranks; ++rank) ends[rank] = end_of(rank) * size;
   const std::exception_ptr thrown =
       Attempt([&] { carry_out(own == 0 ? 0 : end_of(own - 1), end_of(own)); });
   Meet(TPurpose::kResults, results.size(), thrown);
-  std::vector<std::size_t> ends(ranks);
-  for (std::size_t rank = 0; rank < ranks; ++rank) ends[rank] = end_of(rank) * size;
-  transport->Gather(results, ends);
+  carrier->Gather(results, ends);
 }
 
 TSumTree::TSumTree(std::size_t leaves, double operations) : branches_(1), first_(0), end_(leaves) {
   if (!AreSeveral() || operations < kOperationsToShare) return;
-  branches_ = std::min(std::bit_floor(transport->Count()), leaves);
-  first_ = std::min(leaves / branches_ * transport->Own(), leaves);
+  branches_ = std::min(std::bit_floor(carrier->Count()), leaves);
+  first_ = std::min(leaves / branches_ * carrier->Own(), leaves);
   end_ = std::min(first_ + leaves / branches_, leaves);
 }
 
@@ -182,12 +184,12 @@ void TSumTree::AddUp(const std::function<std::span<double>()>& add_up,
   }
   const std::exception_ptr thrown = Attempt([&] { sums = add_up(); });
   Meet(TPurpose::kBranches, others.size(), thrown);
-  const std::size_t own = transport->Own();
+  const std::size_t own = carrier->Own();
   for (std::size_t step = 1; step < branches_ && own < branches_; step *= 2) {
-    transport->Swap(own ^ step, sums, others);
+    carrier->Swap(own ^ step, sums, others);
     std::ranges::transform(sums, others, sums.begin(), std::plus());
   }
-  if (branches_ < transport->Count()) transport->Broadcast(std::as_writable_bytes(sums), 0);
+  if (branches_ < carrier->Count()) carrier->Broadcast(std::as_writable_bytes(sums), 0);
 }
 
 }  // namespace kiln::Ranks
