@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <iostream>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "Console/LineEditor.h"
@@ -18,6 +19,7 @@
 #include "Console/TConsole.h"
 #include "Console/TPlainLines.h"
 #include "NeuralNets/Kernels/Kernels.h"
+#include "Shared/Cores.h"
 #include "Shared/Interruption.h"
 #include "Shared/Ranks.h"
 #include "Shared/TTeam.h"
@@ -61,10 +63,12 @@ bool Converse(kiln::TConsole& console, const kiln::TOptions& options, bool at_te
   return true;
 }
 
-// Has the workers share large work from now on. A person is told of more than there are cores for.
-void Employ(std::size_t workers) {
+// Has workers share large work from now on: as many as wanted, else one for each core. A person is
+// told of more than there are cores for.
+void Employ(std::optional<std::size_t> wanted) {
+  const std::size_t cores = kiln::Cores::Usable();
+  const std::size_t workers = wanted.value_or(cores);
   kiln::TTeam::SetWorkers(workers);
-  const std::size_t cores = kiln::TTeam::Cores();
   if (workers > cores && isatty(STDERR_FILENO)) {
     std::cerr << "kiln: " << workers << " workers share " << cores
               << (cores == 1 ? " core\n" : " cores\n");
@@ -156,5 +160,6 @@ int main(int argc, char* argv[]) {
   const std::unique_ptr<kiln::TTransport> machines = kiln::JoinMachines();
   if (machines) JoinRanks(*machines);
   const int status = Live(argc, argv);
+  kiln::Ranks::Part();
   return kiln::Ranks::IsFirst() ? status : EXIT_SUCCESS;
 }

@@ -78,6 +78,14 @@ class TMpiTransport : public TTransport {
     }
   }
 
+  void AddUpOnMachine(std::span<std::uint64_t> values) override {
+    MPI_Comm machine = MPI_COMM_NULL;
+    MPI_Comm_split_type(MPI_COMM_WORLD, MPI_COMM_TYPE_SHARED, 0, MPI_INFO_NULL, &machine);
+    MPI_Allreduce(MPI_IN_PLACE, values.data(), static_cast<int>(values.size()), MPI_UINT64_T,
+                  MPI_SUM, machine);
+    MPI_Comm_free(&machine);
+  }
+
   void EndAll() override { MPI_Abort(MPI_COMM_WORLD, EXIT_FAILURE); }
 
  private:

@@ -51,9 +51,10 @@ commands, 2 when an option is wrong and 130 after an interruption. Inside, type
 // Reads a number of cores that `source` has given. Returns whether it is one.
 bool TakeWorkers(TOptions& options, const char* text, const char* source) {
   const char* const end = text + std::strlen(text);
-  const auto [rest, fault] = std::from_chars(text, end, options.workers);
-  if (fault == std::errc() && rest == end && options.workers >= 1 &&
-      options.workers <= TTeam::kMaxWorkers) {
+  std::size_t workers = 0;
+  const auto [rest, fault] = std::from_chars(text, end, workers);
+  if (fault == std::errc() && rest == end && workers >= 1 && workers <= TTeam::kMaxWorkers) {
+    options.workers = workers;
     return true;
   }
   std::cerr << "kiln: " << source << " takes a number of cores from 1 to " << TTeam::kMaxWorkers
@@ -61,13 +62,11 @@ bool TakeWorkers(TOptions& options, const char* text, const char* source) {
   return false;
 }
 
-// Without an option the environment says how many workers there are, else as many as cores.
+// Without an option the environment may say how many workers there are.
 bool TakeDefaultWorkers(TOptions& options) {
   constexpr char kVariable[] = "KILN_THREADS";
   const char* const threads = std::getenv(kVariable);
-  if (threads && *threads) return TakeWorkers(options, threads, kVariable);
-  options.workers = TTeam::Cores();
-  return true;
+  return !threads || !*threads || TakeWorkers(options, threads, kVariable);
 }
 
 TTask File(std::string_view name) {
@@ -123,17 +122,15 @@ bool Take(TOptions& options, int letter, const char* argument) {
 
 std::optional<TOptions> ReadOptions(int argc, char* argv[]) {
   TOptions options;
-  bool has_workers = false;
   for (;;) {
     const int letter = getopt_long(argc, argv, kLetters, kOptions, nullptr);
     if (letter == -1) break;
-    has_workers = has_workers || letter == 'j';
     if (!Take(options, letter, optarg)) {
       std::cerr << "kiln --help shows the options\n";
       return std::nullopt;
     }
   }
-  if (!has_workers && !TakeDefaultWorkers(options)) return std::nullopt;
+  if (!options.workers && !TakeDefaultWorkers(options)) return std::nullopt;
   // Behind "--" everything is a file.
   for (; optind < argc; ++optind) options.tasks.push_back(File(argv[optind]));
   return options;

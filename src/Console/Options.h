@@ -24,7 +24,8 @@ struct TOptions {
   std::vector<TTask> tasks;      // in the order given
   std::filesystem::path folder;  // in which to work; empty: the present one
   TDefinitions definitions;
-  std::size_t workers = 1;
+  // Where none are given there is a worker for each core.
+  std::optional<std::size_t> workers;
   bool talks_on = false;         // has a conversation after the tasks
   bool is_quiet = false;         // writes results alone
   bool ends_at_failure = false;  // ends a conversation at the first command that fails

@@ -18,7 +18,15 @@ namespace kiln::Ranks {
 namespace {
 
 // What a message is for.
-enum class TPurpose : std::uint64_t { kBytes, kAction, kResults, kBranches, kQuestion };
+enum class TPurpose : std::uint64_t {
+  kBytes,
+  kAction,
+  kResults,
+  kBranches,
+  kQuestion,
+  kMachine,
+  kEnd
+};
 
 TTransport* carrier = nullptr;  // null for the only rank
 bool works_alone = false;       // at something that is this rank's own
@@ -38,7 +46,9 @@ class TWorkAlone {
 // Ends the session on all ranks. The first one, which alone can be heard, has a second to say so.
 [[noreturn]] void End() {
   if (IsFirst()) {
-    std::cerr << "kiln: the ranks do not answer alike any more; is the memory of one exhausted?\n";
+    std::cerr
+        << "kiln: the ranks do not answer alike any more; has one other options, or too little "
+           "memory?\n";
   } else {
     std::this_thread::sleep_for(std::chrono::seconds(1));
   }
@@ -118,6 +128,10 @@ bool IsFirst() {
   return !carrier || carrier->Own() == 0;
 }
 
+void Part() {
+  if (AreSeveral()) Meet(TPurpose::kEnd, 0);
+}
+
 void Note(std::string_view answer) {
   constexpr std::uint64_t kPrime = 1099511628211U;
   if (!AreSeveral()) return;
@@ -137,6 +151,12 @@ bool OnAny(bool is_so) {
   std::uint64_t values[] = {is_so};
   carrier->Maximise(values);
   return values[0] != 0;
+}
+
+void AddUpOnMachine(std::span<std::uint64_t> values) {
+  if (!AreSeveral()) return;
+  Meet(TPurpose::kMachine, values.size());
+  carrier->AddUpOnMachine(values);
 }
 
 void ShareText(std::string& text) {

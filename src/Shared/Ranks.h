@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
@@ -29,6 +30,9 @@ bool AreSeveral();
 // Whether this is the rank that sees the outside.
 bool IsFirst();
 
+// Waits until all ranks have come to their end. One that ends before others ends the session.
+void Part();
+
 // Takes note of an answer. With the next message the ranks compare what they have noted.
 void Note(std::string_view answer);
 
@@ -53,6 +57,9 @@ TValue Shared(TValue value) {
 
 // Whether something is so on any rank.
 bool OnAny(bool is_so);
+
+// Gives each rank the sums of the values that those on its machine have, at each place by itself.
+void AddUpOnMachine(std::span<std::uint64_t> values);
 
 // Gives all ranks the text that the first one has.
 void ShareText(std::string& text);

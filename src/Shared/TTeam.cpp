@@ -1,7 +1,5 @@
 #include "Shared/TTeam.h"
 
-#include <sched.h>
-
 #include <array>
 #include <atomic>
 #include <cstdint>
@@ -157,16 +155,6 @@ void TTeam::SetWorkers(std::size_t workers) {
 
 std::size_t TTeam::Workers() {
   return workers_wanted.load(std::memory_order_relaxed);
-}
-
-std::size_t TTeam::Cores() {
-  std::size_t cores = std::thread::hardware_concurrency();
-#ifdef CPU_COUNT
-  cpu_set_t set;
-  if (sched_getaffinity(0, sizeof set, &set) == 0)
-    cores = static_cast<std::size_t>(CPU_COUNT(&set));
-#endif
-  return std::clamp<std::size_t>(cores, 1, kMaxWorkers);
 }
 
 std::size_t TTeam::WorkersFor(std::size_t pieces, double operations) {

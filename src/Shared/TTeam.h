@@ -28,9 +28,6 @@ class TTeam {
   static void SetWorkers(std::size_t workers);
   static std::size_t Workers();
 
-  // The cores that the program may use, at most kMaxWorkers.
-  static std::size_t Cores();
-
   // How many workers so many pieces are worth, which take about so many additions and
   // multiplications each: 1 where waking another one would take longer than it could save.
   static std::size_t WorkersFor(std::size_t pieces, double operations);

@@ -32,6 +32,9 @@ class TTransport {
   // Hands numbers to another rank and takes those that it hands to this one.
   virtual void Swap(std::size_t other, std::span<const double> given, std::span<double> taken) = 0;
 
+  // Gives each rank the sums of the values that those on its machine have, at each place by itself.
+  virtual void AddUpOnMachine(std::span<std::uint64_t> values) = 0;
+
   // Ends the program on all ranks, this one included, with status 1.
   virtual void EndAll() = 0;
 };

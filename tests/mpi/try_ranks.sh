@@ -15,7 +15,7 @@ fail() {
 ranks() {
   local number=$1
   shift
-  OMPI_ALLOW_RUN_AS_ROOT=1 OMPI_ALLOW_RUN_AS_ROOT_CONFIRM=1 timeout 120 \
+  OMPI_ALLOW_RUN_AS_ROOT=1 OMPI_ALLOW_RUN_AS_ROOT_CONFIRM=1 timeout 60 \
     mpirun --oversubscribe --mca btl self,vader -n "$number" "$@"
 }
 
@@ -68,6 +68,12 @@ ranks 1 "$kiln" session.kiln : -n 1 bash -c 'ulimit -v 300000; exec "$@"' - \
   "$kiln" -e 'create Data alias large inputs 1 outputs 1 rows 20000000 labels false' session.kiln \
   >answers 2>errors && fail "ranks that differ succeed"
 grep -q 'do not answer alike' errors || fail "ranks that differ: $(cat errors)"
+
+ranks 1 "$kiln" -e 'help quit' : -n 1 env KILN_THREADS=x "$kiln" -e 'help quit' >answers 2>errors &&
+  fail "success though a rank refuses its options"
+grep -q 'another rank refuses' errors || fail "a rank that refuses its options: $(cat errors)"
+ranks 1 "$kiln" -e 'help quit' : -n 1 "$kiln" -V >answers 2>errors && fail "ranks part unnoticed"
+grep -q 'other options' errors || fail "a rank that ends early: $(cat errors)"
 
 # Saves again and again until a rank is killed.
 rm best.net
