@@ -11,6 +11,7 @@
 #include <cwchar>
 #include <filesystem>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -163,6 +164,7 @@ class TLineEditor : public TLineSource {
   std::size_t RowsBefore(const char* place) const;
   void Redraw(Signals::TScreenChange change);
   void Drop();
+  void Take(std::string_view text);
   unsigned char Complete();
 
   const TInterpreter& interpreter_;
@@ -237,8 +239,8 @@ int TLineEditor::ReadCharacter(EditLine* editor, wchar_t* character) {
 
 // How many rows of the screen the line fills before this place in it.
 std::size_t TLineEditor::RowsBefore(const char* place) const {
-  const std::string text(el_line(editor_.get())->buffer, place);
-  return Screen::Width(prompt_ + text) / Screen::Columns(STDOUT_FILENO);
+  const std::string_view text(el_line(editor_.get())->buffer, place);
+  return (Screen::Width(prompt_) + Screen::Width(text)) / Screen::Columns(STDOUT_FILENO);
 }
 
 // Draws the line that is being edited where it stands or, when others have used the screen, where
@@ -282,16 +284,28 @@ bool TLineEditor::Next(std::string_view prompt) {
     return true;
   }
   if (!text || count <= 0) return false;
-  line_.assign(text, static_cast<std::size_t>(count));
-  while (line_.ends_with('\n') || line_.ends_with('\r')) line_.pop_back();
-  line_ = std::string(TrimBlanks(line_));
-  if (line_.size() > TLineReader::kLongest) fault_ = "line too long";
-  if (!line_.empty() && fault_.empty()) history_.Add(line_);
+  try {
+    Take({text, static_cast<std::size_t>(count)});
+  } catch (const std::bad_alloc&) {
+    fault_ = "not enough memory";
+  }
   return true;
 }
 
+void TLineEditor::Take(std::string_view text) {
+  while (text.ends_with('\n') || text.ends_with('\r')) text.remove_suffix(1);
+  line_ = TrimBlanks(text);
+  if (line_.size() > TLineReader::kLongest) fault_ = "line too long";
+  if (!line_.empty() && fault_.empty()) history_.Add(line_);
+}
+
+// The library knows nothing of exceptions.
 unsigned char TLineEditor::CompleteWord(EditLine* editor, int /*key*/) {
-  return Of(editor).Complete();
+  try {
+    return Of(editor).Complete();
+  } catch (const std::bad_alloc&) {
+    return CC_REFRESH_BEEP;
+  }
 }
 
 unsigned char TLineEditor::Complete() {

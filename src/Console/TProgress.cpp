@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <new>
+#include <system_error>
 
 #include "Console/Screen.h"
 #include "Interpreter/TCommandLine.h"
@@ -21,11 +23,16 @@ constexpr auto kRepeat = std::chrono::milliseconds(100);
 constexpr char kEraseLine[] = "\r\033[K";
 constexpr char kEraseBelow[] = "\r\033[J";  // this line and all below
 
-// They shall interrupt the thread that works.
+// Starts a thread that gets no signals: they shall interrupt the thread that works. Where the
+// system gives no more threads it returns none.
 template <typename TFunction>
 std::thread ThreadWithoutSignals(TFunction function) {
   const TSignalsBlocked blocked;
-  return std::thread(function);
+  try {
+    return std::thread(function);
+  } catch (const std::system_error&) {
+    return {};
+  }
 }
 
 // "12 s", "3 min", "5 h".
@@ -57,16 +64,16 @@ TProgress::~TProgress() {
     is_ending_ = true;
   }
   changed_.notify_one();
-  thread_.join();
+  if (thread_.joinable()) thread_.join();
 }
 
 void TProgress::Begin(std::string_view line) {
   {
     const std::lock_guard lock(mutex_);
-    is_running_ = true;
     script_line_ = 0;
     StartLine(line);
     command_start_ = line_start_;
+    is_running_ = true;
   }
   changed_.notify_one();
 }
@@ -108,9 +115,16 @@ void TProgress::Work() {
       continue;
     }
     changed_.wait_for(lock, kRepeat);
-    curve_.Add(done_.load(std::memory_order_relaxed), error_.load(std::memory_order_relaxed));
-    if (is_running_ && TClock::now() - command_start_ >= kPatience) Draw();
+    try {
+      Look();
+    } catch (const std::bad_alloc&) {  // the work may go on, and is drawn the next time
+    }
   }
+}
+
+void TProgress::Look() {
+  curve_.Add(done_.load(std::memory_order_relaxed), error_.load(std::memory_order_relaxed));
+  if (is_running_ && TClock::now() - command_start_ >= kPatience) Draw();
 }
 
 // The place of the line, where it is one of a script: at most half of what there is room for.

@@ -17,7 +17,7 @@ namespace kiln {
 // Shows on a terminal how far a command has come: one line, from half a second on, written anew ten
 // times a second and gone at the end; beneath it, where a training is to be watched, the curve of
 // its errors, drawn once a second. A thread of its own draws it, so that whoever works has nothing
-// to do but to store where he stands.
+// to do but to store where he stands. Where the system has no thread to give nothing is shown.
 class TProgress {
  public:
   // Draws on an open descriptor of a terminal, which stays its owner's.
@@ -47,6 +47,7 @@ class TProgress {
   using TClock = std::chrono::steady_clock;
 
   void Work();
+  void Look();
   void StartLine(std::string_view line);
   std::string Place(std::size_t columns) const;
   std::string Text(std::size_t columns) const;
@@ -72,7 +73,7 @@ class TProgress {
   std::string script_;            // the path of the script that it stands in
   std::int64_t script_line_ = 0;  // its number there; 0 where it is not of a script
 
-  std::thread thread_;  // the last member, since it uses the others
+  std::thread thread_;  // if there is one; the last member, since it uses the others
 };
 
 }  // namespace kiln

@@ -55,6 +55,11 @@ def main(program, folder):
     interrupted(session, "run filename (0)", r"Error: line 1 of file 0 .*interrupted\n")
     for command in "run", "load Data alias x", "save Data alias d", "log start":
         interrupted(session, command + " filename (fifo)", r"Error: interrupted\n")
+    # A fifo that is full keeps whoever writes waiting too.
+    reader = os.open("fifo", os.O_RDONLY | os.O_NONBLOCK)
+    expect(session.say("create Kohonen alias big inputs 99 dimensions 1 mapdim {99}"), "OK\n")
+    interrupted(session, "save Kohonen alias big filename (fifo)", r"Error: interrupted\n")
+    os.close(reader)
     os.write(session.terminal, b"destroy d")
     session.interrupt()
     expect(session.read(), r"destroy d\^C\nKiln>>")

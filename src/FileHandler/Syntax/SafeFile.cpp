@@ -140,7 +140,8 @@ class TemporaryFile {
   TDescriptor file_;
 };
 
-// Hands text on to a file, and keeps the reason of the first failure.
+// Hands text on to a file until that fails or an interruption is requested, and keeps the reason of
+// the first failure.
 class TFileBuffer : public std::streambuf {
  public:
   explicit TFileBuffer(const TDescriptor& file) : file_(file) {}
@@ -149,6 +150,7 @@ class TFileBuffer : public std::streambuf {
 
  protected:
   std::streamsize xsputn(const char* text, std::streamsize size) override {
+    if (Interruption::IsRequested()) return 0;
     if (WriteAll(file_, {text, static_cast<std::size_t>(size)})) return size;
     reason_ = errno;
     return 0;
@@ -170,7 +172,9 @@ void WriteTo(const TDescriptor& file, const std::function<void(Writer&)>& write)
     Writer writer(out);
     write(writer);
   }
-  if (!out) Fail(buffer.Reason());
+  if (out) return;
+  Interruption::Check();
+  Fail(buffer.Reason());
 }
 
 // Replaces the regular file at `path`, or makes one where there is none.
@@ -231,10 +235,16 @@ TDescriptor OpenToWrite(const std::string& path) {
 bool WriteAll(const TDescriptor& file, std::string_view text) {
   while (!text.empty()) {
     const ssize_t count = write(file.Number(), text.data(), text.size());
-    if (count >= 0)
+    if (count >= 0) {
       text.remove_prefix(static_cast<std::size_t>(count));
-    else if (errno != EINTR || Interruption::IsRequested())
+    } else if (errno != EINTR) {
       return false;
+    }
+    // A pipe that is full has taken a part before it waits.
+    if (!text.empty() && Interruption::IsRequested()) {
+      errno = EINTR;
+      return false;
+    }
   }
   return true;
 }

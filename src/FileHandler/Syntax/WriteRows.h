@@ -6,12 +6,14 @@
 #include <vector>
 
 #include "FileHandler/Syntax/Writer.h"
+#include "Shared/Interruption.h"
 #include "Shared/TTeam.h"
 
 namespace kiln::FileTools {
 
 // Writes the rows of a table, each with so many values, by write(writer, n) for the n-th of them.
-// Blocks of rows are the pieces of a team, each laid out by a writer of its own.
+// Blocks of rows are the pieces of a team, each laid out by a writer of its own. Throws
+// TInterrupted.
 template <typename TWrite>
 void WriteRows(Writer& writer, int rows, int values, const TWrite& write) {
   constexpr int kValuesOfPiece = 1 << 13;
@@ -29,6 +31,7 @@ void WriteRows(Writer& writer, int rows, int values, const TWrite& write) {
     const int left = (rows - first - 1) / rows_of_piece + 1;
     const std::size_t pieces = std::min(most, static_cast<std::size_t>(left));
     TTeam::ForEach(pieces, workers, [&](std::size_t piece, std::size_t) {
+      Interruption::Check();
       texts[piece].str({});
       Writer own(texts[piece]);
       const int begin = first + static_cast<int>(piece) * rows_of_piece;

@@ -2,6 +2,7 @@
 
 #include <ostream>
 
+#include "Shared/Interruption.h"
 #include "Shared/NumberFormat.h"
 #include "Shared/TAssertion.h"
 
@@ -76,7 +77,9 @@ void Writer::WriteNewline() {
 
 void Writer::WriteText(std::string_view text) {
   buffer_.append(text);
-  if (buffer_.size() >= kPiece) Flush();
+  if (buffer_.size() < kPiece) return;
+  Interruption::Check();
+  Flush();
 }
 
 void Writer::OpenBracket() {

@@ -12,6 +12,8 @@ namespace kiln::FileTools {
 // "[Name = value]"; between OpenBracket and CloseBracket they share one, "[A=1 B=2 ]".
 //
 // Text is gathered and handed to the stream in large pieces: at the latest by the destructor.
+// Between two pieces a requested interruption ends the writing: each operation may throw
+// TInterrupted.
 class Writer {
  public:
   explicit Writer(std::ostream& out);
