@@ -23,6 +23,7 @@
 #include "Shared/Interruption.h"
 #include "Shared/Ranks.h"
 #include "Shared/TTeam.h"
+#include "Shared/Text.h"
 
 namespace {
 
@@ -70,8 +71,7 @@ void Employ(std::optional<std::size_t> wanted) {
   const std::size_t workers = wanted.value_or(cores);
   kiln::TTeam::SetWorkers(workers);
   if (workers > cores && isatty(STDERR_FILENO)) {
-    std::cerr << "kiln: " << workers << " workers share " << cores
-              << (cores == 1 ? " core\n" : " cores\n");
+    std::cerr << "kiln: " << workers << " workers share " << kiln::Counted(cores, "core") << '\n';
   }
 }
 

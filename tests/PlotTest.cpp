@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -116,10 +116,13 @@ TEST_F(Plot, RefusesWhatCannotBeDrawn) {
       {"d columns {0, 1, 2}", "columns takes one column or two"},
       {"d columns {3}", "d has no column 3"},
       {"net", "tag data not found"},
-      {"net data empty", "empty has 1 rows: a picture takes two"},
+      {"net data empty", "empty has 1 row: a picture takes two"},
       {"k data empty", "empty has neither labels nor classes"},
       {"k columns {2}", "k has no column 2"},
-      {"fuzzy method rule", "unknown method rule: terms or rules"},
+      {"fuzzy method rule", "method takes terms or rules"},
+      {"fuzzy method rules data d", "method does not go with data"},
+      {"d data d", "data is no tag of plot"},
+      {"d column {0}", "column is no tag of plot: columns?"},
       {"words", "cannot plot this type of object"},
   };
   for (const auto& [what, failure] : cases) {
@@ -168,13 +171,16 @@ TEST(Legible, MakesAnyBytesText) {
       {"123456789", "123456789"},
       {"1234567890", "12345678…"},
       {"äöüäöüäöüä", "äöüäöüäö…"},
+      {"山桜a山桜", "山桜a山桜"},
+      {"山桜山桜山桜", "山桜山桜…"},  // a wide letter takes the room of two
+      {"山桜山桜a桜", "山桜山桜…"},
   };
   for (const auto& [text, legible] : cases) EXPECT_EQ(Legible(text, 9), legible);
   EXPECT_EQ(Utf8(Characters("Käfer λ 𝄞")), "Käfer λ 𝄞");
 }
 
 TEST(LargePicture, IsThinnedAndSaysSo) {
-  const auto start = std::chrono::steady_clock::now();
+  const std::clock_t start = std::clock();
   constexpr int kRows = 1000000;
   Data set(kRows, 2, 0, false);
   for (int n = 0; n < kRows; ++n) set.AddRow(std::vector{1.0 * n, 1.0 * (n % 7)}, {});
@@ -190,7 +196,7 @@ TEST(LargePicture, IsThinnedAndSaysSo) {
     EXPECT_LT(DrawText(picture, 80, TCharacters::kUnicode).size(), std::size_t{20000});
   }
   EXPECT_EQ(DistributionPicture("d", set, 1).panels[0].series[0].points[1].y, 142858);
-  EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
+  EXPECT_LT(std::clock() - start, 30 * CLOCKS_PER_SEC);
 }
 
 TEST(TextPicture, DrawsCurvesMarksAndCells) {

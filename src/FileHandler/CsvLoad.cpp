@@ -11,6 +11,7 @@
 #include "FileHandler/Syntax/ParseTools.h"
 #include "Shared/Interruption.h"
 #include "Shared/TTeam.h"
+#include "Shared/Text.h"
 
 namespace kiln::CsvFile {
 
@@ -97,10 +98,6 @@ class TPieceReader {
     std::vector<std::size_t> labels;
   };
 
-  static std::string Cells(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " cell" : " cells");
-  }
-
   // Tells whether the row counts.
   bool ReadRow(TScanner& scanner, std::vector<TWords>& words, TRow& row) const {
     bool counts = true;
@@ -113,8 +110,8 @@ class TPieceReader {
       }
       const bool goes_on = scanner.ReadSeparator();
       if (goes_on == (c < last)) continue;
-      if (goes_on) scanner.FailRow("more than " + Cells(last + 1));
-      scanner.FailRow(Cells(c + 1) + " in place of " + std::to_string(last + 1));
+      if (goes_on) scanner.FailRow("more than " + Counted(last + 1, "cell"));
+      scanner.FailRow(Counted(c + 1, "cell") + " in place of " + std::to_string(last + 1));
     }
     return counts;
   }

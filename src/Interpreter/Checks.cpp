@@ -49,6 +49,11 @@ const TRegistryNode& RequiredEntry(const TObjectRegistry& registry, std::string_
   return *node;
 }
 
+TSubject RequiredSubject(const TObjectRegistry& registry, std::string_view alias) {
+  RefuseReserved(alias);
+  return {alias, RequiredEntry(registry, alias)};
+}
+
 void RequireColumns(std::string_view set, int columns, std::string_view side,
                     std::string_view owner, std::size_t wanted) {
   if (static_cast<std::size_t>(columns) == wanted) return;

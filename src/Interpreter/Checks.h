@@ -71,6 +71,15 @@ std::string_view RequiredNewAlias(const TObjectRegistry& registry, const TComman
 // The entry called `alias`, which must exist.
 const TRegistryNode& RequiredEntry(const TObjectRegistry& registry, std::string_view alias);
 
+// What a command is about.
+struct TSubject {
+  std::string_view alias;
+  const TRegistryNode& node;
+};
+
+// The entry called `alias`, which must not be a reserved word and must exist.
+TSubject RequiredSubject(const TObjectRegistry& registry, std::string_view alias);
+
 // The object of an entry, or of the entry called `alias`, which must be a `T`. `what` completes the
 // message behind the alias.
 template <typename T>

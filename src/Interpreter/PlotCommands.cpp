@@ -30,15 +30,13 @@ namespace {
 
 using enum TValueKind;
 
-// What is to be drawn, and its alias.
-struct TSubject {
-  std::string_view alias;
-  const TRegistryNode& node;
-};
-
+// What is to be drawn.
 TSubject Subject(const TInterpreter& interpreter, const TCommandLine& line) {
-  const std::string_view alias = RequiredAlias(line, "plot", "plot takes an object");
-  return {alias, RequiredEntry(interpreter, alias)};
+  return RequiredSubject(interpreter, Required(line.Word("plot"), "plot takes an object"));
+}
+
+std::string CountedRows(int rows) {
+  return Counted(static_cast<std::size_t>(rows), "row");
 }
 
 // The file that the line names; nothing where the picture is for the terminal.
@@ -112,8 +110,8 @@ TPicture OfTrainer(const TInterpreter& /*interpreter*/, const TCommandLine& /*li
                    const TSubject& trainer) {
   const TTrainHistory& history = *TrainingHistory(trainer.node);
   if (NumDrawn(history) < 2) {
-    Fail(trainer.alias, " has ", std::to_string(NumDrawn(history)),
-         " points to draw: a curve takes two epochs of training");
+    Fail(trainer.alias, " has ", Counted(NumDrawn(history), "point"),
+         " to draw: a curve takes two epochs of training");
   }
   return HistoryPicture(trainer.alias, history, AsGeneticTrainer(trainer.node) != nullptr);
 }
@@ -156,7 +154,7 @@ TPicture OfAnswers(const TCommandLine& line, const TSubject& subject, const TBas
   RequireColumns(alias, set.Inputs(), "inputs", subject.alias, network.NumInputs());
   RequireColumns(alias, set.Outputs(), "outputs", subject.alias, network.NumOutputs());
   if (set.DataRows() < 2) {
-    Fail(alias, " has ", std::to_string(set.DataRows()), " rows: a picture takes two");
+    Fail(alias, " has ", CountedRows(set.DataRows()), ": a picture takes two");
   }
   if (!HasClasses(set)) return AnswersPicture(subject.alias, alias, network, set);
   if (network.NumOutputs() > kMostClassesInTable) {
@@ -175,10 +173,7 @@ TPicture OfPerceptron(const TInterpreter& interpreter, const TCommandLine& line,
 
 // Whether the line asks for rules, not for terms.
 bool WantsRules(const TCommandLine& line) {
-  const std::string_view method = Optional(line.Word("method"), std::string_view("terms"));
-  if (EqualNoCase(method, "terms")) return false;
-  if (!EqualNoCase(method, "rules")) Fail("unknown method ", method, ": terms or rules");
-  return true;
+  return EqualNoCase(line.Word("method").value, "rules");
 }
 
 TPicture OfRuleSet(const TSubject& subject, const TFuzzyRuleSet& rules, bool wants_rules) {
@@ -204,7 +199,12 @@ TPicture OfTarn(const TInterpreter& interpreter, const TCommandLine& line,
     labels = RequiredObject<TNetLabel>(interpreter, RequiredAlias(line, "labels"),
                                        " is not of type TarnLabel");
   }
-  if (const auto set = NamedSet(interpreter, line)) return OfAnswers(line, subject, *network, *set);
+  if (const auto set = NamedSet(interpreter, line)) {
+    for (const std::string_view tag : {"method", "labels"}) {
+      if (line.Word(tag).code == TReadCode::kRead) Fail(tag, " does not go with data");
+    }
+    return OfAnswers(line, subject, *network, *set);
+  }
   const TKQstructure as_they_are("Params");
   return OfRuleSet(subject, TNetRule::RETarn(*network, as_they_are, labels.get()), wants_rules);
 }
@@ -220,7 +220,7 @@ TPicture OfData(const TInterpreter& /*interpreter*/, const TCommandLine& line,
   if (drawn.empty() || drawn.size() > 2) Fail("columns takes one column or two");
   const int rows = NumFinite(*set, drawn.front(), drawn.back());
   if (rows < 2) {
-    Fail(subject.alias, " has ", std::to_string(rows), " rows of numbers: a picture takes two");
+    Fail(subject.alias, " has ", CountedRows(rows), " of numbers: a picture takes two");
   }
   if (drawn.size() == 1) return DistributionPicture(subject.alias, *set, drawn.front());
   return ScatterPicture(subject.alias, *set, drawn.front(), drawn.back());
@@ -288,7 +288,11 @@ const TForm& FormByObject(const TCommand& command, const TInterpreter& interpret
 }
 
 constexpr TCommand kCommands[] = {
-    {"plot", "draws a picture of an object", kPlot, FormByObject},
+    {.word = "plot",
+     .help = "draws a picture of an object",
+     .forms = kPlot,
+     .choose = FormByObject,
+     .is_strict = true},
 };
 
 }  // namespace

@@ -25,17 +25,10 @@ namespace {
 
 using enum TValueKind;
 
-// An object whose alias stands behind the word of the query.
-struct TSubject {
-  std::string_view alias;
-  const TRegistryNode& node;
-};
-
+// The object whose alias stands behind the word of the query.
 TSubject Subject(const TInterpreter& interpreter, const TCommandLine& line,
                  std::string_view query) {
-  const std::string_view alias = Selector(line, query);
-  RefuseReserved(alias);
-  return {alias, RequiredEntry(interpreter, alias)};
+  return RequiredSubject(interpreter, Selector(line, query));
 }
 
 TAnswer AliasExists(TInterpreter& interpreter, const TCommandLine& line) {

@@ -194,7 +194,7 @@ std::string RemarkOnRules(const TInterpreter& interpreter, const TCommandLine& l
   const auto rule_set = rules ? rules->As<TFuzzyRuleSet>() : nullptr;
   if (!rule_set) return {};
   const int count = rule_set->Rules().Count();
-  if (count > 0) return std::to_string(count) + (count == 1 ? " rule" : " rules");
+  if (count > 0) return Counted(static_cast<std::size_t>(count), "rule");
   const TRegistryNode* const network = interpreter.Find(line.Word("network").value);
   const auto tarn = network ? network->As<TTarn>() : nullptr;
   if (!tarn) return {};

@@ -95,7 +95,7 @@ int TInterpreter::Answer(const TCommandLine& line) {
     const TCommand* const command = FindCommand(line.CommandWord());
     if (!command) Fail("Unknown command");
     const TForm& form = command->choose(*command, *this, line);
-    if (is_strict_) RequireSound(*command, form, line.Text());
+    if (is_strict_ || command->is_strict) RequireSound(*command, form, line.Text());
     TAnswer answer = form.handler(*this, TCommandLine(line.Text(), form));
     if (!answer) return kSucceeded;
     result_message_ = std::move(*answer);

@@ -188,16 +188,21 @@ TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_
     if (!std::isfinite(value)) continue;
     most = std::max(most, ++counts[series.NumberOf(n)][bins.Of(value)]);
   }
-  TPicture picture = {std::string(alias), {}, true};
+  // Few are easily compared one below the other; more would be a tower.
+  constexpr std::size_t kMostStacked = 6;
+  const bool is_stacked = counts.size() <= kMostStacked;
+  TPicture picture = {std::string(alias), {}, is_stacked};
+  if (!is_stacked) picture.title.append(": ").append(columns.Name(column));
   for (std::size_t i = 0; i < counts.size(); ++i) {
     TPanel panel;
     panel.title = std::move(series.All()[i].name);
     panel.x = {"", bins.Edge(0), bins.Edge(bins.count), false, {}};
     panel.y = {"rows", 0.0, most * 1.05, false, {}, true};
-    panel.series.push_back({"", TStroke::kArea, series.All()[i].look, Stairs(bins, counts[i])});
+    const std::size_t look = is_stacked ? series.All()[i].look : 0;
+    panel.series.push_back({"", TStroke::kArea, look, Stairs(bins, counts[i])});
     picture.panels.push_back(std::move(panel));
   }
-  picture.panels.back().x.name = columns.Name(column);
+  if (is_stacked) picture.panels.back().x.name = columns.Name(column);
   return picture;
 }
 

@@ -1,5 +1,7 @@
 #include "Plot/Legible.h"
 
+#include <algorithm>
+
 namespace kiln {
 
 namespace {
@@ -35,7 +37,32 @@ bool IsControl(char32_t character) {
          (character >= 0x2066 && character <= 0x2069) || (character & 0xFFFEU) == 0xFFFE;
 }
 
+struct TRange {
+  char32_t first;
+  char32_t last;
+};
+
+// Hangul, radicals and kana up to ideographs and Yi, forms for vertical lines and full width,
+// pictures, and the planes of rarer ideographs.
+constexpr TRange kWide[] = {{0x1100, 0x115F},   {0x2E80, 0x303E},   {0x3041, 0xA4CF},
+                            {0xA960, 0xA97C},   {0xAC00, 0xD7A3},   {0xF900, 0xFAFF},
+                            {0xFE30, 0xFE6F},   {0xFF00, 0xFF60},   {0xFFE0, 0xFFE6},
+                            {0x1F300, 0x1F64F}, {0x1F900, 0x1F9FF}, {0x20000, 0x3FFFD}};
+
 }  // namespace
+
+std::size_t WidthOf(char32_t character) {
+  const auto holds = [character](const TRange& range) {
+    return character >= range.first && character <= range.last;
+  };
+  return std::ranges::any_of(kWide, holds) ? 2 : 1;
+}
+
+std::size_t WidthOf(std::u32string_view characters) {
+  std::size_t width = 0;
+  for (const char32_t character : characters) width += WidthOf(character);
+  return width;
+}
 
 std::u32string Characters(std::string_view text) {
   std::u32string characters;
@@ -60,15 +87,18 @@ std::string Utf8(std::u32string_view characters) {
 
 std::string Legible(std::string_view text, std::size_t most) {
   std::u32string legible;
-  while (!text.empty()) {
-    if (legible.size() == most) {
-      legible.back() = kDots;
-      break;
-    }
+  std::size_t width = 0;
+  while (!text.empty() && width <= most) {
     const char32_t character = TakeCharacter(text);
     legible += IsControl(character) ? U' ' : character;
+    width += WidthOf(legible.back());
   }
-  return Utf8(legible);
+  if (width <= most) return Utf8(legible);
+  while (width >= most) {
+    width -= WidthOf(legible.back());
+    legible.pop_back();
+  }
+  return Utf8(legible += kDots);
 }
 
 }  // namespace kiln

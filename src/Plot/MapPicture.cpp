@@ -144,7 +144,7 @@ class TClassMarks {
   TClassMarks(const std::vector<std::string>& names, std::size_t columns) : names_(names) {
     constexpr std::size_t kRoom = 48;  // characters in a row of a grid
     std::size_t longest = 0;
-    for (const std::string& name : names) longest = std::max(longest, Characters(name).size());
+    for (const std::string& name : names) longest = std::max(longest, WidthOf(Characters(name)));
     shows_names_ = longest * columns <= kRoom;
   }
 

@@ -17,7 +17,7 @@ constexpr double kNumberWidth = 23.0;     // of three digits, which are never tu
 constexpr double kGap = 8.0;              // between a text and what is next to it
 
 std::size_t Length(const std::string& text, std::size_t most) {
-  return std::min(Characters(text).size(), most);
+  return std::min(WidthOf(Characters(text)), most);
 }
 
 std::size_t LongestTick(const TAxis& axis) {
@@ -170,7 +170,7 @@ std::vector<TPlacedHead> PlaceHeads(const TPanel& panel, double length, double l
   std::vector<double> ends(kHeadRows, -letter);  // of the last text in each row
   for (const THead& head : heads) {
     TPlacedHead candidate = {Legible(head.text, most), 0.0, 0};
-    const double width = static_cast<double>(Characters(candidate.text).size()) * letter;
+    const double width = static_cast<double>(WidthOf(Characters(candidate.text))) * letter;
     const double along = (head.x - panel.x.lower) / (panel.x.upper - panel.x.lower) * length;
     candidate.middle = std::clamp(along, std::min(width / 2, length / 2),
                                   std::max(length - width / 2, length / 2));

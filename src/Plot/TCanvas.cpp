@@ -59,7 +59,11 @@ void TCanvas::Put(int column, int line, char32_t character) {
 }
 
 void TCanvas::Write(int column, int line, std::u32string_view text) {
-  for (const char32_t character : text) Put(column++, line, character);
+  for (const char32_t character : text) {
+    Put(column, line, character);
+    if (WidthOf(character) > 1) Put(column + 1, line, kRest);
+    column += static_cast<int>(WidthOf(character));
+  }
 }
 
 bool TCanvas::IsEmpty(int column, int line) const {
@@ -99,10 +103,10 @@ std::string TCanvas::Text(TCharacters characters) const {
     for (int column = 0; column < columns_; ++column) {
       const std::size_t i = Index(column, line);
       char32_t character = characters_[i];
-      if (character == 0 && dots_[i] != 0) {
-        character = kFirstPattern + dots_[i];
-      }
-      shown += character == 0 ? U' ' : is_ascii ? InAscii(character) : character;
+      if (character == 0 && dots_[i] != 0) character = kFirstPattern + dots_[i];
+      if (character == 0) character = U' ';
+      if (is_ascii) character = InAscii(character);
+      if (character != kRest) shown += character;
     }
     shown.resize(shown.find_last_not_of(U' ') + 1);
     text += Utf8(shown) += '\n';

@@ -22,6 +22,7 @@ class TCanvas {
   int Lines() const { return lines_; }
 
   void Put(int column, int line, char32_t character);
+  // A wide character takes two columns.
   void Write(int column, int line, std::u32string_view text);
   bool IsEmpty(int column, int line) const;  // of characters; true beyond the sheet
 
@@ -36,6 +37,8 @@ class TCanvas {
   std::string Text(TCharacters characters) const;
 
  private:
+  static constexpr char32_t kRest = 0xFFFFFFFF;
+
   bool IsInside(int column, int line) const {
     return column >= 0 && column < columns_ && line >= 0 && line < lines_;
   }
@@ -46,7 +49,7 @@ class TCanvas {
 
   int columns_;
   int lines_;
-  std::vector<char32_t> characters_;  // 0: nothing
+  std::vector<char32_t> characters_;  // 0: nothing; kRest: the second half of a wide one
   std::vector<unsigned char> dots_;   // as in the braille patterns of Unicode
 };
 

@@ -178,7 +178,7 @@ std::string NameOf(const TFuzzyRuleSet& rules, const TTermRow& term) {
   const TBasicMF* const mf = term.mf >= 0 ? set->GetMF(term.mf) : nullptr;
   const std::string name =
       Legible(mf ? mf->Name().value_or(std::to_string(term.mf)) : "?", kLongestTerm);
-  const std::size_t room = kLongestTick - 1 - Characters(name).size();
+  const std::size_t room = kLongestTick - 1 - WidthOf(Characters(name));
   return Legible(set->Name().value_or(""), room) + " " + name;
 }
 

@@ -35,7 +35,7 @@ std::u32string Short(std::string_view text, int most) {
 }
 
 int Size(std::u32string_view text) {
-  return static_cast<int>(text.size());
+  return static_cast<int>(WidthOf(text));
 }
 
 // One panel on a sheet of its own.
@@ -163,7 +163,9 @@ class TTextPanel {
   void DrawWords(TCanvas& canvas, int bottom) const {
     const int cell = width_ / static_cast<int>(panel_.x.ticks.size());
     constexpr int kLeast = 5;
-    const auto is_long = [](const std::string& word) { return word.size() > kLeast - 2; };
+    const auto is_long = [](const std::string& word) {
+      return Size(Characters(word)) > kLeast - 2;
+    };
     if (cell < kLeast && std::ranges::any_of(panel_.x.ticks, is_long)) return;
     DrawTicks(canvas, bottom, Words(panel_.x, std::max(cell - 1, kLeast - 2)));
   }

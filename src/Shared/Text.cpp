@@ -63,6 +63,13 @@ std::string Printable(std::string_view text) {
   return shown;
 }
 
+std::string Counted(std::size_t count, std::string_view noun) {
+  std::string text = std::to_string(count);
+  text.append(" ").append(noun);
+  if (count != 1) text += 's';
+  return text;
+}
+
 std::string_view TrimBlanks(std::string_view text) {
   const std::size_t begin = text.find_first_not_of(' ');
   if (begin == std::string_view::npos) return {};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <iterator>
 #include <ranges>
@@ -40,6 +41,9 @@ bool HasWord(std::string_view words, std::string_view word);
 // `text` with "^[" and the like in the place of control characters, line ends and tabs excepted, so
 // that a terminal that it is written to shows it and does nothing else.
 std::string Printable(std::string_view text);
+
+// "1 row", "2 rows".
+std::string Counted(std::size_t count, std::string_view noun);
 
 // `text` without the space characters at its ends. Tabs are not blanks on the command line.
 std::string_view TrimBlanks(std::string_view text);
