@@ -13,7 +13,7 @@ from contextlib import contextmanager
 from fcntl import F_DUPFD_CLOEXEC, fcntl
 from pathlib import Path
 from subprocess import PIPE, STDOUT, Popen, TimeoutExpired
-from typing import Any, Self
+from typing import Any, NoReturn, Self
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -38,8 +38,8 @@ class Session:
     """A console that lives as long as this object, and takes one line at a time.
 
     Threads may share it: they wait for each other. A process that is forked has to make its own.
-    The arguments are options of `kiln`, or files that it carries out first. Without a prompt (`-q`)
-    nobody could tell where an answer ends.
+    The arguments are options of `kiln`, or files that it carries out first. ValueError is raised for
+    those that leave no conversation: without prompts, ended by an error, or with its input read.
 
     >>> session = Session("--strict")
     >>> session.data("xor", [[0, 0], [0, 1], [1, 0], [1, 1]], [0, 1, 1, 0])
@@ -58,10 +58,13 @@ class Session:
     """
 
     def __init__(self, *arguments: str) -> None:
+        if any(map(re.compile("-|-[ishV]*[qb].*|--[qb].*").fullmatch, arguments)):
+            raise ValueError("a session cannot have the options -q (--quiet), -b (--batch) and -")
         self._pid = os.getpid()
         self._lock = threading.RLock()  # for one call at a time
-        self._signals = threading.RLock()  # for whether a call runs, and can be interrupted
-        self._running = self._interrupted = False
+        self._signals = threading.RLock()  # for whether a call runs that nobody has interrupted
+        self._interruptible = False
+        self._settled = True  # nothing is left to read
         self._markers = 0
         # Objects go through a file that has no name, so that there is nothing to clean up. It must not
         # be 0, 1 or 2, not even where these are closed, as in the workers of joblib.
@@ -76,13 +79,13 @@ class Session:
             command, 0, stdin=PIPE, stdout=PIPE, stderr=STDOUT, pass_fds=descriptors, start_new_session=True
         )
         self._end = weakref.finalize(self, _end, self._process, self._file, self._pid)
-        _value_of(os.fsdecode(self._read_until(PROMPT)))
+        _value_of(os.fsdecode(self._read_until(b"\n" + PROMPT).removesuffix(PROMPT)))
 
     def __call__(self, line: str) -> Any:
         """Carries out a command. Returns None for `OK`, else the result.
 
         A result is a number, a list (of lists) where it stands in braces, and text otherwise; of
-        an `@` line, what the system's command wrote.
+        an `@` line, what the system's command wrote. Such a command has no input.
 
         Raises Error with the text of an error, or when the program ends; ValueError where there
         is more than one line. Ctrl-C asks the command to end, and raises KeyboardInterrupt when
@@ -90,8 +93,10 @@ class Session:
         """
         if "\n" in line or "\0" in line:
             raise ValueError("a command is one line")
+        line = re.sub("^ *@", "@exec </dev/null; ", line)
         with self._turn():
-            return _value_of(os.fsdecode(self._ask(os.fsencode(line))))
+            answer = os.fsdecode(self._ask(os.fsencode(line)))
+            return answer or None if line.startswith("@") else _value_of(answer)
 
     def interrupt(self) -> None:
         """Asks the command that another thread has called to end in good order.
@@ -100,8 +105,8 @@ class Session:
         is called, nothing happens.
         """
         with self._signals:
-            if self._running and not self._interrupted:
-                self._interrupted = True
+            if self._interruptible:
+                self._interruptible = False
                 self._process.send_signal(signal.SIGINT)
 
     def data(self, alias: str, inputs: ArrayLike, outputs: ArrayLike | None = None) -> None:
@@ -165,6 +170,9 @@ class Session:
     def __exit__(self, *exception: object) -> None:
         self.close()
 
+    def __reduce__(self) -> NoReturn:
+        raise TypeError("a session cannot be copied or pickled: make another")
+
     @contextmanager
     def _turn(self) -> Iterator[None]:
         """Waits for other threads. No lock is safe behind a fork, so that comes first."""
@@ -176,37 +184,48 @@ class Session:
             yield
 
     def _ask(self, line: bytes) -> bytes:
-        """Returns all that is written until the next prompt."""
-        if self._interrupted:
-            self._synchronise()
-        with self._signals:
-            self._running = True
+        """Returns the answer to a line."""
+        # Of these the last line need not have an end, and may be anything, also a prompt.
+        is_free = re.match(rb" *$|@|!!", line)
+        if is_free or not self._settled:
+            self._settle()
+        self._settled = False
         try:
+            with self._signals:
+                self._interruptible = True
             self._write(line)
-            answer = self._read_until(PROMPT)
+            text = self._read_until(PROMPT if is_free else b"\n" + PROMPT)
         except KeyboardInterrupt:
             self.interrupt()
-            self._synchronise()
+            self._settle()
             raise
         finally:
             with self._signals:
-                self._running = False
-        if self._interrupted:
-            answer = (answer + self._synchronise()).replace(PROMPT, b"").lstrip()
-        return answer
+                interrupted, self._interruptible = not self._interruptible, False
+        # The line end and prompt of a signal that came while nothing was carried out, also from elsewhere.
+        stray = interrupted or (text.startswith(b"\n") and not is_free)
+        if stray or is_free:
+            text += self._settle()
+        self._settled = True
+        text = text.removesuffix(PROMPT)
+        return text.replace(b"\n" + PROMPT, b"") if stray else text
 
-    def _synchronise(self) -> bytes:
-        """Reads what an interrupted command leaves behind.
+    def _settle(self) -> bytes:
+        """Returns all that is left to read before the console waits for its next line.
 
-        A signal that comes before or after its command is answered with a line end and one more
-        prompt, and nobody can tell whether it did. This command has an answer of its own.
+        Nobody can tell from prompts alone: those of a system's command look alike, and a signal that comes
+        before or after its command is answered with one more. So this asks for something that has an
+        answer of its own. Transcripts hold every command but `log`.
         """
         self._markers += 1
-        marker = f"synchronise-{self._markers}"
-        self._write(f"\nhelp {marker}".encode())
-        rest = self._read_until(f"Error: no help for {marker}\n".encode() + PROMPT)
-        self._interrupted = False
-        return rest
+        marker = f"/dev/null/{self._markers}"
+        self._write(f"\nlog start filename ({marker})".encode())
+        echo = f"Error: cannot open file {marker}\n".encode()
+        text = b""
+        while echo not in text:
+            text += self._read_until(PROMPT)
+        self._settled = True
+        return text.partition(PROMPT + echo)[0]
 
     def _write(self, line: bytes) -> None:
         assert self._process.stdin
@@ -218,16 +237,16 @@ class Session:
             pass  # the program has ended; what it said last can be read
 
     def _read_until(self, end: bytes) -> bytes:
-        """Returns what is written before this end of it. Raises Error when the program ends."""
+        """Returns what is written until this end of it. Raises Error when the program ends."""
         assert self._process.stdout
-        text = bytearray()
+        text = bytearray(b"\n")  # a line begins here
         while not text.endswith(end):
             piece = os.read(self._process.stdout.fileno(), 1 << 20)
             if not piece:
                 last = text.decode("utf-8", "replace").strip() or "without a word"
                 raise Error(f"kiln has ended with status {self._process.wait()}: {last}")
             text += piece
-        return bytes(text[: -len(end)])
+        return bytes(text[1:])
 
 
 def _end(process: Popen[bytes], file: io.FileIO, pid: int) -> None:

@@ -1,10 +1,13 @@
 """Sessions: exactness, threads, interruption, and every way to an end."""
 
+import copy
 import doctest
 import gc
 import os
+import pickle
 import signal
 import threading
+import time
 from concurrent.futures import ThreadPoolExecutor
 
 import numpy as np
@@ -62,11 +65,25 @@ def test_results_are_text_numbers_and_lists(session):
     session("create Kohonen alias k inputs 2 dimensions 1 mapdim {2} seed 1")
     session("create KohonenTrainer alias guide network k")
     assert session("train alias guide data d epochs 3 LearningRate 0.1 neighbourhood {1}") is None
-    assert session("@printf 'one\\ntwo'") == "one\ntwo"
     with pytest.raises(kiln.Error, match="^epochs ten is no whole number"):
         session("train alias guide data d epochs ten LearningRate 0.1 neighbourhood {1}")
     with pytest.raises(ValueError):
         session("purge\npurge")
+
+
+def test_system_commands_write_what_they_like_and_read_nothing(session):
+    for first, last in (
+        (r"one\n", "two"),
+        (r"a\nKiln>>", r"OK\n\n"),
+        ("Kiln>>", "Kiln>>b"),
+        ("Error: ", "none"),
+    ):
+        written = session(f" @printf '{first}'; sleep 0.02; printf '{last}'")
+        assert written == (first + last).replace(r"\n", "\n")
+        assert session("query objects") == []
+    assert session("!!") == []
+    assert session("@cat") is session("@") is None
+    assert session("@printf two") == "two" and "two" in session("!!")
 
 
 def test_threads_take_turns(session):
@@ -103,6 +120,14 @@ def test_interrupts_at_any_moment_leave_answers_in_their_places(session):
         thread.join()
 
 
+def test_an_interrupt_from_elsewhere_leaves_answers_in_their_places(session):
+    for line, answer in (("query objects", []), ("", None), ("query aliasexists d", "false")):
+        for _ in range(2):
+            os.kill(session._process.pid, signal.SIGINT)
+            time.sleep(0.01)
+        assert session(line) == answer
+
+
 def test_control_c_ends_the_training_and_not_the_session(trainer):
     threading.Timer(0.2, os.kill, (os.getpid(), signal.SIGINT)).start()
     with pytest.raises(KeyboardInterrupt):
@@ -123,10 +148,23 @@ def test_a_program_that_ends_says_why():
         session("@echo one; kill -9 $PPID")
 
 
+@pytest.mark.parametrize("option", ["-q", "-sb", "--quiet", "--batch", "-"])
+def test_without_a_conversation_there_is_no_session(option):
+    with pytest.raises(ValueError):
+        kiln.Session(option)
+
+
 def test_a_program_that_is_not_there(monkeypatch):
     monkeypatch.setenv("KILN", "/nowhere/kiln")
     with pytest.raises(kiln.Error, match="/nowhere/kiln"):
         kiln.Session()
+
+
+@pytest.mark.parametrize("duplicate", [copy.copy, copy.deepcopy, pickle.dumps])
+def test_a_session_has_no_copies(session, duplicate):
+    with pytest.raises(TypeError, match="a session cannot be"):
+        duplicate(session)
+    assert session("query objects") == []
 
 
 def test_a_session_that_nobody_holds_ends_its_program():
