@@ -14,6 +14,7 @@ import warnings
 from collections.abc import Iterator, Sequence
 from contextlib import contextmanager
 from dataclasses import dataclass
+from numbers import Integral, Real
 from typing import Any, Self
 
 import numpy as np
@@ -33,12 +34,18 @@ from sklearn.exceptions import ConvergenceWarning
 from sklearn.metrics import pairwise_distances_argmin
 from sklearn.preprocessing import MinMaxScaler
 from sklearn.utils import check_random_state
+from sklearn.utils._param_validation import Interval, StrOptions
 from sklearn.utils.multiclass import check_classification_targets
 from sklearn.utils.validation import check_is_fitted
 
 from kiln.session import Matrix, Session
 
 TERMS = {2: ["small", "large"], 3: ["small", "medium", "large"]}  # names of so many terms
+
+COUNT = Interval(Integral, 1, None, closed="left")
+AT_LEAST_TWO = Interval(Integral, 2, None, closed="left")
+NOT_NEGATIVE = Interval(Real, 0, None, closed="left")
+POSITIVE = Interval(Real, 0, None, closed="neither")
 
 _own = threading.local()
 
@@ -69,7 +76,7 @@ def _braces(values: Sequence[object]) -> str:
     return "{" + ", ".join(map(str, values)) + "}"
 
 
-@dataclass(eq=False, repr=False)
+@dataclass(eq=False, repr=False, kw_only=True)
 class _Trained(BaseEstimator):
     """Networks that learn from examples: how they are trained, and how they answer.
 
@@ -92,6 +99,17 @@ class _Trained(BaseEstimator):
     mutation: float = 0.01
     random_state: Any = None
 
+    _parameter_constraints = {
+        "solver": [StrOptions({"gradient", "rprop", "adam", "levenberg", "genetic"})],
+        "penalty": [StrOptions({"quadratic", "forgetting"})],
+        "validation_fraction": [Interval(Real, 0, 1, closed="neither")],
+        "random_state": ["random_state"],
+        **dict.fromkeys(["max_iter", "batch_size", "n_iter_no_change", "population_size"], [COUNT]),
+        **dict.fromkeys(["tol", "decay"], [NOT_NEGATIVE]),
+        **dict.fromkeys(["learning_rate", "weight_bound"], [POSITIVE]),
+        **dict.fromkeys(["momentum", "mutation"], [Interval(Real, 0, 1, closed="both")]),
+    }
+
     def _description(self, inputs: int, outputs: int) -> str:
         """What to `create` for so many inputs and outputs."""
         raise NotImplementedError
@@ -100,6 +118,7 @@ class _Trained(BaseEstimator):
         """What to do with the trained network `net` and its data set `learn`."""
 
     def _learn(self, inputs: Matrix, targets: Matrix) -> None:
+        self._validate_params()
         self.scaler_ = MinMaxScaler().fit(inputs)
         seed = check_random_state(self.random_state).randint(2**31 - 1)
         description = self._description(inputs.shape[1], targets.shape[1])
@@ -170,8 +189,8 @@ class _Classifier(ClassifierMixin):
         best = self.predict_proba(X).argmax(axis=1)
         return self.classes_[best]
 
-    def _output_names(self) -> list[str]:
-        return [str(name) for name in self.classes_]
+    def _output_names(self) -> list[Any]:
+        return list(self.classes_)
 
 
 class _Regressor(RegressorMixin, MultiOutputMixin):
@@ -200,15 +219,20 @@ class _Perceptron(_Trained):
     hidden_layer_sizes: Sequence[int] = (10,)
     activation: str = "tanh"
 
+    _parameter_constraints = {
+        **_Trained._parameter_constraints,
+        "hidden_layer_sizes": ["array-like", COUNT],
+    }
+
     def _description(self, inputs: int, outputs: int) -> str:
-        hidden = list(self.hidden_layer_sizes)
+        hidden = list(np.atleast_1d(self.hidden_layer_sizes))
         last = "sigmoid" if is_classifier(self) else "linear"
         functions = _braces([self.activation] * len(hidden) + [last])
         sizes = f"inputs {inputs} layers {len(hidden) + 2} hidden {_braces(hidden)} outputs {outputs}"
         return f"MLP {sizes} bias true functions {functions}"
 
 
-@dataclass(eq=False, repr=False)
+@dataclass(eq=False, repr=False, kw_only=True)
 class _Tarn(_Trained):
     learning_rate: float = 0.1
     n_terms: int = 3
@@ -217,16 +241,25 @@ class _Tarn(_Trained):
     fixed_terms: bool = True
     simplify: bool = True
 
+    _parameter_constraints = {
+        **_Trained._parameter_constraints,
+        "n_terms": [AT_LEAST_TWO],
+        "n_output_terms": [AT_LEAST_TWO, None],
+        "n_rules": [COUNT],
+    }
+
     @property
     def rules_(self) -> str:
         """The rules that were found, in words, with an empty line between them."""
         return self.rules()
 
     def rules(self, names: Sequence[str] | None = None) -> str:
-        """The same rules with other names (features,) for the inputs."""
+        """The same rules with other names (features,) for the inputs, each of its own."""
         check_is_fitted(self)
         if names is None or not _rules_of(self.rule_file_):
             return _rules_of(self.rule_file_)
+        if not len({str(name).strip() for name in names} - {""}) == len(names) == self.n_features_in_:
+            raise ValueError(f"rules takes {self.n_features_in_} different names, not {list(names)}")
         with console() as session:
             session.load("FuzzyRules", "found", self.rule_file_)
             session("ritarn rules found network net")
@@ -236,11 +269,16 @@ class _Tarn(_Trained):
 
     def explain(self, x: ArrayLike) -> list[tuple[float, str]]:
         """How far each rule is met by inputs x (features,), from 0 to 1, and the rule; most first."""
-        row = self.scaler_.transform(np.reshape(np.asarray(x), (1, -1)))[0] if self.rules_ else []
+        rules, count = self.rules_, self.n_features_in_
+        if np.shape(x) not in ((count,), (1, count)):
+            raise ValueError(f"explain takes inputs of shape ({count},), not {np.shape(x)}")
+        if not rules:
+            return []
+        row = self.scaler_.transform(np.reshape(x, (1, count)))[0]
         with console() as session:
             session.load("FuzzyRules", "found", self.rule_file_)
-            fired = session(f"query fired rules found inputs {_braces(list(row))}") if len(row) else []
-        return sorted(zip(fired, self.rules_.split("\n\n")), reverse=True)
+            fired = session(f"query fired rules found inputs {_braces(row)}")
+        return sorted(zip(fired, rules.split("\n\n")), reverse=True)
 
     def _description(self, inputs: int, outputs: int) -> str:
         terms = _braces([self.n_terms] * inputs), _braces([self._terms_of_outputs()] * outputs)
@@ -262,9 +300,7 @@ class _Tarn(_Trained):
 
     def _make_labels(self, session: Session, names: Sequence[str]) -> None:
         """Makes labels `words` of the network `net`; names may be any text."""
-        if len(names) != self.n_features_in_:
-            raise ValueError(f"{len(names)} names for {self.n_features_in_} features")
-        names = [*names, *self._output_names()]
+        names = [str(name) for name in (*names, *self._output_names())]
         table = io.StringIO()
         # No column is called by what may be the number of another.
         csv.writer(table).writerows([["_" * name.isdigit() + name for name in names], [0] * len(names)])
@@ -347,8 +383,18 @@ class KohonenMap(ClassNamePrefixFeaturesOutMixin, TransformerMixin, ClusterMixin
     radius: float | None = None
     random_state: Any = None
 
+    _parameter_constraints = {
+        "map_size": ["array-like"],
+        "n_clusters": [COUNT],
+        "max_iter": [COUNT],
+        "learning_rate": [POSITIVE],
+        "radius": [NOT_NEGATIVE, None],
+        "random_state": ["random_state"],
+    }
+
     def fit(self, X: ArrayLike, y: object = None) -> Self:
         """Lays inputs X (rows, features) out on the map."""
+        self._validate_params()
         inputs = self._validate_data(X, dtype=np.float64)
         self._least, self._span = inputs.min(), np.ptp(inputs) or 1.0
         seed = check_random_state(self.random_state).randint(2**31 - 1)

@@ -1,8 +1,10 @@
 """Estimators: the rules of scikit-learn, its tools around them, and what only these can tell."""
 
 import doctest
+import os
 import pickle
 import signal
+import threading
 from pathlib import Path
 
 import numpy as np
@@ -45,7 +47,7 @@ def test_every_solver_learns_and_keeps_its_errors(solver):
     for model, data in (
         (PerceptronClassifier(), IRIS),
         (TarnClassifier(decay=1e-4, simplify=False), IRIS),
-        (PerceptronRegressor((4,), early_stopping=True), load_diabetes(return_X_y=True)),
+        (PerceptronRegressor(4, early_stopping=True), load_diabetes(return_X_y=True)),
     ):
         model.set_params(solver=solver, max_iter=40, random_state=1).fit(*data)
         assert model.score(*data) > (0.85 if len(data[0]) == 150 else 0.1)
@@ -74,14 +76,27 @@ def test_tools_around_estimators(tmp_path):
         assert session("query score network net data d").endswith(f"right {150 * best.score(*IRIS):.0f}")
 
 
+def test_wrong_parameters_are_named():
+    for name, value, *kinds in (
+        ("solver", "sgd", *KINDS[:4]),
+        ("penalty", "l2", *KINDS[:4]),
+        ("max_iter", 0, *KINDS),
+        ("hidden_layer_sizes", 0, *KINDS[:2]),
+        ("n_rules", 2.5, *KINDS[2:4]),
+        ("map_size", 5, KohonenMap),
+    ):
+        for kind in kinds:
+            with pytest.raises(ValueError, match=f"'{name}' parameter of {kind.__name__}"):
+                kind(**{name: value}).fit(*IRIS)
+
+
 def test_warnings():
     with pytest.warns(ConvergenceWarning):
         PerceptronClassifier(max_iter=1, tol=1e-6).fit(*IRIS)
-    signal.setitimer(signal.ITIMER_REAL, 0.3)
-    before = signal.signal(signal.SIGALRM, lambda *_: signal.raise_signal(signal.SIGINT))
+    interruption = threading.Timer(0.3, os.kill, (os.getpid(), signal.SIGINT))
+    interruption.start()
     with pytest.warns(UserWarning, match="interrupted"):
         model = PerceptronClassifier(max_iter=10**9).fit(*IRIS)
-    signal.signal(signal.SIGALRM, before)
     assert model.score(*IRIS) > 0.9
 
 
@@ -92,8 +107,12 @@ def test_rules_speak_of_what_the_network_knows():
     assert model.rules(["degrees C", "%"]) == model.rules_.replace("x0", "degrees_C")
     degree, rule = model.explain([40, 50])[0]
     assert degree > 0.8 and "<x0 is large" in rule and ("warm is yes" in rule or "cold is no" in rule)
-    with pytest.raises(ValueError):
-        model.rules(["one"])
+    assert model.rules([1, 2]) == model.rules_.replace("x0", "_1")
+    for names in (["one"], ["same", "same"], ["", "b"]):
+        with pytest.raises(ValueError, match="2 different names"):
+            model.rules(names)
+    with pytest.raises(ValueError, match=r"shape \(2,\), not \(3, 2\)"):
+        model.explain(inputs[:3])
     model.rule_file_ = model.rule_file_.replace(model.rules_, "")
     assert (model.rules_, model.rules(["a", "b"]), model.explain([1, 2])) == ("", "", [])
 
