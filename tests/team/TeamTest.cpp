@@ -70,14 +70,11 @@ TEST_P(Team, CarriesOutLoopsOfPiecesAtOnce) {
 
 // --- Sessions whose files are the same for every number of workers ---------------------------
 
-struct TSharedWork {
-  std::string kind, network, trainer, train;
-};
-
 class SharedWork : public TFileTest {
  protected:
-  // All that a session answers and the files hold that it writes.
-  std::string Session(const TSharedWork& work, int threads) const {
+  // What a session with a set of random rows, d, answers to the commands, and the file that each
+  // `save` among them writes.
+  std::string Session(int rows, const std::vector<std::string>& commands, int threads) const {
     TSession::SetThreads(threads);
     TSession session;
     std::string all;
@@ -85,60 +82,79 @@ class SharedWork : public TFileTest {
       const TSession::TReply reply = session.Execute(command);
       EXPECT_TRUE(reply.ok) << command << ": " << reply.text;
       all += reply.text + "\n";
+      if (command.starts_with("save")) all += Contents(path_);
     };
-    AddRows(say);
-    say("create " + work.kind + " alias n inputs 3 seed 1 " + work.network);
-    say("create " + work.trainer + " alias t network n");
-    say("train alias t data d " + work.train);
-    say("recall network n input d output o");
-    say("query score network n data d");
-    say("query history t");
-    for (const std::string& object :
-         {work.kind + " alias n", std::string("CSV alias o"), std::string("Data alias o")}) {
-      say("save " + object + " filename (" + path_ + ")");
-      all += Contents(path_);
-    }
-    say("load Data alias p filename (" + path_ + ")");
-    say("query score network n data p");
+    AddRows(rows, say);
+    for (const std::string& command : commands) say(command);
     TSession::SetThreads(1);
     return all;
   }
 
+  void ExpectTheSame(int rows, const std::vector<std::string>& commands) const {
+    const std::string alone = Session(rows, commands, 1);
+    for (const int threads : {2, 3, 7}) {
+      EXPECT_TRUE(Session(rows, commands, threads) == alone) << threads << " " << commands[2];
+    }
+  }
+
+  const std::string file_ = " filename (" + path_ + ")";
+
  private:
   template <typename TSay>
-  static void AddRows(const TSay& say) {
+  static void AddRows(int rows, const TSay& say) {
     Random::Seed(1);
     const auto value = [] { return FormatGeneral(Random::Uniform(0.0, 1.0), 17); };
-    say("create Data alias d inputs 3 outputs 2 rows 1100 labels off");
-    for (int row = 0; row < 1200; ++row) {
+    // The last rows take the places of the first.
+    say("create Data alias d inputs 3 outputs 2 labels off rows " + std::to_string(rows - 100));
+    for (int row = 0; row < rows; ++row) {
       say("append alias d inputs {" + value() + ", " + value() + ", " + value() + "} outputs {" +
           value() + ", " + value() + "}");
     }
   }
 };
 
+struct TTraining {
+  std::string kind, network, trainer, train;
+};
+
 const std::string kPerceptron = "layers 4 hidden {40, 20} outputs 2 bias true";
 const std::string kTarn = "condition {3, 4, 5} rules 30 outputs 2 action {3, 5}";
+const std::string kMap = "dimensions 2 mapdim {20, 20}";
 const std::string kBreed = "minweight -2 maxweight 2 population 30";
 
-TEST_F(SharedWork, IsTheSameForEveryNumberOfWorkers) {
-  const TSharedWork kinds[] = {
+TEST_F(SharedWork, OfTrainingAndRecallIsTheSameForEveryNumberOfWorkers) {
+  const TTraining kinds[] = {
       {"MLP", kPerceptron, "GATrainer " + kBreed, "generations 5 mutation 0.1 seed 3"},
       {"Tarn", kTarn, "GATrainer " + kBreed, "generations 5 validation d seed 3"},
       {"MLP", kPerceptron, "BPTrainer", "epochs 5 mode batch LearningRate 0.001 validation d"},
       {"MLP", kPerceptron, "BPTrainer",
        "epochs 3 method adam batch 530 penalty quadratic decay 1e-4"},
       {"MLP", "layers 3 hidden {30000} outputs 2 bias true", "BPTrainer", "epochs 1 mode batch"},
-      {"Kohonen", "dimensions 2 mapdim {20, 20}", "KohonenTrainer",
-       "epochs 2 LearningRate 0.1 neighbourhood {4, 4}"},
+      {"Kohonen", kMap, "KohonenTrainer", "epochs 2 LearningRate 0.1 neighbourhood {4, 4}"},
+      {"Kohonen", kMap, "KohonenTrainer",
+       "epochs 2 mode batch LearningRate 0.5 neighbourhood {4, 4}"},
       {"Tarn", kTarn, "BPTrainer", "epochs 3 method rprop error meansquare"},
   };
-  for (const TSharedWork& work : kinds) {
-    const std::string alone = Session(work, 1);
-    for (const int threads : {2, 3, 7}) {
-      EXPECT_TRUE(Session(work, threads) == alone) << threads << " " << work.train;
-    }
+  for (const TTraining& of : kinds) {
+    ExpectTheSame(1200, {"create " + of.kind + " alias n inputs 3 seed 1 " + of.network,
+                         "create " + of.trainer + " alias t network n",
+                         "train alias t data d " + of.train, "recall network n input d output o",
+                         "query score network n data d", "query history t",
+                         "save " + of.kind + " alias n" + file_, "save Data alias o" + file_});
   }
+}
+
+// Rules are tried part by part. Of each kind of file there are several pieces.
+TEST_F(SharedWork, OfRulesAndFilesIsTheSameForEveryNumberOfWorkers) {
+  ExpectTheSame(300,
+                {"create Tarn alias n inputs 3 seed 1 " + kTarn, "labeltarn network n labels l",
+                 "retarn network n labels l rules r data d method NodeLocation rounds 2 refit on",
+                 "save FuzzyRules alias r" + file_});
+  ExpectTheSame(6000, {"save Data alias d" + file_, "load Data alias again" + file_,
+                       "save CSV alias again" + file_,
+                       "load CSV alias table" + file_ + " outputs {output0, output1}",
+                       "save Data alias table" + file_});
+  EXPECT_GT(Contents(path_).size(), std::size_t{1} << 19);
 }
 
 }  // namespace
