@@ -19,16 +19,7 @@ from typing import Any, Self
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
-from sklearn.base import (
-    BaseEstimator,
-    ClassifierMixin,
-    ClassNamePrefixFeaturesOutMixin,
-    ClusterMixin,
-    MultiOutputMixin,
-    RegressorMixin,
-    TransformerMixin,
-    is_classifier,
-)
+from sklearn import base
 from sklearn.cluster import AgglomerativeClustering
 from sklearn.exceptions import ConvergenceWarning
 from sklearn.metrics import pairwise_distances_argmin
@@ -43,9 +34,24 @@ from kiln.session import Matrix, Session
 TERMS = {2: ["small", "large"], 3: ["small", "medium", "large"]}  # names of so many terms
 
 COUNT = Interval(Integral, 1, None, closed="left")
-AT_LEAST_TWO = Interval(Integral, 2, None, closed="left")
+COUNT_OF_TERMS = Interval(Integral, 2, None, closed="left")
 NOT_NEGATIVE = Interval(Real, 0, None, closed="left")
-POSITIVE = Interval(Real, 0, None, closed="neither")
+LIMITS = {  # of the parameters of all estimators
+    "solver": [StrOptions({"gradient", "rprop", "adam", "levenberg", "genetic"})],
+    "penalty": [StrOptions({"quadratic", "forgetting"})],
+    "hidden_layer_sizes": ["array-like", COUNT],
+    "map_size": ["array-like"],
+    "n_terms": [COUNT_OF_TERMS],
+    "n_output_terms": [COUNT_OF_TERMS, None],
+    "radius": [NOT_NEGATIVE, None],
+    "validation_fraction": [Interval(Real, 0, 1, closed="neither")],
+    "random_state": ["random_state"],
+    **dict.fromkeys(["max_iter", "batch_size", "n_iter_no_change"], [COUNT]),
+    **dict.fromkeys(["population_size", "n_rules", "n_clusters"], [COUNT]),
+    **dict.fromkeys(["tol", "decay"], [NOT_NEGATIVE]),
+    **dict.fromkeys(["learning_rate", "weight_bound"], [Interval(Real, 0, None, closed="neither")]),
+    **dict.fromkeys(["momentum", "mutation"], [Interval(Real, 0, 1, closed="both")]),
+}
 
 _own = threading.local()
 
@@ -72,12 +78,22 @@ def _train(session: Session, line: str) -> dict[str, list[float]]:
     return history or {"epochs": [0], "training": [np.nan]}
 
 
+def _outputs_of(network: str, kind: str, command: str, inputs: Matrix) -> Matrix:
+    """What the command makes of inputs with the network in this file of a kind."""
+    with console() as session:
+        session.load(kind, "net", network)
+        session.data("d", inputs)
+        session(f"{command} network net input d output o")
+        session("extract source o destination answers inputs {}")
+        return session.array("answers")[1]
+
+
 def _braces(values: Sequence[object]) -> str:
     return "{" + ", ".join(map(str, values)) + "}"
 
 
 @dataclass(eq=False, repr=False, kw_only=True)
-class _Trained(BaseEstimator):
+class _Trained(base.BaseEstimator):
     """Networks that learn from examples: how they are trained, and how they answer.
 
     The parameters are those of the commands `create` and `train`; README.md lists them.
@@ -99,16 +115,7 @@ class _Trained(BaseEstimator):
     mutation: float = 0.01
     random_state: Any = None
 
-    _parameter_constraints = {
-        "solver": [StrOptions({"gradient", "rprop", "adam", "levenberg", "genetic"})],
-        "penalty": [StrOptions({"quadratic", "forgetting"})],
-        "validation_fraction": [Interval(Real, 0, 1, closed="neither")],
-        "random_state": ["random_state"],
-        **dict.fromkeys(["max_iter", "batch_size", "n_iter_no_change", "population_size"], [COUNT]),
-        **dict.fromkeys(["tol", "decay"], [NOT_NEGATIVE]),
-        **dict.fromkeys(["learning_rate", "weight_bound"], [POSITIVE]),
-        **dict.fromkeys(["momentum", "mutation"], [Interval(Real, 0, 1, closed="both")]),
-    }
+    _parameter_constraints = LIMITS
 
     def _description(self, inputs: int, outputs: int) -> str:
         """What to `create` for so many inputs and outputs."""
@@ -139,7 +146,7 @@ class _Trained(BaseEstimator):
         line = f"train alias t data learn terminating {self.tol}"
         if self.early_stopping:
             shares = _braces([1 - self.validation_fraction, self.validation_fraction])
-            stratified = f"shares {shares} stratified {is_classifier(self)}"
+            stratified = f"shares {shares} stratified {base.is_classifier(self)}"
             session(f"divide source all destination {{learn, judge}} {stratified}")
             line += f" validation judge patience {self.n_iter_no_change}"
         else:
@@ -160,15 +167,10 @@ class _Trained(BaseEstimator):
     def _answers(self, X: ArrayLike) -> Matrix:
         check_is_fitted(self)
         inputs = self.scaler_.transform(self._validate_data(X, reset=False))
-        with console() as session:
-            session.load("MLP", "net", self.network_)
-            session.data("d", inputs)
-            session("recall network net input d output o")
-            session("extract source o destination answers inputs {}")
-            return session.array("answers")[1]
+        return _outputs_of(self.network_, "MLP", "recall", inputs)
 
 
-class _Classifier(ClassifierMixin):
+class _Classifier(base.ClassifierMixin):
     """One output for each class, which learns 1 for it and 0 for others."""
 
     def fit(self, X: ArrayLike, y: ArrayLike) -> Self:
@@ -189,11 +191,8 @@ class _Classifier(ClassifierMixin):
         best = self.predict_proba(X).argmax(axis=1)
         return self.classes_[best]
 
-    def _output_names(self) -> list[Any]:
-        return list(self.classes_)
 
-
-class _Regressor(RegressorMixin, MultiOutputMixin):
+class _Regressor(base.RegressorMixin, base.MultiOutputMixin):
     """Outputs from 0.1 to 0.9 for the least to the largest number learned, as `target_scaler_` says."""
 
     def fit(self, X: ArrayLike, y: ArrayLike) -> Self:
@@ -210,23 +209,15 @@ class _Regressor(RegressorMixin, MultiOutputMixin):
         answers = self._answers(X)
         return self.target_scaler_.inverse_transform(answers).reshape(len(answers), *self._shape)
 
-    def _output_names(self) -> list[str]:
-        return [f"y{i}" for i in range(self.target_scaler_.n_features_in_)]
-
 
 @dataclass(eq=False, repr=False)
 class _Perceptron(_Trained):
     hidden_layer_sizes: Sequence[int] = (10,)
     activation: str = "tanh"
 
-    _parameter_constraints = {
-        **_Trained._parameter_constraints,
-        "hidden_layer_sizes": ["array-like", COUNT],
-    }
-
     def _description(self, inputs: int, outputs: int) -> str:
         hidden = list(np.atleast_1d(self.hidden_layer_sizes))
-        last = "sigmoid" if is_classifier(self) else "linear"
+        last = "sigmoid" if base.is_classifier(self) else "linear"
         functions = _braces([self.activation] * len(hidden) + [last])
         sizes = f"inputs {inputs} layers {len(hidden) + 2} hidden {_braces(hidden)} outputs {outputs}"
         return f"MLP {sizes} bias true functions {functions}"
@@ -240,13 +231,6 @@ class _Tarn(_Trained):
     n_rules: int = 8
     fixed_terms: bool = True
     simplify: bool = True
-
-    _parameter_constraints = {
-        **_Trained._parameter_constraints,
-        "n_terms": [AT_LEAST_TWO],
-        "n_output_terms": [AT_LEAST_TWO, None],
-        "n_rules": [COUNT],
-    }
 
     @property
     def rules_(self) -> str:
@@ -272,12 +256,10 @@ class _Tarn(_Trained):
         rules, count = self.rules_, self.n_features_in_
         if np.shape(x) not in ((count,), (1, count)):
             raise ValueError(f"explain takes inputs of shape ({count},), not {np.shape(x)}")
-        if not rules:
-            return []
         row = self.scaler_.transform(np.reshape(x, (1, count)))[0]
         with console() as session:
             session.load("FuzzyRules", "found", self.rule_file_)
-            fired = session(f"query fired rules found inputs {_braces(row)}")
+            fired = session(f"query fired rules found inputs {_braces(row)}") if rules else []
         return sorted(zip(fired, rules.split("\n\n")), reverse=True)
 
     def _description(self, inputs: int, outputs: int) -> str:
@@ -286,7 +268,7 @@ class _Tarn(_Trained):
         return f"Tarn {sizes} rules {self.n_rules}"
 
     def _terms_of_outputs(self) -> int:
-        return self.n_output_terms or (2 if is_classifier(self) else 3)
+        return self.n_output_terms or (2 if base.is_classifier(self) else 3)
 
     def _training(self, session: Session, seed: int) -> str:
         return super()._training(session, seed) + (" freeze {centres}" if self.fixed_terms else "")
@@ -300,13 +282,17 @@ class _Tarn(_Trained):
 
     def _make_labels(self, session: Session, names: Sequence[str]) -> None:
         """Makes labels `words` of the network `net`; names may be any text."""
-        names = [str(name) for name in (*names, *self._output_names())]
+        is_classifier = base.is_classifier(self)
+        outputs = (
+            self.classes_ if is_classifier else [f"y{i}" for i in range(self.target_scaler_.n_features_in_)]
+        )
+        names = [str(name) for name in (*names, *outputs)]
         table = io.StringIO()
         # No column is called by what may be the number of another.
         csv.writer(table).writerows([["_" * name.isdigit() + name for name in names], [0] * len(names)])
-        outputs = _braces(range(self.n_features_in_, len(names)))
-        session.load("CSV", "names", table.getvalue(), f"header on outputs {outputs}")
-        yes = {2: ["no", "yes"]} if is_classifier(self) else TERMS
+        columns = _braces(range(self.n_features_in_, len(names)))
+        session.load("CSV", "names", table.getvalue(), f"header on outputs {columns}")
+        yes = {2: ["no", "yes"]} if is_classifier else TERMS
         words = {"terms": TERMS.get(self.n_terms), "outputterms": yes.get(self._terms_of_outputs())}
         tags = [f"{tag} {_braces(terms)}" for tag, terms in words.items() if terms]
         session(f"labeltarn network net labels words data names {' '.join(tags)}")
@@ -362,7 +348,9 @@ class TarnRegressor(_Regressor, _Tarn):
 
 
 @dataclass(eq=False, repr=False)
-class KohonenMap(ClassNamePrefixFeaturesOutMixin, TransformerMixin, ClusterMixin, BaseEstimator):
+class KohonenMap(
+    base.ClassNamePrefixFeaturesOutMixin, base.TransformerMixin, base.ClusterMixin, base.BaseEstimator
+):
     """A map on which rows that are alike stand near each other.
 
     Units whose prototypes are alike are joined to `n_clusters` clusters. All features are scaled alike, so
@@ -383,14 +371,7 @@ class KohonenMap(ClassNamePrefixFeaturesOutMixin, TransformerMixin, ClusterMixin
     radius: float | None = None
     random_state: Any = None
 
-    _parameter_constraints = {
-        "map_size": ["array-like"],
-        "n_clusters": [COUNT],
-        "max_iter": [COUNT],
-        "learning_rate": [POSITIVE],
-        "radius": [NOT_NEGATIVE, None],
-        "random_state": ["random_state"],
-    }
+    _parameter_constraints = LIMITS
 
     def fit(self, X: ArrayLike, y: object = None) -> Self:
         """Lays inputs X (rows, features) out on the map."""
@@ -420,13 +401,8 @@ class KohonenMap(ClassNamePrefixFeaturesOutMixin, TransformerMixin, ClusterMixin
     def transform(self, X: ArrayLike) -> Matrix:
         """Coordinates (rows, dimensions) of the nearest units, counted from 0."""
         check_is_fitted(self)
-        inputs = self._validate_data(X, dtype=np.float64, reset=False)
-        with console() as session:
-            session.load("Kohonen", "net", self.network_)
-            session.data("d", self._scaled(inputs))
-            session("map network net input d output o")
-            session("extract source o destination places inputs {}")
-            return session.array("places")[1]
+        inputs = self._scaled(self._validate_data(X, dtype=np.float64, reset=False))
+        return _outputs_of(self.network_, "Kohonen", "map", inputs)
 
     def predict(self, X: ArrayLike) -> NDArray[np.int64]:
         """The clusters (rows,) of the nearest units."""
@@ -439,11 +415,10 @@ class KohonenMap(ClassNamePrefixFeaturesOutMixin, TransformerMixin, ClusterMixin
         grid = self.prototypes_.reshape(*self.map_size, -1)
         total, count = np.zeros(grid.shape[:-1]), np.zeros(grid.shape[:-1])
         for axis in range(total.ndim):
-            step = np.linalg.norm(np.diff(grid, axis=axis), axis=-1)
-            for side in ((0, 1), (1, 0)):
-                margin = [side if i == axis else (0, 0) for i in range(total.ndim)]
-                total += np.pad(step, margin)
-                count += np.pad(np.ones_like(step), margin)
+            steps = np.linalg.norm(np.diff(grid, axis=axis), axis=-1).swapaxes(0, axis)
+            for sums, terms in ((total, steps), (count, 1)):
+                sums.swapaxes(0, axis)[1:] += terms
+                sums.swapaxes(0, axis)[:-1] += terms
         return total / np.maximum(count, 1)
 
     def _scaled(self, inputs: Matrix) -> Matrix:
@@ -467,5 +442,4 @@ class KohonenMap(ClassNamePrefixFeaturesOutMixin, TransformerMixin, ClusterMixin
 def _prototypes_in(file: str) -> Matrix:
     """Prototypes (units, features) from the file of a map, whose matrix has a row for each feature."""
     matrix = file.partition("[Matrix Weights ]")[2].partition("[~Matrix]")[0]
-    rows = re.sub(r"/\*.*?\*/", "", matrix).splitlines()
-    return np.array([row.split() for row in rows if row.strip()], float).T
+    return np.loadtxt(matrix.splitlines(), comments="/*", ndmin=2).T

@@ -9,11 +9,11 @@ import signal
 import threading
 import weakref
 from collections.abc import Iterator
-from contextlib import contextmanager
+from contextlib import AbstractContextManager, contextmanager, suppress
 from fcntl import F_DUPFD_CLOEXEC, fcntl
 from pathlib import Path
 from subprocess import PIPE, STDOUT, Popen, TimeoutExpired
-from typing import Any, NoReturn, Self
+from typing import Any, NoReturn
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
@@ -34,7 +34,7 @@ def find_program() -> str:
     return os.environ.get("KILN") or shutil.which("kiln") or str(built)
 
 
-class Session:
+class Session(AbstractContextManager["Session"]):
     """A console that lives as long as this object, and takes one line at a time.
 
     Threads may share it: they wait for each other. A process that is forked has to make its own.
@@ -69,16 +69,15 @@ class Session:
         # Objects go through a file that has no name, so that there is nothing to clean up. It must not
         # be 0, 1 or 2, not even where these are closed, as in the workers of joblib.
         with open(os.memfd_create("kiln")) as file:
-            self._file = open(fcntl(file.fileno(), F_DUPFD_CLOEXEC, 3), "w+b", buffering=0)
-        self._path = f"/dev/fd/{self._file.fileno()}"
+            descriptor = fcntl(file.fileno(), F_DUPFD_CLOEXEC, 3)
+        self._file = Path(f"/dev/fd/{descriptor}")
         # In a group of its own: Ctrl-C is for us, and we pass it on. Unlike what a shell starts in
         # the background, it must not ignore it.
         command = ["env", "--default-signal=INT", find_program(), "-i", *arguments]
-        descriptors = [self._file.fileno()]
         self._process = Popen(
-            command, 0, stdin=PIPE, stdout=PIPE, stderr=STDOUT, pass_fds=descriptors, start_new_session=True
+            command, 0, stdin=PIPE, stdout=PIPE, stderr=STDOUT, pass_fds=[descriptor], start_new_session=True
         )
-        self._end = weakref.finalize(self, _end, self._process, self._file, self._pid)
+        self._end = weakref.finalize(self, _end, self._process, descriptor, self._pid)
         _value_of(os.fsdecode(self._read_until(b"\n" + PROMPT).removesuffix(PROMPT)))
 
     def __call__(self, line: str) -> Any:
@@ -125,10 +124,9 @@ class Session:
     def array(self, alias: str) -> tuple[Matrix, Matrix]:
         """Returns inputs (rows, m) and outputs (rows, n) of a data set, the oldest row first."""
         with self._turn():
-            words = str(self(f"query structureof {alias}")).split()
+            sizes = re.findall(r" (\d+)", self(f"query structureof {alias}"))
             table = io.StringIO(self.save("CSV", alias), newline="")
-        sizes = dict(zip(words[::2], words[1::2]))
-        rows, inputs, outputs = (int(sizes[name]) for name in ("datarows", "inputs", "outputs"))
+        inputs, outputs, _, rows = map(int, sizes)
         if rows * (inputs + outputs) == 0:
             return np.empty((rows, inputs)), np.empty((rows, outputs))
         next(csv.reader(table))  # the names of the columns, in which there may be line ends
@@ -139,19 +137,16 @@ class Session:
     def load(self, kind: str, alias: str, text: str, tags: str = "") -> Any:
         """Makes an object of the text of a file: `load KIND alias ALIAS`, with more tags."""
         with self._turn():
-            self._file.seek(0)
-            self._file.truncate()
-            self._file.write(os.fsencode(text))
-            return self(f"load {kind} alias {alias} filename ({self._path}) {tags}")
+            self._file.write_bytes(os.fsencode(text))
+            return self(f"load {kind} alias {alias} filename ({self._file}) {tags}")
 
     def save(self, kind: str, alias: str, tags: str = "") -> str:
         """Returns what `save KIND alias ALIAS`, with more tags, writes into a file."""
         with self._turn():
-            self._file.seek(0)
-            self._file.truncate()
-            self(f"save {kind} alias {alias} filename ({self._path}) {tags}")
-            self._file.seek(0)
-            return os.fsdecode(self._file.read())
+            self._file.write_bytes(b"")
+            os.lseek(int(self._file.name), 0, os.SEEK_SET)  # where the console writes
+            self(f"save {kind} alias {alias} filename ({self._file}) {tags}")
+            return os.fsdecode(self._file.read_bytes())
 
     @property
     def alive(self) -> bool:
@@ -163,9 +158,6 @@ class Session:
         if self._pid == os.getpid():
             with self._lock:
                 self._end()
-
-    def __enter__(self) -> Self:
-        return self
 
     def __exit__(self, *exception: object) -> None:
         self.close()
@@ -230,11 +222,9 @@ class Session:
     def _write(self, line: bytes) -> None:
         assert self._process.stdin
         rest = memoryview(line + b"\n")
-        try:
+        with suppress(BrokenPipeError):  # when the program has ended; what it said last can be read
             while rest:
                 rest = rest[os.write(self._process.stdin.fileno(), rest) :]
-        except BrokenPipeError:
-            pass  # the program has ended; what it said last can be read
 
     def _read_until(self, end: bytes) -> bytes:
         """Returns what is written until this end of it. Raises Error when the program ends."""
@@ -249,16 +239,15 @@ class Session:
         return bytes(text[1:])
 
 
-def _end(process: Popen[bytes], file: io.FileIO, pid: int) -> None:
+def _end(process: Popen[bytes], descriptor: int, pid: int) -> None:
     """Ends the program of a session that is gone; in a forked process, only lets go of it."""
     assert process.stdin and process.stdout
-    file.close()
+    os.close(descriptor)
     if pid == os.getpid():
-        try:
+        with suppress(BrokenPipeError):
             process.stdin.write(b"quit\n")  # more than the end of the pipe, which forks hold too
+        try:
             process.wait(GRACE)
-        except BrokenPipeError:
-            process.wait()
         except TimeoutExpired:
             process.kill()
             process.wait()
@@ -268,8 +257,7 @@ def _end(process: Popen[bytes], file: io.FileIO, pid: int) -> None:
 
 def _matrix(values: ArrayLike) -> Matrix:
     array = np.asarray(values, np.float64)
-    if array.ndim == 1:
-        array = array[:, np.newaxis]
+    array = array[:, np.newaxis] if array.ndim == 1 else array
     if array.ndim != 2:
         raise ValueError(f"an array of rows and columns, not of {array.ndim} dimensions")
     return array
@@ -291,8 +279,6 @@ def _parsed(text: str) -> Any:
         elements = re.findall(r"\{[^{}]*\}|[^,{}\s][^,{}]*", text[1:-1])
         return [_parsed(element) for element in elements]
     for number in (int, float):
-        try:
+        with suppress(ValueError):
             return number(text)
-        except ValueError:
-            pass
     return text

@@ -1,11 +1,11 @@
 """Estimators: the rules of scikit-learn, its tools around them, and what only these can tell."""
 
 import doctest
+import itertools
 import os
 import pickle
 import signal
 import threading
-from pathlib import Path
 
 import numpy as np
 import pytest
@@ -20,13 +20,8 @@ from sklearn.preprocessing import StandardScaler
 from sklearn.utils.estimator_checks import parametrize_with_checks
 
 import kiln.estimators
-from kiln.estimators import (
-    KohonenMap,
-    PerceptronClassifier,
-    PerceptronRegressor,
-    TarnClassifier,
-    TarnRegressor,
-)
+from kiln.estimators import KohonenMap, PerceptronClassifier, PerceptronRegressor
+from kiln.estimators import TarnClassifier, TarnRegressor
 
 IRIS = load_iris(return_X_y=True)
 KINDS = [PerceptronClassifier, PerceptronRegressor, TarnClassifier, TarnRegressor, KohonenMap]
@@ -55,46 +50,40 @@ def test_every_solver_learns_and_keeps_its_errors(solver):
         assert model.loss_ == model.loss_curve_[-1] < model.loss_curve_[0]
 
 
-def test_tools_around_estimators(tmp_path):
-    assert (
-        cross_val_score(make_pipeline(StandardScaler(), PerceptronClassifier(random_state=1)), *IRIS).mean()
-        > 0.9
-    )
-    search = GridSearchCV(
-        PerceptronClassifier(random_state=1), {"hidden_layer_sizes": [(2,), (6,)]}, n_jobs=2
-    )
-    best = search.fit(*IRIS).best_estimator_
+def test_tools_around_estimators():
+    model = PerceptronClassifier(random_state=1)
+    assert cross_val_score(make_pipeline(StandardScaler(), model), *IRIS).mean() > 0.9
+    best = GridSearchCV(model, {"hidden_layer_sizes": [2, (6,)]}, n_jobs=2).fit(*IRIS).best_estimator_
     copy = pickle.loads(pickle.dumps(best))
     assert np.array_equal(copy.predict_proba(IRIS[0]), best.predict_proba(IRIS[0]))
     assert clone(best).fit(*IRIS).network_ == best.network_
 
     # The console can go on with the network, on the same inputs from 0 to 1.
-    file = tmp_path / "best.net"
-    file.write_text(best.network_)
-    with kiln.Session("-s", "-e", f"load MLP alias net filename ({file})") as session:
+    with kiln.Session("-s") as session:
+        session.load("MLP", "net", best.network_)
         session.data("d", best.scaler_.transform(IRIS[0]), np.eye(3)[IRIS[1]])
         assert session("query score network net data d").endswith(f"right {150 * best.score(*IRIS):.0f}")
 
 
 def test_wrong_parameters_are_named():
-    for name, value, *kinds in (
-        ("solver", "sgd", *KINDS[:4]),
-        ("penalty", "l2", *KINDS[:4]),
-        ("max_iter", 0, *KINDS),
-        ("hidden_layer_sizes", 0, *KINDS[:2]),
-        ("n_rules", 2.5, *KINDS[2:4]),
-        ("map_size", 5, KohonenMap),
-    ):
-        for kind in kinds:
+    wrong = {
+        "solver": "sgd",
+        "penalty": "l2",
+        "max_iter": 0,
+        "hidden_layer_sizes": 0,
+        "n_rules": 2.5,
+        "map_size": 5,
+    }
+    for kind, name in itertools.product(KINDS, wrong):
+        if name in kind().get_params():
             with pytest.raises(ValueError, match=f"'{name}' parameter of {kind.__name__}"):
-                kind(**{name: value}).fit(*IRIS)
+                kind(**{name: wrong[name]}).fit(*IRIS)
 
 
 def test_warnings():
     with pytest.warns(ConvergenceWarning):
         PerceptronClassifier(max_iter=1, tol=1e-6).fit(*IRIS)
-    interruption = threading.Timer(0.3, os.kill, (os.getpid(), signal.SIGINT))
-    interruption.start()
+    threading.Timer(0.3, os.kill, (os.getpid(), signal.SIGINT)).start()
     with pytest.warns(UserWarning, match="interrupted"):
         model = PerceptronClassifier(max_iter=10**9).fit(*IRIS)
     assert model.score(*IRIS) > 0.9

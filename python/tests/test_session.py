@@ -72,12 +72,8 @@ def test_results_are_text_numbers_and_lists(session):
 
 
 def test_system_commands_write_what_they_like_and_read_nothing(session):
-    for first, last in (
-        (r"one\n", "two"),
-        (r"a\nKiln>>", r"OK\n\n"),
-        ("Kiln>>", "Kiln>>b"),
-        ("Error: ", "none"),
-    ):
+    for text in (r"one\n two", r"a\nKiln>> OK\n\n", "Kiln>> Kiln>>b", "Error: none"):
+        first, last = text.split()
         written = session(f" @printf '{first}'; sleep 0.02; printf '{last}'")
         assert written == (first + last).replace(r"\n", "\n")
         assert session("query objects") == []
@@ -148,23 +144,16 @@ def test_a_program_that_ends_says_why():
         session("@echo one; kill -9 $PPID")
 
 
-@pytest.mark.parametrize("option", ["-q", "-sb", "--quiet", "--batch", "-"])
-def test_without_a_conversation_there_is_no_session(option):
-    with pytest.raises(ValueError):
-        kiln.Session(option)
-
-
-def test_a_program_that_is_not_there(monkeypatch):
+def test_what_cannot_become_a_session(session, monkeypatch):
+    for option in ("-q", "-sb", "--quiet", "--batch", "-"):
+        with pytest.raises(ValueError):
+            kiln.Session(option)
+    for duplicate in (copy.copy, copy.deepcopy, pickle.dumps):
+        with pytest.raises(TypeError, match="a session cannot be"):
+            duplicate(session)
     monkeypatch.setenv("KILN", "/nowhere/kiln")
     with pytest.raises(kiln.Error, match="/nowhere/kiln"):
         kiln.Session()
-
-
-@pytest.mark.parametrize("duplicate", [copy.copy, copy.deepcopy, pickle.dumps])
-def test_a_session_has_no_copies(session, duplicate):
-    with pytest.raises(TypeError, match="a session cannot be"):
-        duplicate(session)
-    assert session("query objects") == []
 
 
 def test_a_session_that_nobody_holds_ends_its_program():
