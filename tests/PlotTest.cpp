@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
@@ -49,9 +50,24 @@ class Plot : public testing::Test {
     return Contents(Path("x.gp"));
   }
 
+  std::string TextOf(const std::string& what) {
+    Do("plot " + what + " filename (" + Path("x.txt") + ")");
+    return Contents(Path("x.txt"));
+  }
+
   TInterpreter interpreter_;
   const std::string folder_ = ScratchPath();
 };
+
+// How many columns the widest line takes.
+std::size_t Width(const std::string& text) {
+  std::istringstream lines(text);
+  std::size_t width = 0;
+  for (std::string line; std::getline(lines, line);) {
+    width = std::max(width, WidthOf(Characters(line)));
+  }
+  return width;
+}
 
 TEST_F(Plot, WritesEachKindAsAScript) {
   Do("train alias teacher data d epochs 3 validation d");
@@ -106,10 +122,100 @@ TEST_F(Plot, WritesEachKindAsAScript) {
   }
 }
 
+// "{first, rest, rest, ...}", so many values.
+std::string List(int size, const std::string& first, const std::string& rest) {
+  std::string list = "{" + first;
+  for (int i = 1; i < size; ++i) list += ", " + rest;
+  return list + "}";
+}
+
+TEST_F(Plot, DrawsTheManyTheFewAndTheOdd) {
+  std::ofstream kinds(Path("kinds.csv"));
+  kinds << "幅,Size,Kind=a,Kind=b,Kind\n7,0.25,1,0,a rather long name\n";
+  for (int n = 0; n < 5000; ++n) {
+    kinds << n % 50 << ",0.5," << n % 2 << ',' << 1 - n % 2 << ",species no. " << n % 21 << '\n';
+  }
+  kinds.close();
+  const std::string lines[] = {
+      "load CSV alias kinds filename (" + Path("kinds.csv") + ") labels {Kind} outputs {2, 3}",
+      "load CSV alias plain filename (" + Path("kinds.csv") + ") ignore {Kind} outputs {2, 3}",
+      "append alias kinds inputs {30, 0.25}",
+      "create Kohonen alias row inputs 1 dimensions 1 mapdim {12} seed 1",
+      "create Kohonen alias column inputs 2 dimensions 2 mapdim {12, 1} seed 1",
+      "create Kohonen alias cube inputs 2 dimensions 3 mapdim {40, 2, 2} seed 1",
+      "create Kohonen alias long inputs 37 dimensions 2 mapdim {12, 12} seed 1",
+      "create Data alias twelve inputs 37 outputs 12 rows 2 labels off",
+      "create Data alias forty inputs 37 outputs 40 rows 2 labels off",
+      "append alias twelve inputs " + List(37, "0", "1") + " outputs " + List(12, "1", "0"),
+      "append alias twelve inputs " + List(37, "1", "0") + " outputs " + List(12, "1", "0"),
+      "append alias forty inputs " + List(37, "0", "1") + " outputs " + List(40, "nan", "0.5"),
+      "append alias forty inputs " + List(37, "1", "0") + " outputs " + List(40, "nan", "2"),
+      "create MLP alias many inputs 37 layers 2 hidden {} outputs 40 bias on seed 1",
+      "create MLP alias some inputs 37 layers 2 hidden {} outputs 12 bias on seed 1",
+      "load FuzzyRules alias sailing filename (" KILN_TEST_DATA "/sailing.rules)"};
+  for (const std::string& line : lines) Do(line);
+  std::string inputs = "{0";
+  for (int i = 1; i < 37; ++i) inputs += ", " + std::to_string(i);
+  const struct {
+    std::string what;
+    std::vector<std::string> script, text;
+  } cases[] = {
+      {"kinds", {"'kinds, one in 2 of 5001 rows'", "title 'others'"}, {"c others", "幅"}},
+      {"kinds columns {Size}", {"'kinds: Size'", "'others'"}, {"species no. 13", "others"}},
+      {"plain columns {1, 3}", {"title 'a'", "'Kind=b'"}, {"o a   x b"}},
+      {"row", {"($2-0.5)*0.25"}, {" ┤", "distance"}},
+      {"row columns {0}", {"'Components of row'"}, {"input0", "value"}},
+      {"column columns {1}", {"(($1-0.5)*0.5)"}, {"input1\n", "10┤"}},
+      {"cube data plain",
+       {"'Distances on cube, first 36 of 40 planes'", "'35, *, *'", "'a' at first"},
+       {"35, *, *", " ░▒▓█ 1."}},
+      {"long columns " + inputs + "}",
+       {"'Components of long, first 36 of 37 inputs'", "'input35'"},
+       {"input35"}},
+      {"long data twelve", {"title 'output0'"}, {"░▒▓█"}},
+      {"some data twelve", {" of 2 right'", "'output11' 11"}, {" output11┤", "answered"}},
+      {"many data forty", {", first 36 of 40 outputs'", "'output35'"}, {"output35", "expected"}},
+      {"sailing",
+       {"'Wind'", "'Reefed'", "set xrange [-1:9]", "\n0.25 1\n"},
+       {"Light  1        Gale", "Calm"}},
+      {"sailing method rules", {"'Sea ?'", "'−'"}, {"   Wind Gale┤   ███", "       Sea ?┤ −"}},
+      {"d columns {0}", {}, {" down", "⣿⣿"}},
+      {"net data d", {}, {"output0 1┤", "expected"}},
+      {"fuzzy", {}, {"InputA", "OutputA"}},
+      {"k data d", {}, {"up", "distance"}},
+  };
+  for (const auto& [what, script, text] : cases) {
+    const std::string drawn[] = {ScriptOf(what), TextOf(what)};
+    for (const std::string& piece : script) {
+      EXPECT_NE(drawn[0].find(piece), std::string::npos) << what << ": " << piece;
+    }
+    for (const std::string& piece : text) {
+      EXPECT_NE(drawn[1].find(piece), std::string::npos) << what << ": " << piece << '\n'
+                                                         << drawn[1];
+    }
+    EXPECT_LE(Width(drawn[1]), 80U) << drawn[1];
+  }
+}
+
+constexpr char kNoVariables[] =
+    "[MFList] [MFListInfo] [VariablesRepresented=0] [~MFListInfo] [~MFList]";
+
 TEST_F(Plot, RefusesWhatCannotBeDrawn) {
   Do("create Data alias empty inputs 2 outputs 1 rows 4 labels off");
   Do("append alias empty inputs {1, nan} outputs {0.5}");
   Do("labeltarn network fuzzy labels words");
+  Do("create Kohonen alias one inputs 2 dimensions 1 mapdim {1} seed 1");
+  Do("create Kohonen alias cube inputs 2 dimensions 3 mapdim {2, 2, 2} seed 1");
+  Do("create Data alias nothing inputs 0 outputs 0 rows 1 labels off");
+  Do("create MLP alias classifier inputs 1 layers 2 hidden {} outputs 61 bias on seed 1");
+  Do("create Data alias classes inputs 1 outputs 61 rows 2 labels off");
+  for (int n = 0; n < 2; ++n) {
+    Do("append alias classes inputs {1} outputs " + List(61, "1", "0"));
+  }
+  std::ofstream(Path("bare.rules"))
+      << "[FormatVersion=1.0] [FuzzyRules] [RuleType=x]\n"
+      << kNoVariables << kNoVariables << "[RuleList] [~RuleList] [~FuzzyRules]";
+  Do("load FuzzyRules alias bare filename (" + Path("bare.rules") + ")");
   const std::pair<const char*, const char*> cases[] = {
       {"teacher", "teacher has 0 points to draw: a curve takes two epochs of training"},
       {"empty", "empty has 0 rows of numbers: a picture takes two"},
@@ -124,6 +230,16 @@ TEST_F(Plot, RefusesWhatCannotBeDrawn) {
       {"d data d", "data is no tag of plot"},
       {"d column {0}", "column is no tag of plot: columns?"},
       {"words", "cannot plot this type of object"},
+      {"k columns {}", "columns takes the inputs to draw"},
+      {"k data d columns {output0}", "output0 is no input of k"},
+      {"cube columns {0}", "cube has more than two dimensions"},
+      {"one", "one has only one unit"},
+      {"nothing", "nothing has no columns"},
+      {"d columns {}", "columns takes one column or two"},
+      {"d columns {x1}", "d has no column x1"},
+      {"classifier data classes", "classes has 61 classes: a table has room for 60"},
+      {"bare", "bare has no terms"},
+      {"bare method rules", "bare has no rules"},
   };
   for (const auto& [what, failure] : cases) {
     EXPECT_LT(interpreter_.Execute(std::string("plot ") + what + " filename (x.gp)"), 0) << what;
@@ -188,7 +304,7 @@ TEST(LargePicture, IsThinnedAndSaysSo) {
   for (std::size_t i = 0; i < map.Prototypes().size(); ++i)
     map.Prototypes()[i] = static_cast<double>(i % 13);
   for (const auto& [picture, title] :
-       {std::pair(ScatterPicture("d", set, 0, 1), "d, every 250th of 1000000 rows"),
+       {std::pair(ScatterPicture("d", set, 0, 1), "d, one in 250 of 1000000 rows"),
         std::pair(DistributionPicture("d", set, 1), "d"),
         std::pair(DistancesPicture("k", map, nullptr), "Distances on k, means of 8 x 8 cells")}) {
     EXPECT_EQ(picture.title, title);

@@ -82,11 +82,11 @@ TPicture AnswersPicture(std::string_view network_alias, std::string_view set_ali
     panel.series.push_back({"", TStroke::kPoints, 0, {}});
     picture.panels.push_back(std::move(panel));
   }
-  const int stride = StrideFor(set.DataRows());
+  const TThinning thinning(set.DataRows());
   const std::unique_ptr<TBasicNetwork> copy = network.Clone();
   const auto visit = [&](int n, const DataRow& row, std::span<const double> answer) {
     Interruption::Check();
-    if (n % stride != 0) return;
+    if (!thinning.Draws(n)) return;
     for (std::size_t i = 0; i < picture.panels.size(); ++i) {
       const TPoint point = {row.Outputs[i], answer[i]};
       if (!std::isfinite(point.x) || !std::isfinite(point.y)) continue;
@@ -96,12 +96,8 @@ TPicture AnswersPicture(std::string_view network_alias, std::string_view set_ali
   TRecall(*copy).ForEachRow(set, 0, set.DataRows(), visit);
   for (TPanel& panel : picture.panels) FitAxes(panel);
   picture.title = Subject(network_alias, set_alias) + ": error " +
-                  FormatGeneral(MeasureScore(network, set).error, 3) +
-                  Thinned(stride, set.DataRows());
-  if (outputs > kMaxPanels) {
-    picture.title +=
-        ", first " + std::to_string(kMaxPanels) + " of " + std::to_string(outputs) + " outputs";
-  }
+                  FormatGeneral(MeasureScore(network, set).error, 3) + thinning.Remark() +
+                  FirstOf(picture.panels.size(), outputs, " outputs");
   return picture;
 }
 

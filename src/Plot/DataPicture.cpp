@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 #include <vector>
 
@@ -115,21 +116,21 @@ std::vector<TPoint> Stairs(const TBins& bins, const std::vector<int>& counts) {
 
 }  // namespace
 
-int StrideFor(int rows) {
+TThinning::TThinning(int rows) : rows_(rows) {
   constexpr int kMostRows = 4000;
-  return (rows - 1) / kMostRows + 1;
+  stride_ = (rows - 1) / kMostRows + 1;
 }
 
-std::string Thinned(int stride, int all) {
-  if (stride == 1) return {};
-  const int last = stride % 10;
-  const bool is_teen = stride / 10 % 10 == 1;
-  const char* const ending = is_teen     ? "th"
-                             : last == 1 ? "st"
-                             : last == 2 ? "nd"
-                             : last == 3 ? "rd"
-                                         : "th";
-  return ", every " + std::to_string(stride) + ending + " of " + std::to_string(all) + " rows";
+bool TThinning::Draws(int n) const {
+  constexpr std::uint32_t kScatter = 2654435761;  // 2^32 over the golden ratio
+  const auto group = static_cast<std::uint32_t>(n / stride_);
+  const auto stride = static_cast<std::uint32_t>(stride_);
+  return static_cast<std::uint32_t>(n % stride_) == (group * kScatter >> 16U) % stride;
+}
+
+std::string TThinning::Remark() const {
+  if (stride_ == 1) return {};
+  return ", one in " + std::to_string(stride_) + " of " + std::to_string(rows_) + " rows";
 }
 
 TAxis ValueAxis(std::string name, double lower, double upper) {
@@ -156,15 +157,14 @@ int NumFinite(const Data& set, std::size_t x, std::size_t y) {
 
 TPicture ScatterPicture(std::string_view alias, const Data& set, std::size_t x, std::size_t y) {
   const TSetColumns columns(set);
-  const int all = NumFinite(set, x, y);
-  const int stride = StrideFor(all);
+  const TThinning thinning(NumFinite(set, x, y));
   TSeriesOfClasses series(set, TStroke::kPoints);
   TBounds across, up;
   int finite = 0;
   for (int n = 0; n < set.DataRows(); ++n) {
     const DataRow row = set.Row(n);
     const TPoint point = {columns.Value(row, x), columns.Value(row, y)};
-    if (!std::isfinite(point.x) || !std::isfinite(point.y) || finite++ % stride != 0) continue;
+    if (!std::isfinite(point.x) || !std::isfinite(point.y) || !thinning.Draws(finite++)) continue;
     series.All()[series.NumberOf(n)].points.push_back(point);
     across.Take(point.x);
     up.Take(point.y);
@@ -174,7 +174,7 @@ TPicture ScatterPicture(std::string_view alias, const Data& set, std::size_t x, 
   panel.y = ValueAxis(columns.Name(y), up.lower, up.upper);
   panel.series = std::move(series.All());
   std::erase_if(panel.series, [](const TSeries& one) { return one.points.empty(); });
-  return {std::string(alias) + Thinned(stride, all), {std::move(panel)}};
+  return {std::string(alias) + thinning.Remark(), {std::move(panel)}};
 }
 
 TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_t column) {

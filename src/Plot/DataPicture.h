@@ -19,11 +19,21 @@ TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_
 // In how many rows both columns are finite numbers.
 int NumFinite(const Data& set, std::size_t x, std::size_t y);
 
-// What a title says where only every `stride`-th of `all` rows is drawn; nothing for each.
-std::string Thinned(int stride, int all);
+// Which of many rows are drawn: one in so many that some thousands are. It stands anywhere among
+// its neighbours, or else of classes that take turns only one might be seen.
+class TThinning {
+ public:
+  explicit TThinning(int rows);
 
-// Every how many-th of `rows` rows is drawn.
-int StrideFor(int rows);
+  bool Draws(int n) const;  // the n-th row, from 0
+
+  // ", one in 250 of 1000000 rows" for the title; empty where all are drawn.
+  std::string Remark() const;
+
+ private:
+  int rows_;
+  int stride_;
+};
 
 // The axis of values within these bounds, with a little room at both ends.
 TAxis ValueAxis(std::string name, double lower, double upper);

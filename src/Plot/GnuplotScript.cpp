@@ -285,7 +285,7 @@ class TScript {
     if (most == 0 || place.height / (panel.y.upper - panel.y.lower) < kLineHeight - 4.0) return;
     for (const TNote& note : panel.notes) {
       constexpr double kDark = 0.7;  // from where white is easier to read than black
-      const bool is_dark = panel.grid && Darkness(*panel.grid, note.x, note.y) > kDark;
+      const bool is_dark = Darkness(*panel.grid, note.x, note.y) > kDark;
       Add("set label ", Quoted(note.text, most), " at first ", Number(note.x), ", first ",
           Number(note.y), " center front font ',12' textcolor rgb ",
           is_dark ? "'#ffffff'" : "'#000000'");
@@ -359,7 +359,6 @@ class TScript {
       WriteSeries(panel.series[i], Block(number, i));
       between = ", \\\n  ";
     }
-    if (!*between) text_ += "NaN notitle";
     text_ += '\n';
   }
 
@@ -373,8 +372,8 @@ class TScript {
   void WriteSeries(const TSeries& series, const std::string& block) {
     const std::string colour =
         std::string(" linecolor rgb ") + kColours[series.look % kColours.size()];
-    const std::string title =
-        series.name.empty() ? " notitle" : " title " + Quoted(series.name, kLongestName);
+    std::string title = " notitle";
+    if (!series.name.empty()) title = " title " + Quoted(series.name, kLongestName);
     text_.append(block).append(" using 1:2");
     switch (series.stroke) {
       case TStroke::kPoints:

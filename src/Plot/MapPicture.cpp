@@ -255,11 +255,8 @@ TPicture DistancesPicture(std::string_view alias, const TKohonenNetwork& map, co
   }
   Scale(picture.panels);
   if (set) AddClasses(picture.panels, map, *set, units);
-  picture.title += Averaged(*picture.panels.front().grid, kStep);
-  if (planes > kMaxPanels) {
-    picture.title +=
-        ", first " + std::to_string(kMaxPanels) + " of " + std::to_string(planes) + " planes";
-  }
+  picture.title += Averaged(*picture.panels.front().grid, kStep) +
+                   FirstOf(picture.panels.size(), planes, " planes");
   return picture;
 }
 
@@ -279,11 +276,8 @@ TPicture ComponentsPicture(std::string_view alias, const TKohonenNetwork& map,
     panel.front().title = names[i];
     picture.panels.push_back(std::move(panel.front()));
   }
-  picture.title += Averaged(*picture.panels.front().grid, 1.0);
-  if (inputs.size() > kMaxPanels) {
-    picture.title += ", first " + std::to_string(kMaxPanels) + " of " +
-                     std::to_string(inputs.size()) + " inputs";
-  }
+  picture.title += Averaged(*picture.panels.front().grid, 1.0) +
+                   FirstOf(picture.panels.size(), inputs.size(), " inputs");
   return picture;
 }
 

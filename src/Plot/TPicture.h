@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // What a picture shows, whoever draws it. The makers of pictures (HistoryPicture.h and its
@@ -74,7 +75,7 @@ struct TPanel {
   bool is_downwards = false;  // the y axis begins at the top
   std::vector<TSeries> series;
   std::optional<TGrid> grid;
-  std::vector<TNote> notes;
+  std::vector<TNote> notes;  // in cells of the grid
   std::vector<THead> heads;
   std::vector<double> rules;  // lines across at these y
   bool has_diagonal = false;  // a thin line where x and y are equal
@@ -88,5 +89,12 @@ struct TPicture {
 
 // How many panels a picture has at most; makers leave out the rest and say so in the title.
 inline constexpr std::size_t kMaxPanels = 36;
+
+// ", first 36 of 40 outputs", what a title says of a picture that shows no more than those; empty
+// where it shows all.
+inline std::string FirstOf(std::size_t shown, std::size_t all, std::string_view what) {
+  if (shown == all) return {};
+  return ", first " + std::to_string(shown) + " of " + std::to_string(all) + std::string(what);
+}
 
 }  // namespace kiln

@@ -200,11 +200,8 @@ TPicture TermsPicture(std::string_view alias, const TMFSetList& inputs, const TM
   AddPanels(picture, inputs, "input ");
   AddPanels(picture, outputs, "output ");
   const std::size_t all = picture.panels.size();
-  if (all > kMaxPanels) {
-    picture.panels.resize(kMaxPanels);
-    picture.title +=
-        ", first " + std::to_string(kMaxPanels) + " of " + std::to_string(all) + " variables";
-  }
+  picture.panels.resize(std::min(all, kMaxPanels));
+  picture.title += FirstOf(picture.panels.size(), all, " variables");
   return picture;
 }
 
@@ -251,15 +248,9 @@ TPicture RulesPicture(std::string_view alias, const TFuzzyRuleSet& rules) {
     const bool begins_output = i > 0 && terms[i].is_output != terms[i - 1].is_output;
     if (begins_output) panel.rules.push_back(static_cast<double>(i) - 0.5);
   }
-  TPicture picture = {"Rules of " + std::string(alias), {std::move(panel)}};
-  if (columns < all_rules) {
-    picture.title += ", first " + std::to_string(columns) + " of " + std::to_string(all_rules);
-  }
-  if (terms.size() < all_terms) {
-    picture.title +=
-        ", first " + std::to_string(terms.size()) + " of " + std::to_string(all_terms) + " terms";
-  }
-  return picture;
+  const std::string title = "Rules of " + std::string(alias) + FirstOf(columns, all_rules, "") +
+                            FirstOf(terms.size(), all_terms, " terms");
+  return {title, {std::move(panel)}};
 }
 
 }  // namespace kiln

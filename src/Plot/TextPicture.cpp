@@ -134,8 +134,10 @@ class TTextPanel {
 
   void DrawAxes(TCanvas& canvas) const {
     int line = 0;
-    if (!panel_.title.empty()) canvas.Write(left_ + 1, line++, Short(panel_.title, width_));
-    if (!panel_.y.name.empty()) canvas.Write(left_, line, Short(panel_.y.name, width_));
+    if (!panel_.title.empty())
+      canvas.Write(left_ + 1, line++, Short(panel_.title, canvas.Columns() - left_ - 1));
+    if (!panel_.y.name.empty())
+      canvas.Write(left_, line, Short(panel_.y.name, canvas.Columns() - left_));
     const int bottom = top_ + height_;
     for (int l = top_; l < bottom; ++l) canvas.Put(left_, l, U'│');
     for (int c = 0; c < width_; ++c) canvas.Put(left_ + 1 + c, bottom, U'─');
@@ -218,9 +220,11 @@ class TTextPanel {
     }
     if (grid.name.empty()) return;
     const double lightest = grid.shading == TShading::kUpwards ? grid.lower : 0.0;
-    const std::string scale =
-        grid.name + " " + FormatGeneral(lightest, 3) + " ░▒▓█ " + FormatGeneral(grid.upper, 3);
-    canvas.Write(left_ + 1, Lines() - 1, Short(scale, canvas.Columns() - left_ - 1));
+    const std::u32string scale =
+        Characters(FormatGeneral(lightest, 3) + " ░▒▓█ " + FormatGeneral(grid.upper, 3));
+    const std::u32string name = Short(grid.name, canvas.Columns() - left_ - 2 - Size(scale));
+    canvas.Write(left_ + 1, Lines() - 1, name);
+    canvas.Write(left_ + 2 + Size(name), Lines() - 1, scale);
   }
 
   // Every second dot.
