@@ -84,6 +84,7 @@ TEST(DataTest, CopiesABlockUpToTheNewestRow) {
   TValues inputs(6), outputs(3);
   EXPECT_EQ(MakeRing(10, 3)->GetBlock(inputs, outputs, 0, 99), 3);
   EXPECT_EQ(inputs, (TValues{1, 1.5, 2, 2.5, 3, 3.5}));
+  EXPECT_EQ(MakeRing(10, 3)->GetBlock(inputs, outputs, 2, 1), 0);
   EXPECT_EQ(Failure([&] { MakeRing(10, 3)->GetBlock(inputs, outputs, -1, 1); }),
             "Invalid Data Row Bad Parameter Data::GetInputRow");
   EXPECT_EQ(Failure([&] { MakeRing(5, 7)->GetBlock(inputs, outputs, 3, 4); }),
@@ -97,6 +98,8 @@ TEST(DataTest, RefusesSizesThatNothingCanHold) {
   EXPECT_EQ(Failure([] { Data(1 << 29, 0, 0, true); }),
             "Invalid Data Size Bad Parameter Data::Data");
   Data empty(0, 2, 0, true);
+  empty.AddAllRows();
+  EXPECT_EQ(empty.DataRows(), 0);
   empty.Step(INT_MAX);
   EXPECT_EQ(Failure([&] {
               empty.AddRow(TValues{1, 2}, {});

@@ -39,6 +39,9 @@ TEST_F(FilerTest, ReadsTwoSetsWrittenByHand) {
             "[FormatVersion = 1.0]\n\n[DataSet]\n[Rows = 2]\n[Inputs = 1]\n"
             "[ExpectedOutputs = 2]\n[GeneratedOutputs = 2]\n[Error = 1]\n\n[Data]\n"
             "1   10 11   20 21   0.5 \n2   12 13   22 23   -0.5 \n[~Data]\n\n[~DataSet]\n");
+  const std::string text = Contents(path_);
+  EXPECT_EQ(SavedAgain(path_), text);
+  EXPECT_EQ(LoadFailure("[DataSet]\n[Rows = 2]\n[Data]\n\n\n[~Data]\n[~DataSet]"), "none");
 }
 
 TEST_F(FilerTest, WritesTheDocumentedLayout) {
@@ -63,7 +66,11 @@ TEST_F(FilerTest, WritesTheDocumentedLayout) {
 
   expected.Clear();
   EXPECT_THROW(Filer::Save(path_, &expected, &generated), TException);
-  EXPECT_EQ(Contents(path_), text);
+  Filer::Save(path_, nullptr, &generated);
+  EXPECT_EQ(
+      Contents(path_),
+      "[FormatVersion = 1.0]\n\n[DataSet]\n[Rows = 2]\n[Inputs = 0]\n[ExpectedOutputs = 0]\n"
+      "[GeneratedOutputs = 0]\n[Error = 1]\n\n[Data]\n    0.5 \n    -0 \n[~Data]\n\n[~DataSet]\n");
 }
 
 TEST_F(FilerTest, ReturnsTheSameNumbers) {
@@ -137,6 +144,9 @@ TEST_F(FilerTest, TellsKindsOfFilesApart) {
       {"[DataSet][Error = 2][Inputs = 1]", "bad-header"},
       {"[DataSet][Rows = Labels]", "bad-header"},
       {"[DataSet]]", "bad-header"},
+      {"[DataSet][Inputs = 1][Data]", "bad-header"},
+      {"[Rows = 1]", "unknown-header"},
+      {"[Network]", "network"},
       {"[NeuralNetwork]", "network"},
       {"[FuzzyRules]", "(unknown-header :header FuzzyRules)"},
       {"]", "unknown-header"},

@@ -15,6 +15,13 @@ namespace {
 
 constexpr TWeightBounds kBounds = {-5.0F, -2.0F};
 
+// Finds nothing that it could repair.
+class TStrictEval : public TMLPGAEval {
+ public:
+  using TMLPGAEval::TMLPGAEval;
+  bool Repair(std::span<GeneValue>) const override { return false; }
+};
+
 // Networks with frozen weights, which no float holds, and a pruned one.
 class GeneticTraining : public testing::Test {
  protected:
@@ -158,6 +165,37 @@ TEST_F(GeneticTraining, TakesTheReciprocalOfTheMeanErrorForFitness) {
   evaluator.SetData(std::array<const Data*, 1>{&exact});
   const std::vector<GeneValue> zeros(genes.size());
   EXPECT_EQ(evaluator.Evaluate(zeros).FltFitness, 2147483648.0F) << "no error at all";
+}
+
+TEST_F(GeneticTraining, DrawsAFitnessForWhatIsBeyondRepair) {
+  TStrictEval evaluator(*perceptron, kBounds);
+  std::vector<GeneValue> genes = evaluator.SeedGenome();
+  const std::vector<std::span<GeneValue>> population(50, genes);
+  std::vector<float> fitness(50, 9.0F);
+  evaluator.EvaluatePopulation({}, population, fitness);
+  const auto [least, most] = std::ranges::minmax(fitness);
+  EXPECT_TRUE(0.0F <= least && least < 0.1F && 0.4F < most && most <= 0.5F) << least << most;
+  EXPECT_TRUE(std::isnan(evaluator.AverageError()));
+}
+
+TEST_F(GeneticTraining, RefusesWhatItCannotTrainOn) {
+  const float infinite = std::numeric_limits<float>::infinity();
+  const auto make = [&](TWeightBounds bounds, std::size_t population) {
+    return Failure([&] { TMLPGA(perceptron, bounds, population); });
+  };
+  for (const TWeightBounds& bounds : {TWeightBounds{1, 0}, {-infinite, 0}, {0, infinite}}) {
+    EXPECT_TRUE(make(bounds, 5).starts_with("weights cannot be drawn from such bounds"));
+  }
+  EXPECT_TRUE(make(kBounds, 0).starts_with("a population of 0 is not within 1 to "));
+  EXPECT_TRUE(make(kBounds, TGenTrain::kMaxPopulation + 1).ends_with("TGenTrain::TGenTrain"));
+  TMLPGAEval evaluator(*perceptron, kBounds);
+  EXPECT_EQ(Failure([&] { evaluator.SetData({}); }).substr(0, 13), "no data sets ");
+  const Data empty(1, 2, 2, false), narrow(1, 1, 2, false);
+  const auto set_data = [&](const Data* data) {
+    return Failure([&] { evaluator.SetData(std::array{data}); });
+  };
+  EXPECT_TRUE(set_data(&empty).starts_with("the data set has no rows"));
+  EXPECT_TRUE(set_data(&narrow).ends_with("TGenTrainEval::SetData")) << set_data(&narrow);
 }
 
 TEST(GeneticRepair, OrdersGroupsByThePlacesOfItsPasses) {

@@ -51,8 +51,15 @@ TEST(TKQstructure, CopiesAreDeep) {
   EXPECT_EQ(Printed(copy), Printed(message));
   copy.SetLong("0k", 99);
   EXPECT_EQ(message.Deref("0K")->Name(), "0");
+  const TKQstructure* const itself = &copy;
+  copy = *itself;
   message = copy;
   EXPECT_EQ(Printed(message), Printed(copy));
+  message.Remove("3k");
+  message.Remove("3k");
+  message.Remove("16k");
+  EXPECT_EQ(message.Count(), 15U);
+  EXPECT_EQ(message.Deref("15k")->Name(), "15");
 }
 
 // The text of the TException that the action throws and, behind it, the detail.
@@ -72,14 +79,17 @@ TEST(TKQstructure, FailedLookUpsTellWhatWasExpected) {
   message.SetString("odd", "on");
   EXPECT_TRUE(message.DerefBoolThrow("FLAG"));
   EXPECT_NO_THROW(message.CheckMessage("flag", "TRUE"));
+  EXPECT_NO_THROW(message.CheckMessage("odd", ""));
   EXPECT_EQ(DetailedFailure([&] { message.DerefBoolThrow("odd"); }),
             "boolean field expected  TKQstructure::DerefBoolThrow"
             "(error :type type-error :expected boolean)");
   EXPECT_EQ(DetailedFailure([&] { message.DerefThrow("none"); }),
             "cannot find keyword none  TKQstructure::DerefThrow"
             "(error :type invalid-message :expected none)");
-  message.SetBool("flag", false);
-  EXPECT_FALSE(message.DerefBoolThrow("flag"));
+  for (const bool value : {true, false}) {
+    message.SetBool("flag", value);
+    EXPECT_EQ(message.DerefBoolThrow("flag"), value);
+  }
   EXPECT_EQ(DetailedFailure([&] { message.CheckMessage("none", ""); }),
             "invalid message: expected none  TKQstructure::CheckMessage"
             "(error :type invalid-message :expected none)");
@@ -93,7 +103,7 @@ TEST(TKQstructure, ReadsNumbersLikeScanf) {
   EXPECT_EQ(str2longThrow("+12abc"), 12);
   EXPECT_EQ(str2long("-99999999999999999999"), INT32_MIN);
   for (const char* text : {"1e-3", "\t+.5x", "-2.e1e", "1e", "1e999", "-1e999", "1e-999", "4e-320",
-                           "0x1A", "-0x.8p1", "0x", "00x5", "-InFinity"}) {
+                           "0x1A", "-0x.8p1", "0x", "00x5", "-InFinity", "0x-1"}) {
     EXPECT_EQ(str2doubleThrow(text), std::strtod(text, nullptr)) << text;
   }
   EXPECT_TRUE(std::isnan(str2double("NaN")));

@@ -293,6 +293,9 @@ TEST_F(NetworkFileTest, RefusesWhatIsNoTarn) {
       {"= sigmoid", "= linear", misfit},
       {"= Sigmoid", "= tanh", misfit},
       {"= 6]", "= 6] [InputLayer = 0]", misfit},
+      {"= 6]", "= 6] [OutputLayer = 4]", misfit},
+      {"= simple] [NumberOfNeurons = 0]", "= gain] [NumberOfNeurons = 0]", misfit},
+      {"= 0] [~Layer]", "= 1] [ActivationFunction = bias] [~Layer]", misfit},
   };
   ExpectFailures(Contents(kTarnFile), kFaults, [&](const std::string& text) { Load(text); });
 }

@@ -69,6 +69,14 @@ TEST(ActFunctionsTest, NeuronsAndWholeLayersComputeTheFunctionOfTheName) {
   }
 }
 
+TEST(ActFunctionsTest, KnowsItsOwnFunctionsAlone) {
+  const TFnRegistry& registry = TFnRegistry::Instance();
+  const TActFunction stranger = [](TBasicNeuron&, double) {};
+  EXPECT_EQ(registry.RowForm(stranger), nullptr);
+  EXPECT_TRUE(Failure([&] { registry.Lookup(stranger); }).ends_with("line 239"));
+  EXPECT_FALSE(registry.Contains("step"));
+}
+
 // --- Error measures --------------------------------------------------------------------------
 
 TEST(TErrorObjTest, CrossEntropyByHand) {
@@ -80,6 +88,9 @@ TEST(TErrorObjTest, CrossEntropyByHand) {
   EXPECT_DOUBLE_EQ(std::log(2.0) + std::log(8.0), entropy.Value());
   entropy.Accumulate(TValues{0.5, 0.5}, TValues{0, 0.5});
   EXPECT_EQ(kInfinity, entropy.Value());
+  entropy.Reset();
+  entropy.Accumulate(TValues{0, 1}, TValues{0, 1});
+  EXPECT_EQ(entropy.Value(), 0.0) << "nothing could be nearer";
 }
 
 // --- Structure -------------------------------------------------------------------------------

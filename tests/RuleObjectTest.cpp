@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <string>
 #include <utility>
@@ -231,6 +232,16 @@ TEST(RuleFile, RefusesToWriteWhatHasNoName) {
   EXPECT_EQ(write({0, 1}, {1, 0}), "none");
   EXPECT_EQ(write({1, -1}, {1, 0}), kNoName);
   EXPECT_EQ(write({0, 3}, {1, 0}), kNoName);
+  EXPECT_EQ(write({3, 0}, {1, 0}), "Invalid MF set number Bad Parameter TMFSetList::GetMFSet");
+  EXPECT_EQ(write({0, 1, NAN}, {1, 0}),
+            "Degree is not a finite number Bad Rule Set TRuleFile::SaveRules");
+}
+
+TEST(RuleFile, WritesRulesThatSayNothing) {
+  TRuleList rules("test");
+  rules.Append({std::make_unique<TRuleExpression>("and"), {}});
+  const std::string text = Written({Variables(), std::move(rules), Variables()});
+  EXPECT_NE(text.find("if NULL\n  then NULL\n"), std::string::npos) << text;
 }
 
 TEST(NetLabel, NamesVariablesAndTerms) {
@@ -238,6 +249,7 @@ TEST(NetLabel, NamesVariablesAndTerms) {
   const TNetLabel plain = MakeDefaultLabels(std::vector<int>(27), {0});
   EXPECT_EQ(plain.GetInputName(26), "InputBA");
   EXPECT_EQ(plain.NumConditions() + plain.NumActions(), 0);
+  EXPECT_EQ(Failure([&] { plain.GetInputName(-1); }).substr(0, 7), "Input n");
   EXPECT_EQ(LetterCode(25) + LetterCode(11881375) + LetterCode(11881376), "ZZZZZZA");
 }
 

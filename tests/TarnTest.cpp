@@ -163,11 +163,17 @@ TEST(TTarnTest, RefusesWhatIsNotThere) {
       {"Invalid number of weights", "SetWeightLayer", [=] { t->SetWeightLayer(2, {}); }},
       {"Must be >= 2 MF per input", "TTarn", [=] { make(1, 1); }},
       {"Must be >= 2 MF per output", "TTarn", [=] { make(2, -5); }},
+      {"a Tarn needs an input, a rule and an output", "TTarn", [] { TTarn({}, 1, TSizes{2}); }},
+      {"a Tarn needs an input, a rule and an output", "TTarn",
+       [] { TTarn(TSizes{2}, 0, TSizes{2}); }},
+      {"a Tarn needs an input, a rule and an output", "TTarn", [] { TTarn(TSizes{2}, 1, {}); }},
       {"a Tarn of more than 16777216 neurons", "TTarn", [=] { make(2000000000, 2000000000); }},
   };
   for (const auto& [message, operation, action] : kCases) {
     EXPECT_EQ(message + " Bad Parameter TTarn::" + operation, Failure(action));
   }
+  EXPECT_EQ(Failure([=] { t->Recall(nullptr); }),
+            "Null data pointer Null Pointer Parameter TTarn::Recall");
   EXPECT_EQ(Failure([=] { t->AddNeuron(4, 0); }).find("Assertion failed: IsResizable()"), 0u);
   EXPECT_EQ(tarn.Layer(4).NumNeurons(), 2u);
   EXPECT_TRUE(tarn.WeightExists(1, 1, 2));

@@ -49,7 +49,6 @@ void SaveSingleOperand(Writer& out, const TRuleExpression& expression, const TMF
   const TRuleOperator& op = FindRuleOperator(expression.OperatorName());
   if (op.IsPrefix()) out.WriteText(expression.OperatorName() + " ");
   SaveElement(out, expression.Get(0), inputs, depth + 1);
-  if (op.IsPostfix()) out.WriteText(" " + expression.OperatorName());
 }
 
 void SaveOperands(Writer& out, const TRuleExpression& expression, const TMFSetList& inputs,

@@ -17,7 +17,6 @@ struct TRuleOperator {
   int right = 0;           // how tightly it binds what stands in front of it
 
   bool IsPrefix() const { return token_class == kStartsOperand && follows == kStartsOperand; }
-  bool IsPostfix() const { return token_class == kFollowsOperand && follows == kFollowsOperand; }
 };
 
 // The operator of that name, ignoring case; one of the class kOther for any other token.

@@ -22,8 +22,8 @@ def main(program, folder):
     with open("a folder/räin.kiln", "w") as script:
         script.write("create Data alias rain inputs 1 outputs 1 rows 1 labels on\npurge\n")
 
-    open("a folder/hail", "w").close()
-
+    for name in "hail", ".hidden", "odd)", "o\x01k":
+        open("a folder/" + name, "w").close()
     session = Session(program)
     expect(session.greeting, r"Kiln 0\.9: type help, or quit to end\.\n\r?.*Kiln>>")
 
@@ -42,7 +42,11 @@ def main(program, folder):
             ("create Tarn alias fuzzy inputs 1 condition {2} rules 5 outputs 1 action {2} seed 1", "OK\n"),
             ("retarn network fuzzy rules none threshold 9",
              "OK\n0 rules: there are some with ThresholdIn below 0.8998\n"),
-            ("retarn network fuzzy rules some", "OK\n2 rules\n")):
+            ("retarn network fuzzy rules some", "OK\n2 rules\n"),
+            ("help creat", "\x1b[31mError:\x1b[0m no help for creat\ndid you mean create?\n"),
+            ("help create mpl", "\x1b[31mError:\x1b[0m no help for create mpl\ndid you mean MLP?\n"),
+            ("help train epochs", "\x1b[31mError:\x1b[0m no help for train epochs\n"),
+            ("query nonsense network1", "\x1b[31mError:\x1b[0m unknown query\n")):
         got = session.say(line)
         if got != answer:
             sys.exit(f"{line}\nexpected {answer!r}\ngot      {got!r}")
@@ -56,6 +60,22 @@ def main(program, folder):
     expect(session.read(), r".*t1\}\n.*Error:.*")
     session.press("create MLP bias \tn hid\t\t\n")
     expect(session.read(), r".*on hid.*den .*\{\n.*Error:.*")
+
+    # What cannot be completed stays, and so does what can be in several ways.
+    lines = (("nonsense al", ""), ("nonsense {se", ""), ("{se", ""), ("recombine {se", ""), ("append inputs {se", ""),
+             ("recombine x {se", ""), ("recombine sources {x, se", "t1"), ("help nonsense x", ""),
+             ("help create ML", "P"), ("help create MLP al", ""), ("run filename (nowhere/x", ""),
+             ("run filename (a folder/o", ""), ("run filename (a folder/.hi", "dden)"), ("run filename (a f", "older/"),
+             ("create MLP bias o", ""), ("create MLP inputs al", ""), ("train alias teacher ali", ""),
+             ("query classof network1 cla", ""), ("create MLP hidden", ""), ("query classof NETW", "ork1"))
+    for typed, _ in lines:
+        session.press(typed + "\t\n")
+        session.read()
+    with open(".kiln_history") as history:
+        last = [line.strip().replace("\\040", " ") for line in history][-len(lines):]
+    for (typed, rest), line in zip(lines, last):
+        if line.lower() != (typed + rest).lower():
+            sys.exit(f"{typed} is completed to {line}")
 
     # A command word, an alias of the right kind, a word, a file in a folder with a blank.
     session.press("help que\tcla\t\x15creat al\t\x15que\tcla\tteac\t\n")

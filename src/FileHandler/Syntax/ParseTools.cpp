@@ -54,13 +54,13 @@ std::size_t SizeOf(const std::string& path) {
   return no_size ? 0 : size;
 }
 
-// All that the file holds; nothing where it cannot be read.
-std::optional<std::string> ReadFile(const std::string& path) {
+// Reads all that the file holds. Returns whether it can be read.
+bool ReadFile(const std::string& path, std::string& text) {
   const TDescriptor file = TDescriptor::Open(path, O_RDONLY);
-  if (!file.IsOpen()) return std::nullopt;
+  if (!file.IsOpen()) return false;
   // One more than the file holds: the first read meets the end, and nothing is moved. What does not
   // tell its size is read until it ends.
-  std::string text(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
+  text.assign(std::max<std::size_t>(SizeOf(path) + 1, 4096), '\0');
   std::size_t size = 0;
   for (;;) {
     if (size == text.size()) {
@@ -68,12 +68,12 @@ std::optional<std::string> ReadFile(const std::string& path) {
       text.resize(2 * size);
     }
     const ssize_t count = ReadSome(file.Number(), text.data() + size, text.size() - size);
-    if (count < 0) return std::nullopt;
+    if (count < 0) return false;
     if (count == 0) break;
     size += static_cast<std::size_t>(count);
   }
   text.resize(size);
-  return text;
+  return true;
 }
 
 // "[KEYWORD = WHAT] expected"
@@ -99,12 +99,12 @@ OpenError::OpenError(const std::string& path)
     : TException("Unable to open file " + path, "File Error", "FileTools::Reader::FromFile") {}
 
 std::string ReadWholeFile(const std::string& path) {
-  std::optional<std::string> text;
-  Ranks::OnFirst([&] { text = ReadFile(path); });
-  if (!Ranks::Shared(text.has_value())) throw OpenError(path);
-  if (!text) text.emplace();
-  Ranks::ShareText(*text);
-  return std::move(*text);
+  std::string text;
+  bool is_read = false;
+  Ranks::OnFirst([&] { is_read = ReadFile(path, text); });
+  if (!Ranks::Shared(is_read)) throw OpenError(path);
+  Ranks::ShareText(text);
+  return text;
 }
 
 bool IsWord(std::string_view text) {
