@@ -145,7 +145,7 @@ void TBasicConnections::RemoveColumn(std::size_t) {
 
 void TBasicConnections::Rearrange(const TOrigins& rows, const TOrigins& columns) {
   CheckAttached();
-  std::vector<double> weights(rows.size() * columns.size(), 0.0);
+  TPlacedVector<double> weights(rows.size() * columns.size(), 0.0);
   std::vector<TMask> masks(masks_.empty() ? 0 : weights.size(), FMaskAll);
   for (std::size_t i = 0; i < weights.size(); ++i) {
     const std::size_t to = rows[i / columns.size()];

@@ -9,6 +9,7 @@
 
 #include "NeuralNets/TIterateObj.h"
 #include "Shared/TAssertion.h"
+#include "Shared/TPlacedVector.h"
 
 namespace kiln {
 
@@ -162,7 +163,7 @@ class TBasicConnections {
   std::size_t rows_ = 0;
   std::size_t columns_ = 0;
   std::vector<TPatchShape> patches_;
-  std::vector<double> weights_;
+  TPlacedVector<double> weights_;
   std::vector<TMask> masks_;    // one a weight, from when the first differs from FMaskAll
   std::size_t exceptions_ = 0;  // places whose flags are not FMaskAll
 };

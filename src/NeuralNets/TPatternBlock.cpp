@@ -31,9 +31,15 @@ bool TPatternBlock::Fits(const TBasicNetwork& network) {
 }
 
 std::size_t TPatternBlock::PatternsFor(const TBasicNetwork& network, std::size_t most) {
-  constexpr int kNeurons = kMaxNeurons / static_cast<int>(kManyPatterns / kPatterns);
-  const bool takes_many = most > kPatterns && network.GetNumWeights(FMaskAll) > kManyWeights &&
-                          network.GetNumNeurons() <= kNeurons;
+  const auto neurons = static_cast<std::size_t>(network.GetNumNeurons());
+  const auto weights = static_cast<std::size_t>(network.GetNumWeights(FMaskAll));
+  const auto has_room = [neurons](std::size_t patterns) {
+    return neurons * patterns <= kMaxNeurons * kPatterns;
+  };
+  if (most > kManyPatterns && weights > kMostWeights && has_room(kMostPatterns)) {
+    return kMostPatterns;
+  }
+  const bool takes_many = most > kPatterns && weights > kManyWeights && has_room(kManyPatterns);
   return takes_many ? kManyPatterns : kPatterns;
 }
 
@@ -62,7 +68,7 @@ void TPatternBlock::Recall(const Data& data, int first, int last) {
 
 void TPatternBlock::GetPattern(std::size_t layer, std::size_t pattern,
                                std::span<double> values) const {
-  const std::vector<double>& outputs = outputs_[layer];
+  const std::span<const double> outputs = outputs_[layer];
   for (std::size_t i = 0; i < values.size(); ++i) values[i] = outputs[i * patterns_ + pattern];
 }
 
@@ -93,7 +99,7 @@ void TPatternBlock::Compute(std::size_t layer) {
 
 void TPatternBlock::Activate(std::size_t layer) {
   TBasicLayer& neurons = network_.Layer(layer);
-  std::vector<double>& outputs = outputs_[layer];
+  const std::span<double> outputs = outputs_[layer];
   const std::span<const double> net_inputs(net_inputs_.data(), outputs.size());
   if (const TActRowFunction row_form = neurons.RowForm()) return row_form(net_inputs, outputs);
   for (std::size_t p = 0; p < count_; ++p) {

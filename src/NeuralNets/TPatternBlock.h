@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "NeuralNets/TBasicNetwork.h"
+#include "Shared/TPlacedVector.h"
 
 namespace kiln {
 
@@ -16,11 +17,15 @@ class Data;
 class TPatternBlock {
  public:
   // How many patterns a block takes. The outputs of a small network then stay in the nearest cache;
-  // one of more than kManyWeights has its weights read for more patterns at once, where there are
-  // more and their outputs take no more memory than those of kMaxNeurons.
+  // one of more than kManyWeights has its weights read for more patterns at once, and one of more
+  // than kMostWeights for more still, where there are more and their outputs take no more memory
+  // than those of kMaxNeurons. Gradients are the same for both, since products add up
+  // 128 terms at a time.
   static constexpr std::size_t kPatterns = 32;
   static constexpr std::size_t kManyPatterns = 128;
+  static constexpr std::size_t kMostPatterns = 256;
   static constexpr std::size_t kManyWeights = std::size_t{1} << 17;
+  static constexpr std::size_t kMostWeights = std::size_t{1} << 20;
   static std::size_t PatternsFor(const TBasicNetwork& network, std::size_t most);
 
   // Networks of more neurons, whose outputs would take more than 32 MiB, are recalled faster
@@ -65,9 +70,9 @@ class TPatternBlock {
   TBasicNetwork& network_;
   std::size_t patterns_;
   std::size_t count_ = 0;
-  std::vector<std::vector<double>> outputs_;  // of each layer
-  std::vector<double> net_inputs_;            // of the layer at hand
-  std::vector<const double*> rows_;           // the inputs of the patterns
+  std::vector<TPlacedVector<double>> outputs_;  // of each layer
+  TPlacedVector<double> net_inputs_;            // of the layer at hand
+  std::vector<const double*> rows_;             // the inputs of the patterns
 };
 
 }  // namespace kiln

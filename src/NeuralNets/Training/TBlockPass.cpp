@@ -39,7 +39,7 @@ void TBlockPass::Run(const Data& data, int first, int last, TErrorObj& error) {
 
 void TBlockPass::RunBlock(const Data& data, int first, int last, TErrorObj& error) {
   outputs_.Recall(data, first, last);
-  for (std::vector<double>& errors : errors_) std::ranges::fill(errors, 0.0);
+  for (TPlacedVector<double>& errors : errors_) std::ranges::fill(errors, 0.0);
   StartErrors(data, first, error);
   for (std::size_t layer = network_.NumLayers(); layer-- > 0;) {
     if (!errors_[layer].empty()) TrainLayer(layer);
@@ -58,7 +58,7 @@ void TBlockPass::TrainLayer(std::size_t layer) {
 
 void TBlockPass::StartErrors(const Data& data, int first, TErrorObj& error) {
   const std::size_t layer = network_.OutputLayer();
-  std::vector<double>& errors = errors_[layer];
+  const std::span<double> errors = errors_[layer];
   for (std::size_t p = 0; p < outputs_.Count(); ++p) {
     const std::span<const double> desired = data.Row(first + static_cast<int>(p)).Outputs;
     outputs_.GetPattern(layer, p, output_);

@@ -8,6 +8,7 @@
 #include "NeuralNets/Training/TTrainPass.h"
 #include "NeuralNets/Training/TTrainRun.h"
 #include "NeuralNets/Training/TTrainState.h"
+#include "Shared/TPlacedVector.h"
 
 namespace kiln {
 
@@ -49,9 +50,9 @@ class TBlockPass : public TTrainPass {
   const TTrainRun& run_;
   TBasicNetwork& network_;
   TPatternBlock outputs_;
-  std::vector<std::vector<double>> errors_;  // neurons x patterns of each layer that is trained
-  std::vector<double> rows_;                 // outputs of a layer, patterns x neurons
-  std::vector<double> output_;               // of the pattern at hand
+  std::vector<TPlacedVector<double>> errors_;  // neurons x patterns of each layer that is trained
+  TPlacedVector<double> rows_;                 // outputs of a layer, patterns x neurons
+  std::vector<double> output_;                 // of the pattern at hand
 };
 
 }  // namespace kiln

@@ -8,6 +8,7 @@
 #include "NeuralNets/TBasicNetwork.h"
 #include "NeuralNets/Training/TTrainMethod.h"
 #include "NeuralNets/Training/TWeightBuffer.h"
+#include "Shared/TPlacedVector.h"
 
 namespace kiln {
 
@@ -60,7 +61,7 @@ class TTrainCheckpoint {
   bool IsStillFinite(const TTrainState& state) const;
 
  private:
-  TWeightBuffer weights_;
+  std::vector<TPlacedVector<double>> weights_;  // of each block
   TWeightBuffer changes_;
   TMethodMemory method_;
 };

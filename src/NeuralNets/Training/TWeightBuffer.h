@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "NeuralNets/Kernels/TCacheLine.h"
+#include "Shared/TPlacedVector.h"
 
 namespace kiln {
 
@@ -50,7 +51,7 @@ class TWeightBuffer {
 
   std::size_t layers_;
   std::vector<TPlace> places_;  // of each block
-  std::vector<TCacheLine> lines_;
+  TPlacedVector<TCacheLine> lines_;
 };
 
 }  // namespace kiln
