@@ -102,8 +102,9 @@ TEST(TKQstructure, ReadsNumbersLikeScanf) {
   EXPECT_EQ(str2longThrow(" 42"), 42);
   EXPECT_EQ(str2longThrow("+12abc"), 12);
   EXPECT_EQ(str2long("-99999999999999999999"), INT32_MIN);
-  for (const char* text : {"1e-3", "\t+.5x", "-2.e1e", "1e", "1e999", "-1e999", "1e-999", "4e-320",
-                           "0x1A", "-0x.8p1", "0x", "00x5", "-InFinity", "0x-1"}) {
+  for (const char* text :
+       {"1e-3", "\t+.5x", "-2.e1e", "1e", "1e999", "-1e999", "1e-999", "4e-320", "0x1A", "-0x.8p1",
+        "0x", "00x5", "-0x1p1024", "0x1p-2000", "-InFinity", "0x-1"}) {
     EXPECT_EQ(str2doubleThrow(text), std::strtod(text, nullptr)) << text;
   }
   EXPECT_TRUE(std::isnan(str2double("NaN")));

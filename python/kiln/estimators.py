@@ -256,7 +256,7 @@ class _Tarn(_Trained):
         rules, count = self.rules_, self.n_features_in_
         if np.shape(x) not in ((count,), (1, count)):
             raise ValueError(f"explain takes inputs of shape ({count},), not {np.shape(x)}")
-        row = self.scaler_.transform(np.reshape(x, (1, count)))[0]
+        row = self.scaler_.transform(np.asarray(x).reshape(1, count))[0]
         with console() as session:
             session.load("FuzzyRules", "found", self.rule_file_)
             fired = session(f"query fired rules found inputs {_braces(row)}") if rules else []
@@ -400,9 +400,7 @@ class KohonenMap(
 
     def transform(self, X: ArrayLike) -> Matrix:
         """Coordinates (rows, dimensions) of the nearest units, counted from 0."""
-        check_is_fitted(self)
-        inputs = self._scaled(self._validate_data(X, dtype=np.float64, reset=False))
-        return _outputs_of(self.network_, "Kohonen", "map", inputs)
+        return self._places(X)
 
     def predict(self, X: ArrayLike) -> NDArray[np.int64]:
         """The clusters (rows,) of the nearest units."""
@@ -424,8 +422,13 @@ class KohonenMap(
     def _scaled(self, inputs: Matrix) -> Matrix:
         return (inputs - self._least) / self._span
 
+    def _places(self, X: ArrayLike) -> Matrix:
+        check_is_fitted(self)
+        inputs = self._scaled(self._validate_data(X, dtype=np.float64, reset=False))
+        return _outputs_of(self.network_, "Kohonen", "map", inputs)
+
     def _units(self, X: ArrayLike) -> NDArray[np.int64]:
-        return np.ravel_multi_index(tuple(self.transform(X).astype(int).T), tuple(self.map_size))
+        return np.ravel_multi_index(tuple(self._places(X).astype(int).T), tuple(self.map_size))
 
     def _find_clusters(self, units: NDArray[np.int64]) -> None:
         """Joins the units that are nearest to rows; each other goes with the most alike of these."""

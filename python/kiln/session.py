@@ -117,9 +117,9 @@ class Session(AbstractContextManager["Session"]):
         right = np.empty((len(left), 0)) if outputs is None else _matrix(outputs)
         if len(left) != len(right):
             raise ValueError(f"{len(left)} rows of inputs but {len(right)} of outputs")
-        numbers = " ".join(map(float.hex, np.hstack([left, right]).ravel().tolist()))
         sizes = f"[Rows={len(left)}]\n[Inputs={left.shape[1]}]\n[ExpectedOutputs={right.shape[1]}]"
-        self.load("Data", alias, f"[DataSet]\n{sizes}\n[Data]\n{numbers}\n[~Data]\n[~DataSet]\n")
+        numbers = _hexadecimal(np.hstack([left, right]).ravel())
+        self.load("Data", alias, f"[DataSet]\n{sizes}\n[Data]".encode() + numbers + b"[~Data]\n[~DataSet]\n")
 
     def array(self, alias: str) -> tuple[Matrix, Matrix]:
         """Returns inputs (rows, m) and outputs (rows, n) of a data set, the oldest row first."""
@@ -134,7 +134,7 @@ class Session(AbstractContextManager["Session"]):
         numbers = np.loadtxt(table, delimiter=",", quotechar='"', comments=None, usecols=columns, ndmin=2)
         return numbers[:, :inputs], numbers[:, inputs:]
 
-    def load(self, kind: str, alias: str, text: str, tags: str = "") -> Any:
+    def load(self, kind: str, alias: str, text: str | bytes, tags: str = "") -> Any:
         """Makes an object of the text of a file: `load KIND alias ALIAS`, with more tags."""
         with self._turn():
             self._file.write_bytes(os.fsencode(text))
@@ -253,6 +253,22 @@ def _end(process: Popen[bytes], descriptor: int, pid: int) -> None:
             process.wait()
     process.stdin.close()
     process.stdout.close()
+
+
+# The sign and first digit of numbers, and their exponents, by the 12 bits in front of their fractions.
+HEADS = np.array([b" %c0x%d." % (b"+-"[code >> 11], code & 2047 > 0) for code in range(4096)])
+TAILS = np.array([b"p%+05d" % (max(code & 2047, 1) - 1023) for code in range(4096)])
+
+
+def _hexadecimal(numbers: NDArray[np.float64]) -> bytes:
+    """The numbers as C writes them, with a blank before each."""
+    bits = numbers.view(np.uint64)
+    text = np.empty(len(bits), "S6, S13, S6")
+    text["f0"], text["f2"] = HEADS[bits >> 52], TAILS[bits >> 52]
+    text["f1"] = np.frombuffer(bits.astype(">u8").tobytes().hex().encode(), "S3, S13")["f1"]
+    odd = ~np.isfinite(numbers)
+    text[odd] = [(f"{number:6}".encode(), b" " * 13, b" " * 6) for number in numbers[odd]]
+    return text.tobytes()
 
 
 def _matrix(values: ArrayLike) -> Matrix:

@@ -65,6 +65,14 @@ def test_tools_around_estimators():
         assert session("query score network net data d").endswith(f"right {150 * best.score(*IRIS):.0f}")
 
 
+def test_tables_keep_the_names_of_their_columns():
+    table = pytest.importorskip("pandas", reason="pandas is missing").DataFrame(IRIS[0], columns=[*"abcd"])
+    places = KohonenMap((4, 3)).set_output(transform="pandas").fit_transform(table)
+    assert list(places) == ["kohonenmap0", "kohonenmap1"] and len(places) == 150
+    model = TarnClassifier(random_state=1).fit(table, IRIS[1])
+    assert "<d is " in model.rules_ and model.explain(table.iloc[0]) == model.explain(IRIS[0][0])
+
+
 def test_wrong_parameters_are_named():
     wrong = {
         "solver": "sgd",

@@ -20,6 +20,11 @@ std::string_view SkipToNumber(std::string_view text) {
   return text.starts_with('-') ? std::string_view{} : text;
 }
 
+// The number that std::from_chars refused; it does not tell too large from too small.
+double ScanBeyondRange(const std::string& text) {
+  return std::strtod(text.c_str(), nullptr);
+}
+
 // The hexadecimal number at the start of `text`, "0x" with or without a minus sign, as far as there
 // is one; otherwise the 0 in front of the x.
 double ScanHexadecimal(std::string_view text) {
@@ -27,7 +32,11 @@ double ScanHexadecimal(std::string_view text) {
   text.remove_prefix(negative ? 3 : 2);
   double value = 0.0;
   if (!text.starts_with('-')) {
-    std::from_chars(text.data(), text.data() + text.size(), value, std::chars_format::hex);
+    const char* const last = text.data() + text.size();
+    const auto [end, error] = std::from_chars(text.data(), last, value, std::chars_format::hex);
+    if (error == std::errc::result_out_of_range) {
+      value = ScanBeyondRange("0x" + std::string(text.data(), end));
+    }
   }
   return negative ? -value : value;
 }
@@ -67,8 +76,7 @@ std::optional<double> ScanNumber(std::string_view text) {
   const auto [end, error] = std::from_chars(text.data(), last, value);
   if (error == std::errc::invalid_argument) return std::nullopt;
   if (error == std::errc::result_out_of_range) {
-    // from_chars does not tell too large from too small.
-    return std::strtod(std::string(text.data(), end).c_str(), nullptr);
+    return ScanBeyondRange(std::string(text.data(), end));
   }
   const bool only_zero = value == 0.0 && end[-1] == '0' && end - text.data() <= 2;
   if (only_zero && end != last && (*end == 'x' || *end == 'X')) return ScanHexadecimal(text);
