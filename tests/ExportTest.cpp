@@ -3,9 +3,11 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 
 #include "Export/CFile.h"
+#include "Export/Identifiers.h"
 #include "FileTestTools.h"
 #include "Networks.h"
 #include "NeuralNets/ActFunctions.h"
@@ -125,7 +127,41 @@ TEST_F(TCFileTest, WhatHasAMemoryOrIsNoNumberIsRefused) {
   EXPECT_EQ(Failure(save), "Weights that are no numbers Bad Network CFile::Save");
   network->Connect(3, 2);
   EXPECT_EQ(Failure(save), "Connections lead back Bad Network CFile::Save");
+  const std::function<void(TMLPNetwork&)> changes[] = {
+      [](TMLPNetwork& n) { n.Layer(2).SetActivation(ActTarnCondition); },
+      [](TMLPNetwork& n) { n.Connect(0, 1); },
+  };
+  for (const auto& change : changes) {
+    const auto odd = MakePerceptron({2, 2, 1}, true);
+    change(*odd);
+    EXPECT_EQ(Failure([&] { CFile::Save(path_, "n", *odd, {}); }),
+              "Layer of a kind that C code cannot compute Bad Network CFile::Save");
+  }
+  const auto steep = MakePerceptron({2, 1}, true);
+  steep->Layer(2).SetActivation(ActTanhGain);
+  steep->Layer(2).Neuron(0).SetParameter(0, std::numeric_limits<double>::quiet_NaN());
+  EXPECT_EQ(Failure([&] { CFile::Save(path_, "n", *steep, {}); }),
+            "Weights that are no numbers Bad Network CFile::Save");
   EXPECT_FALSE(std::filesystem::exists(path_));
+}
+
+TEST(Identifiers, AreNamesInTheirLanguages) {
+  const struct {
+    std::string name, c, fcl;
+  } cases[] = {{"", "n_", "n"},
+               {"__", "n___", "n"},
+               {"9 Lives!", "n_9_Lives_", "n_9_Lives"},
+               {"Zebra..zoo", "Zebra__zoo", "Zebra_zoo"},
+               {"@[`{/:", "n_______", "n"},
+               {"sinl", "sinl_", "sinl"},
+               {"fool", "fool", "fool"},
+               {"M_PI", "M_PI_", "M_PI"},
+               {"RULE", "RULE", "n_RULE"}};
+  for (const auto& [name, c, fcl] : cases) {
+    EXPECT_EQ(CIdentifier(name), c);
+    EXPECT_EQ(FclIdentifier(name), fcl);
+  }
+  EXPECT_EQ(CommentText("a */ b\\\n?\x7f é"), "a __ b____ é");
 }
 
 TEST_F(TCFileTest, ASmallNetworkIsSmallInAProgram) {

@@ -15,6 +15,7 @@
 #include "Plot/HistoryPicture.h"
 #include "Plot/Legible.h"
 #include "Plot/MapPicture.h"
+#include "Plot/TCanvas.h"
 #include "Plot/TextPicture.h"
 
 namespace kiln {
@@ -75,7 +76,7 @@ TEST_F(Plot, WritesEachKindAsAScript) {
   Do("train alias breeder data d generations 2 seed 1");
   Do("labeltarn network fuzzy labels words terms {low, high}");
   Do("retarn network fuzzy labels words rules found");
-  Do("create Data alias e inputs 1 outputs 1 rows 3 labels off");
+  Do("create Data alias e inputs 1 outputs 1 rows 3 labels on");
   for (const char* row : {"{2} outputs {7.5}", "{3} outputs {6.5}", "{3} outputs {nan}"}) {
     Do(std::string("append alias e inputs ") + row);
   }
@@ -97,6 +98,7 @@ TEST_F(Plot, WritesEachKindAsAScript) {
       {"d columns {0}",
        {"'rows'", "'input0'", "0.125 0\n0.125 1\n", "'down'", "filledcurves y1=0"}},
       {"e", {"'e'", "$Points_1_1 << EOD\n2 7.5\n3 6.5\nEOD\n", "notitle"}},
+      {"e columns {1}", {"\n6.7 1\n", "'output0'"}},
       {"far", {"set xrange [1699999996:1700000104]", "\n1700000100 1e+300\n"}},
       {"far columns {1}", {"set xrange [1e+300:1.005e+300]"}},
       {"far columns {2}", {"set xrange [-1e+300:1e+300]"}},
@@ -129,6 +131,8 @@ std::string List(int size, const std::string& first, const std::string& rest) {
   return list + "}";
 }
 
+const std::string kTerms = Contents(KILN_TEST_DATA "/every-kind.mflist");
+
 TEST_F(Plot, DrawsTheManyTheFewAndTheOdd) {
   std::ofstream kinds(Path("kinds.csv"));
   kinds << "幅,Size,Kind=a,Kind=b,Kind\n7,0.25,1,0,a rather long name\n";
@@ -154,6 +158,12 @@ TEST_F(Plot, DrawsTheManyTheFewAndTheOdd) {
       "create MLP alias some inputs 37 layers 2 hidden {} outputs 12 bias on seed 1",
       "load FuzzyRules alias sailing filename (" KILN_TEST_DATA "/sailing.rules)"};
   for (const std::string& line : lines) Do(line);
+  std::ofstream rules(Path("kinds.rules"));
+  rules << "[FormatVersion=1.0] [FuzzyRules] [RuleType=x]\n" << kTerms << kTerms << "[RuleList]\n";
+  for (int n = 0; n < 130; ++n) rules << "if <Wind is low> then <Wind is high 0.5>\n";
+  rules << "[~RuleList] [~FuzzyRules]";
+  rules.close();
+  Do("load FuzzyRules alias kinds_of_terms filename (" + Path("kinds.rules") + ")");
   std::string inputs = "{0";
   for (int i = 1; i < 37; ++i) inputs += ", " + std::to_string(i);
   const struct {
@@ -174,11 +184,18 @@ TEST_F(Plot, DrawsTheManyTheFewAndTheOdd) {
        {"input35"}},
       {"long data twelve", {"title 'output0'"}, {"░▒▓█"}},
       {"some data twelve", {" of 2 right'", "'output11' 11"}, {" output11┤", "answered"}},
-      {"many data forty", {", first 36 of 40 outputs'", "'output35'"}, {"output35", "expected"}},
+      {"many data forty",
+       {", first 36 of 40 outputs'", "'output35'", "plot NaN notitle"},
+       {"output35"}},
       {"sailing",
        {"'Wind'", "'Reefed'", "set xrange [-1:9]", "\n0.25 1\n"},
        {"Light  1        Gale", "Calm"}},
       {"sailing method rules", {"'Sea ?'", "'−'"}, {"   Wind Gale┤   ███", "       Sea ?┤ −"}},
+      {"kinds_of_terms", {"'exact'", "set xrange [-0.25:1]"}, {"low", "high"}},
+      {"kinds_of_terms method rules",
+       {"'Rules of kinds_of_terms, first 120 of 130'", "'5' 4, '' 5"},
+       {"Wind high┤"}},
+      {"k data kinds", {}, {"specie…"}},
       {"d columns {0}", {}, {" down", "⣿⣿"}},
       {"net data d", {}, {"output0 1┤", "expected"}},
       {"fuzzy", {}, {"InputA", "OutputA"}},
@@ -245,8 +262,10 @@ TEST_F(Plot, RefusesWhatCannotBeDrawn) {
     EXPECT_LT(interpreter_.Execute(std::string("plot ") + what + " filename (x.gp)"), 0) << what;
     EXPECT_EQ(interpreter_.GetError(), failure);
   }
-  EXPECT_LT(interpreter_.Execute("plot d filename (x.jpg)"), 0);
-  EXPECT_EQ(interpreter_.GetError(), "x.jpg does not end in .svg, .png, .pdf, .txt or .gp");
+  for (const std::string name : {"x.jpg", "x"}) {
+    EXPECT_LT(interpreter_.Execute("plot d filename (" + name + ")"), 0);
+    EXPECT_EQ(interpreter_.GetError(), name + " does not end in .svg, .png, .pdf, .txt or .gp");
+  }
   EXPECT_LT(interpreter_.Execute("plot d"), 0);
   EXPECT_EQ(interpreter_.GetError(), "tag filename not found");
 }
@@ -338,6 +357,39 @@ TEST(TextPicture, DrawsCurvesMarksAndCells) {
             "      0               5              10\n"
             "                    epoch\n"
             "  -- a   x b\n");
+  for (const char* piece : {"set logscale y", "set ytics ('0.01' 0.01, '0.1' 0.1"}) {
+    EXPECT_NE(GnuplotScript({"T", {panel}}, TPictureFormat::kSvg).find(piece), std::string::npos);
+  }
+}
+
+TEST(Canvas, LeavesOutWhatLiesBeyondIt) {
+  TCanvas canvas(2, 1);
+  TCanvas larger(3, 3);
+  larger.Write(0, 0, U"桜!");
+  canvas.Place(0, 0, larger);
+  for (const auto& [column, line] : {std::pair(-1, 0), {2, 0}, {0, -1}, {0, 1}}) {
+    canvas.Put(column, line, U'x');
+    canvas.PutDot(column * TCanvas::kAcross, line * TCanvas::kDown);
+    EXPECT_TRUE(canvas.IsEmpty(column, line));
+  }
+  EXPECT_EQ(canvas.Text(TCharacters::kUnicode), "桜\n");
+  EXPECT_EQ(canvas.Text(TCharacters::kAscii), "??\n");
+}
+
+TEST(ErrorAxis, HasRoomForAnyErrors) {
+  const struct {
+    double lower, upper, axis_lower, axis_upper;
+    bool is_logarithmic;
+  } cases[] = {{0, 0, 0, 5e-10, false},       {2, 2, 1, 3, false},
+               {1, 2, 0.95, 2.05, false},     {1, 100, 0.8, 125, true},
+               {1e-30, 1, 8e-13, 1.25, true}, {0, 1, 8e-13, 1.25, true},
+               {1, 1e300, 8e287, 1e300, true}};
+  for (const auto& [lower, upper, axis_lower, axis_upper, is_logarithmic] : cases) {
+    const TAxis axis = ErrorAxis(lower, upper);
+    EXPECT_DOUBLE_EQ(axis.lower, axis_lower) << lower << ' ' << upper;
+    EXPECT_DOUBLE_EQ(axis.upper, axis_upper) << lower << ' ' << upper;
+    EXPECT_EQ(axis.is_logarithmic, is_logarithmic) << lower << ' ' << upper;
+  }
 }
 
 }  // namespace

@@ -2,14 +2,7 @@
 # show.sh KILN DIRECTORY: in a folder of the directory trains a network, writes it as C, compiles it into
 # a program of its own and compares what that program and Kiln say of 50 flowers. The exit status is 0
 # when they agree.
-set -euo pipefail
-kiln=$(realpath "$1")
-here=$(cd "$(dirname "$0")" && pwd)
-mkdir -p "$2/embed-c"
-ln -sfn "$here/../iris" "$2/iris"
-cd "$2/embed-c"
-cp "$here"/{embed.kiln,main.c} .
-rm -f embed.log iris.c unseen.csv recognise
+. "$(dirname "$0")/../begin.sh"
 
 "$kiln" --strict embed.kiln >session.txt
 "${CC:-cc}" -std=c99 -pedantic -Wall -Wextra -Wconversion -Werror -O2 main.c iris.c -lm -o recognise

@@ -2,14 +2,7 @@
 # show.sh KILN DIRECTORY: runs evolve.kiln in a folder of the directory, shows the errors of both
 # networks before and after they were bred, and what they answer. The exit status is 0 when exclusive
 # or is computed and at least 45 of 50 unseen flowers are recognised.
-set -euo pipefail
-kiln=$(realpath "$1")
-here=$(cd "$(dirname "$0")" && pwd)
-mkdir -p "$2/evolve"
-ln -sfn "$here/../iris" "$2/iris"
-cd "$2/evolve"
-cp "$here"/evolve.kiln .
-rm -f evolve.log xor.csv bred.net
+. "$(dirname "$0")/../begin.sh"
 
 "$kiln" --strict evolve.kiln >session.txt
 

@@ -8,12 +8,15 @@ here=$(cd "$(dirname "$0")" && pwd)
 mkdir -p "$2"
 cd "$2"
 cp "$here"/{iris.kiln,train.dat,test.dat} .
-rm -f iris.log iris.net answers.csv
+rm -f iris.log iris.net answers.csv errors.txt
 
 "$kiln" --strict iris.kiln >session.txt
 
 printf 'What Kiln was told, and what it answered:\n\n'
 sed 's/^/  /' iris.log
+
+printf '\n'
+sed 's/^/  /' errors.txt
 
 mapfile -t scores < <(grep -A 1 '^query score' iris.log | grep '^#Result')
 right=${scores[0]##* }

@@ -354,11 +354,13 @@ class TScript {
       between = ", \\\n  ";
     }
     for (std::size_t i = 0; i < panel.series.size(); ++i) {
+      if (panel.series[i].points.empty()) continue;  // of which gnuplot would complain
       text_ += between;
       if (panel.grid) WriteRim(panel.series[i], Block(number, i));
       WriteSeries(panel.series[i], Block(number, i));
       between = ", \\\n  ";
     }
+    if (!*between) text_ += "NaN notitle";
     text_ += '\n';
   }
 
