@@ -1,4 +1,4 @@
-// Kohonen maps: training.
+// Kohonen maps: training, by pattern and by batch, and the search for winners.
 
 #include <array>
 #include <iostream>
@@ -18,12 +18,7 @@ namespace {
 
 constexpr int kPatterns = 2000;
 constexpr double kRate = 0.05;
-
-struct TMapShape {
-  int inputs;
-  int side;
-  double radius;  // a fifth of the side, as in the middle of a run
-};
+constexpr double kGoal = 4.0;
 
 // What is written to a stream goes nowhere while this object lives.
 class TSilence {
@@ -38,32 +33,65 @@ class TSilence {
   std::streambuf* buffer_;
 };
 
-// Rate and radius stay as they are.
-TWork MapTraining(const TMapShape& shape, const Data& data) {
+std::shared_ptr<TKohonenNetwork> MakeMap(const TMapShape& shape) {
   const auto map =
       std::make_shared<TKohonenNetwork>(shape.inputs, std::vector{shape.side, shape.side});
   map->Randomize(0.0, 1.0);
-  return
-      [trainer = std::make_shared<TKohonenModule>(map), &data, radius = shape.radius](int passes) {
-        const TSilence silence(std::cout);
-        std::array radii = {radius, radius};
-        return SecondsOf([&] { trainer->Train(data, kRate, radii, passes, 1.0, 1.0); });
-      };
+  return map;
+}
+
+// Rate and radii stay as they are.
+TWork TrainingByPattern(const TMapShape& shape, const Data& data) {
+  return [trainer = std::make_shared<TKohonenModule>(MakeMap(shape)), &data,
+          radius = shape.radius](int passes) {
+    const TSilence silence(std::cout);
+    std::array radii = {radius, radius};
+    return SecondsOf([&] { trainer->Train(data, kRate, radii, passes, 1.0, 1.0); });
+  };
+}
+
+// Units become the means of their neighbourhoods, as the peer's do.
+TWork TrainingByBatch(const TMapShape& shape, const Data& data) {
+  return [trainer = std::make_shared<TKohonenModule>(MakeMap(shape)), &data,
+          radius = shape.radius](int passes) {
+    const TSilence silence(std::cout);
+    std::array radii = {radius, radius};
+    return SecondsOf([&] { trainer->TrainByBatch(data, 1.0, radii, passes, 1.0, 1.0); });
+  };
+}
+
+TWork Search(const TMapShape& shape, const Data& data) {
+  return [map = MakeMap(shape), &data](int passes) {
+    return SecondsOf([&] {
+      for (int n = 0; n < passes; ++n) map->RecallCoordinates(&data);
+    });
+  };
+}
+
+using TMakeWork = TWork (*)(const TMapShape& shape, const Data& data);
+
+void AddRow(TReport& report, const TScratch& scratch, const std::string& name,
+            const TMapShape& shape, TMakeWork kiln, const std::string& mode) {
+  const std::string side = std::to_string(shape.side);
+  const std::string work = name + ", " + std::to_string(shape.inputs) + " on " + side + "×" + side;
+  if (!report.Wants(work)) return;
+  const auto data = RandomRows(kPatterns, shape.inputs);
+  report.AddComparison(work, kiln(shape, *data), "kohonen, " + mode,
+                       KohonenWork(scratch, mode, *data, shape, kRate), kPatterns, kGoal);
 }
 
 }  // namespace
 
 void AddMapRows(TReport& report, const TScratch& scratch) {
-  for (const TMapShape& shape : {TMapShape{4, 10, 2.0}, {16, 20, 4.0}, {64, 40, 8.0}}) {
-    const std::string side = std::to_string(shape.side);
-    const std::string work =
-        "training a map, " + std::to_string(shape.inputs) + " on " + side + "×" + side;
-    if (!report.Wants(work)) continue;
-    const auto data = RandomRows(kPatterns, shape.inputs);
-    report.AddComparison(work, MapTraining(shape, *data), "kohonen",
-                         KohonenTraining(scratch, *data, shape.side, shape.radius, kRate),
-                         kPatterns, 3.0);
+  // Radii are a fifth of the side, as in the middle of a run.
+  const std::array<TMapShape, 3> shapes = {{{4, 10, 2.0}, {16, 20, 4.0}, {64, 40, 8.0}}};
+  for (const TMapShape& shape : shapes) {
+    AddRow(report, scratch, "training a map", shape, TrainingByPattern, "online");
   }
+  for (const TMapShape& shape : shapes) {
+    AddRow(report, scratch, "training a map by batch", shape, TrainingByBatch, "pbatch");
+  }
+  AddRow(report, scratch, "winners of a set", {64, 100, 0.0}, Search, "map");
 }
 
 }  // namespace kiln

@@ -41,10 +41,18 @@ TWork GaLibBreeding(int individuals, int genes, double mutation);
 // from -1 to 1, and FANN's network recalls the set. A pass is a generation.
 TWork FannGaLibTraining(const TPerceptronTask& task, int individuals, double mutation);
 
-// The kohonen package, online. A pass is as many presentations as the set has rows, drawn at
-// random.
-TWork KohonenTraining(const TScratch& scratch, const Data& data, int side, double radius,
-                      double rate);
+// A square map, and how far its neighbourhoods reach.
+struct TMapShape {
+  int inputs;
+  int side;
+  double radius;
+};
+
+// The kohonen package. A pass is training in the mode "online", as many presentations as the set
+// has rows, drawn at random, or "pbatch", where each unit becomes the mean of its neighbourhood;
+// or, in the mode "map", finding the winner of each row.
+TWork KohonenWork(const TScratch& scratch, const std::string& mode, const Data& data,
+                  const TMapShape& shape, double rate);
 
 // scikit-learn, full batches. A pass is an epoch.
 TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task);

@@ -1,4 +1,4 @@
-// FANN's perceptrons, in double precision. They have a bias neuron in every layer but the last.
+// FANN's perceptrons, in double precision.
 
 #include <doublefann.h>
 
@@ -9,17 +9,13 @@
 #include <memory>
 #include <vector>
 
+#include "FannNetwork.h"
 #include "Peers.h"
 #include "Shared/Random.h"
 
 namespace kiln {
 
 namespace {
-
-fann* Create(const std::vector<int>& sizes) {
-  const std::vector<unsigned> layers(sizes.begin(), sizes.end());
-  return fann_create_standard_array(static_cast<unsigned>(layers.size()), layers.data());
-}
 
 fann_train_data* Copy(const Data& data) {
   fann_train_data* copy = fann_create_train(static_cast<unsigned>(data.DataRows()),
@@ -36,9 +32,7 @@ fann_train_data* Copy(const Data& data) {
 class TFannTask {
  public:
   explicit TFannTask(const TPerceptronTask& task)
-      : network_(Create(task.sizes), fann_destroy), data_(Copy(task.data), fann_destroy_train) {
-    fann_set_activation_function_hidden(network_.get(), FANN_SIGMOID);
-    fann_set_activation_function_output(network_.get(), FANN_SIGMOID);
+      : network_(MakeFannNetwork(task.sizes)), data_(Copy(task.data), fann_destroy_train) {
     fann_randomize_weights(network_.get(), -0.5, 0.5);
     fann_set_learning_rate(network_.get(), static_cast<float>(kLearningRate));
     fann_set_learning_momentum(network_.get(), static_cast<float>(kMomentum));
@@ -66,7 +60,7 @@ class TFannTask {
     }
   }
 
-  std::unique_ptr<fann, decltype(&fann_destroy)> network_;
+  TFannNetwork network_;
   std::unique_ptr<fann_train_data, decltype(&fann_destroy_train)> data_;
 };
 
@@ -105,7 +99,7 @@ TWork FannRecall(const TPerceptronTask& task) {
 TArrival FannArrival(const TArrivalTask& task, double error) {
   return [&task, error](int seed) {
     constexpr int kEpochs = 10000;
-    const std::unique_ptr<fann, decltype(&fann_destroy)> network(Create(task.sizes), fann_destroy);
+    const TFannNetwork network = MakeFannNetwork(task.sizes);
     const std::unique_ptr<fann_train_data, decltype(&fann_destroy_train)> learn(Copy(*task.learn),
                                                                                 fann_destroy_train);
     const std::unique_ptr<fann_train_data, decltype(&fann_destroy_train)> judged(

@@ -1,14 +1,12 @@
 // A perceptron of FANN, in double precision, whose weights GAlib breeds.
 
-#include <doublefann.h>
-#include <ga/GARealGenome.h>
-#include <ga/GASimpleGA.h>
-
 #include <algorithm>
 #include <cmath>
 #include <memory>
 #include <vector>
 
+#include "FannNetwork.h"
+#include "GaLibBreeder.h"
 #include "Peers.h"
 
 namespace kiln {
@@ -18,20 +16,9 @@ namespace {
 class TFannBreeder {
  public:
   TFannBreeder(const TPerceptronTask& task, int individuals, double mutation)
-      : data_(task.data), network_(Create(task.sizes), fann_destroy) {
-    fann_set_activation_function_hidden(network_.get(), FANN_SIGMOID);
-    fann_set_activation_function_output(network_.get(), FANN_SIGMOID);
-    fann_set_activation_steepness_hidden(network_.get(), 0.5);
-    fann_set_activation_steepness_output(network_.get(), 0.5);
+      : data_(task.data), network_(MakeFannNetwork(task.sizes)) {
     GARealGenome genome(network_->total_connections, GARealAlleleSet(-1.0F, 1.0F), Score, this);
-    genome.mutator(GARealUniformMutator);
-    breeder_ = std::make_unique<GASimpleGA>(genome);
-    breeder_->populationSize(static_cast<unsigned>(individuals));
-    breeder_->pCrossover(1.0F);
-    breeder_->pMutation(static_cast<float>(mutation));
-    breeder_->crossover(GARealOnePointCrossover);
-    breeder_->selectScores(GAStatistics::NoScores);
-    breeder_->initialize(1);
+    breeder_ = MakeGaLibBreeder(genome, individuals, mutation);
   }
 
   double Breed(int generations) {
@@ -41,11 +28,6 @@ class TFannBreeder {
   }
 
  private:
-  static fann* Create(const std::vector<int>& sizes) {
-    const std::vector<unsigned> layers(sizes.begin(), sizes.end());
-    return fann_create_standard_array(static_cast<unsigned>(layers.size()), layers.data());
-  }
-
   // The inverse of the root mean square error, Kiln's fitness.
   static float Score(GAGenome& genome) {
     auto& self = *static_cast<TFannBreeder*>(genome.userData());
@@ -70,7 +52,7 @@ class TFannBreeder {
   }
 
   const Data& data_;
-  std::unique_ptr<fann, decltype(&fann_destroy)> network_;
+  TFannNetwork network_;
   std::vector<double> inputs_ = std::vector<double>(static_cast<std::size_t>(data_.Inputs()));
   std::unique_ptr<GASimpleGA> breeder_;
 };

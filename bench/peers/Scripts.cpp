@@ -45,13 +45,13 @@ std::string Request(const TWords&... words) {
 
 }  // namespace
 
-TWork KohonenTraining(const TScratch& scratch, const Data& data, int side, double radius,
-                      double rate) {
+TWork KohonenWork(const TScratch& scratch, const std::string& mode, const Data& data,
+                  const TMapShape& shape, double rate) {
   const auto peer = Kohonen();
   if (!peer) return {};
   const std::string numbers = scratch.WriteNumbers("map", data);
-  return [=, inputs = data.Inputs()](int passes) {
-    return peer->Ask(Request(numbers, inputs, side, radius, rate, passes));
+  return [=](int passes) {
+    return peer->Ask(Request(mode, numbers, shape.inputs, shape.side, shape.radius, rate, passes));
   };
 }
 
