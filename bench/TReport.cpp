@@ -109,8 +109,9 @@ void TReport::AddMemory(const std::string& work, double taken, const std::string
 }
 
 void TReport::Print(const TLine& line) {
-  std::printf("| %s | %s | %s | %s | %.2f | %s | %s |\n", line.work.c_str(), line.kiln.c_str(),
-              line.other_name.c_str(), line.other.c_str(), line.ratio, line.goal.c_str(),
+  const std::string ratio = std::isinf(line.ratio) ? "–" : Number(line.ratio, 2);
+  std::printf("| %s | %s | %s | %s | %s | %s | %s |\n", line.work.c_str(), line.kiln.c_str(),
+              line.other_name.c_str(), line.other.c_str(), ratio.c_str(), line.goal.c_str(),
               line.met ? "yes" : "**no**");
   std::fflush(stdout);
   ++lines_;
