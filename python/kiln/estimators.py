@@ -433,10 +433,8 @@ class KohonenMap(
     def _find_clusters(self, units: NDArray[np.int64]) -> None:
         """Joins the units that are nearest to rows; each other goes with the most alike of these."""
         winners = np.unique(units)
-        clusters = np.zeros(len(winners), int)
-        if len(winners) > 1:
-            joining = AgglomerativeClustering(min(self.n_clusters, len(winners)))
-            clusters = joining.fit_predict(self.prototypes_[winners])
+        joining = AgglomerativeClustering(min(self.n_clusters, len(winners)))
+        clusters = joining.fit_predict(self.prototypes_[winners]) if len(winners) > 1 else np.zeros(1, int)
         nearest = pairwise_distances_argmin(self.prototypes_, self.prototypes_[winners])
         self.unit_labels_ = clusters[nearest]
         self.labels_ = self.unit_labels_[units]

@@ -57,8 +57,8 @@ class Session(AbstractContextManager["Session"]):
     kiln.session.Error: teeth does not exist
     """
 
-    def __init__(self, *arguments: str) -> None:
-        if any(map(re.compile("-|-[ishV]*[qb].*|--[qb].*").fullmatch, arguments)):
+    def __init__(self, *arguments: str | os.PathLike[str]) -> None:
+        if any(re.match("-$|-[ishV]*[qb]|--[qb]", os.fspath(argument)) for argument in arguments):
             raise ValueError("a session cannot have the options -q (--quiet), -b (--batch) and -")
         self._pid = os.getpid()
         self._lock = threading.RLock()  # for one call at a time

@@ -4,6 +4,7 @@ import copy
 import doctest
 import gc
 import os
+import pathlib
 import pickle
 import signal
 import threading
@@ -139,7 +140,7 @@ def test_a_program_that_ends_says_why():
     with pytest.raises(kiln.Error, match="kiln has ended"):
         session("purge")
     with pytest.raises(kiln.Error, match="cannot open file nothing.kiln"):
-        kiln.Session("nothing.kiln")
+        kiln.Session(pathlib.Path("nothing.kiln"))
     with kiln.Session() as session, pytest.raises(kiln.Error, match="status -9: one"):
         session("@echo one; kill -9 $PPID")
 
