@@ -304,8 +304,7 @@ class TScript {
   void WriteKey(const TPanel& panel, const TPanelPlace& place) {
     Add("set key font ',12' textcolor rgb ", kInk);
     if (place.has_key_beside) {
-      const double scale = panel.grid && !panel.grid->name.empty() ? kScaleWidth : 0.0;
-      Add("set key", At(place.left + place.width + scale + 12.0, place.top),
+      Add("set key", At(place.left + place.width + ScaleWidth(panel) + 12.0, place.top),
           " left top vertical Left reverse samplen 1.5 spacing 1");
     } else {
       Add("set key", At(place.left + place.width, place.top - place.heads_height - 4.0),

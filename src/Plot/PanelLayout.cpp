@@ -132,8 +132,9 @@ TNeeds NeedsOf(const TPanel& panel, const TPicture& picture) {
   TMargins& margins = needs.margins;
   margins.left = place.beside + 2 * kGap + (panel.y.name.empty() ? 0.0 : kLineHeight + kGap);
   margins.below = place.below + 2 * kGap + (panel.x.name.empty() ? 0.0 : kLineHeight + kGap);
-  margins.right = 2 * kGap;
-  if (panel.grid && !panel.grid->name.empty()) margins.right += kScaleWidth;
+  // Half of the last number stands beyond the end of the axis.
+  margins.right = panel.x.ticks.empty() ? std::max(2 * kGap, NumberWidth(panel.x) / 2) : 2 * kGap;
+  margins.right += ScaleWidth(panel);
   if (place.has_key_beside) margins.right += KeyWidthBeside(panel);
   for (const TPlacedHead& head : place.heads) {
     const double height = static_cast<double>(head.row + 1) * kLineHeight;
@@ -191,6 +192,12 @@ double NumberWidth(const TAxis& axis) {
     longest = std::max(longest, tick.text.size());
   }
   return static_cast<double>(longest) * kLetterWidth;
+}
+
+double ScaleWidth(const TPanel& panel) {
+  if (!panel.grid || panel.grid->name.empty()) return 0.0;
+  constexpr double kBar = 28.0;
+  return kBar + NumberWidth({"", panel.grid->lower, panel.grid->upper, false, {}});
 }
 
 TPictureLayout LayOut(const TPicture& picture) {

@@ -17,6 +17,9 @@ struct TPlacedHead {
   std::size_t row;
 };
 
+// What the explanation of shades takes to the right of a panel, with its numbers.
+double ScaleWidth(const TPanel& panel);
+
 // Puts the heads of a panel, in the order of their places, into rows above an axis of this length,
 // with letters of this width. Texts are shortened to what is there for each; those that would
 // overlap others even so are left out.
@@ -48,7 +51,6 @@ inline constexpr double kLineHeight = 17.0;
 inline constexpr std::size_t kLongestTick = 26;  // characters of a word at an axis
 inline constexpr std::size_t kLongestName = 26;  // of a series in the key
 inline constexpr double kTitleHeight = 36.0;
-inline constexpr double kScaleWidth = 64.0;  // the explanation of shades, with its numbers
 
 // What the numbers along an axis take beside it.
 double NumberWidth(const TAxis& axis);
