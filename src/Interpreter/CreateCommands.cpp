@@ -33,7 +33,7 @@ std::vector<int> ToInts(const std::vector<std::int64_t>& numbers) {
 
 // The functions of the layers behind the first; none when the line has none.
 std::vector<TActFunction> ReadFunctions(const TCommandLine& line, std::size_t layers) {
-  const auto names = line.ListBehind("functions");
+  const auto names = line.WordsAt("functions");
   if (!names) {
     if (line.WordOfTag("functions").code == TReadCode::kRead) {
       Fail("functions must stand in braces, as in {tanh, linear}");

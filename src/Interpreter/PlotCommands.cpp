@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <numeric>
 
 #include "DataObject/Data.h"
 #include "FileHandler/Syntax/SafeFile.h"
@@ -97,8 +98,8 @@ std::vector<std::size_t> ListedColumns(const TCommandLine& line, std::string_vie
   std::vector<std::size_t> listed;
   for (const std::string_view element :
        line.WordsAt("columns").value_or(std::vector<std::string_view>())) {
-    const auto column = columns.Find(TrimBlanks(element));
-    if (!column) Fail(alias, " has no column ", TrimBlanks(element));
+    const auto column = columns.Find(element);
+    if (!column) Fail(alias, " has no column ", element);
     listed.push_back(*column);
   }
   return listed;
@@ -215,8 +216,10 @@ TPicture OfData(const TInterpreter& /*interpreter*/, const TCommandLine& line,
   const TSetColumns columns(*set);
   if (columns.Count() == 0) Fail(subject.alias, " has no columns");
   std::vector<std::size_t> drawn = ListedColumns(line, subject.alias, columns);
-  if (!line.WordsAt("columns"))
-    drawn = columns.Count() == 1 ? std::vector<std::size_t>{0} : std::vector<std::size_t>{0, 1};
+  if (!line.WordsAt("columns")) {
+    drawn.resize(std::min<std::size_t>(columns.Count(), 2));
+    std::iota(drawn.begin(), drawn.end(), 0);
+  }
   if (drawn.empty() || drawn.size() > 2) Fail("columns takes one column or two");
   const int rows = NumFinite(*set, drawn.front(), drawn.back());
   if (rows < 2) {

@@ -83,8 +83,7 @@ std::optional<std::vector<std::string>> TermsAt(const TCommandLine& line, std::s
   const auto words = line.WordsAt(tag);
   if (!words) return std::nullopt;
   std::vector<std::string> terms;
-  for (const std::string_view element : *words) {
-    const std::string_view term = TrimBlanks(element);
+  for (const std::string_view term : *words) {
     const bool is_number = term.find_first_of("+-.0123456789") == 0;
     if (!FileTools::IsWord(term) || is_number) Fail(tag, " must be words");
     if (FindNoCase(terms, term)) Fail(tag, " must differ");

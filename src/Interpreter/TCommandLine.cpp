@@ -195,14 +195,6 @@ TReading<std::vector<bool>> TCommandLine::Booleans(std::string_view tag) const {
   return reading;
 }
 
-std::optional<std::vector<std::string_view>> TCommandLine::ListBehind(std::string_view tag) const {
-  for (auto rest = Behind(tag); rest; rest = TCommandLine(*rest).Behind(tag)) {
-    if (!FirstWord(*rest).starts_with('{')) continue;
-    return ConvertElements(Between(*rest, '{', '}'), TrimBlanks).value;
-  }
-  return std::nullopt;
-}
-
 std::optional<std::int64_t> TCommandLine::WholeNumber(std::string_view tag) const {
   for (auto rest = Behind(tag); rest; rest = TCommandLine(*rest).Behind(tag)) {
     const std::string_view word = FirstWord(*rest);
@@ -225,7 +217,7 @@ std::optional<double> TCommandLine::NumberNoCase(std::string_view tag) const {
 std::optional<std::vector<std::string_view>> TCommandLine::WordsAt(std::string_view tag) const {
   for (auto rest = Behind(tag); rest; rest = TCommandLine(*rest).Behind(tag)) {
     if (FirstWord(*rest).starts_with('{')) {
-      return ConvertElements(Between(*rest, '{', '}'), [](auto element) { return element; }).value;
+      return ConvertElements(Between(*rest, '{', '}'), TrimBlanks).value;
     }
   }
   return std::nullopt;

@@ -82,9 +82,6 @@ class TCommandLine {
   TReading<std::vector<std::int64_t>> Longs(std::string_view tag) const;
   TReading<std::vector<double>> Doubles(std::string_view tag) const;
 
-  // The elements of the first list that stands right behind an occurrence of the tag.
-  std::optional<std::vector<std::string_view>> ListBehind(std::string_view tag) const;
-
   // The whole number behind the first occurrence of the tag that has one. Other occurrences, such
   // as an alias that is spelled like the tag, do not count.
   std::optional<std::int64_t> WholeNumber(std::string_view tag) const;
@@ -92,7 +89,8 @@ class TCommandLine {
   // The number behind the first occurrence of the tag, in any case of letters, that has one.
   std::optional<double> NumberNoCase(std::string_view tag) const;
 
-  // The elements of the list directly behind the first occurrence of the tag that has one there.
+  // The elements, without the blanks around them, of the list directly behind the first occurrence
+  // of the tag that has one there.
   std::optional<std::vector<std::string_view>> WordsAt(std::string_view tag) const;
 
  private:

@@ -81,7 +81,7 @@ std::unique_ptr<TFrozenCentres> FreezeCentres(const TCommandLine& line, const TL
   bool inputs = false;
   bool outputs = false;
   for (const std::string_view element : *words) {
-    const TFreezing* freezing = FindNoCase(kFreezings, TrimBlanks(element), &TFreezing::word);
+    const TFreezing* freezing = FindNoCase(kFreezings, element, &TFreezing::word);
     if (!freezing) Fail(kFreezeWords);
     inputs |= freezing->inputs;
     outputs |= freezing->outputs;
