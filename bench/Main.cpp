@@ -32,7 +32,7 @@ void Measure(int repetitions, const char* filter) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const int repetitions = argc > 1 ? std::atoi(argv[1]) : 5;
+  const int repetitions = argc > 1 ? std::atoi(argv[1]) : 3;
   if (repetitions < 1) {
     std::fputs("usage: kiln_bench [REPETITIONS [FILTER]]\n", stderr);
     return 2;
