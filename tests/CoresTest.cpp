@@ -41,9 +41,9 @@ TEST(Cores, AreFewerByTheLeastQuotaOfTheControlGroupsAroundTheProcess) {
         {top + "job/step/cpu.max", "200000 100000\n"}},
        0.5},
       // In a container, which sees its own group at the top.
-      {{{groups, "12:memory:/box\n4:cpu,cpuacct:/box/1\n0::/\n"},
-        {top + "cpu,cpuacct/cpu.cfs_quota_us", "300000"},
-        {top + "cpu,cpuacct/cpu.cfs_period_us", "100000"},
+      {{{groups, "12:memory:/box\n4:cpuacct,cpu:/box/1\n0::/\n"},
+        {top + "cpu/cpu.cfs_quota_us", "300000"},
+        {top + "cpu/cpu.cfs_period_us", "100000"},
         {top + "memory/cpu.cfs_quota_us", "1"}},
        3.0},
       {{{groups, "1:cpu:/\n"},

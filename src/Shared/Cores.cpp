@@ -71,7 +71,9 @@ double Quota(const std::filesystem::path& root) {
     if (controllers.empty()) {
       least = std::min(least, LeastQuota(hierarchies, path));
     } else if (("," + controllers + ",").find(",cpu,") != std::string::npos) {
-      least = std::min(least, LeastQuota(hierarchies / controllers, path));
+      // Where controllers share a hierarchy, each has a link to it by its own name; the folder may
+      // name them in another order than the line does.
+      least = std::min(least, LeastQuota(hierarchies / "cpu", path));
     }
   }
   return least;
