@@ -308,10 +308,19 @@ TEST(Legible, MakesAnyBytesText) {
       {"äöüäöüäöüä", "äöüäöüäö…"},
       {"山桜a山桜", "山桜a山桜"},
       {"山桜山桜山桜", "山桜山桜…"},  // a wide letter takes the room of two
-      {"山桜山桜a桜", "山桜山桜…"},
+      {"🚀🦖🪐😀🚀", "🚀🦖🪐😀…"},
   };
   for (const auto& [text, legible] : cases) EXPECT_EQ(Legible(text, 9), legible);
   EXPECT_EQ(Utf8(Characters("Käfer λ 𝄞")), "Käfer λ 𝄞");
+}
+
+TEST(TextPicture, HasRoomForItsKey) {
+  TPanel panel;
+  for (const std::string& name : {std::string(18, 'a'), std::string(14, 'b')}) {
+    panel.series.push_back({name, TStroke::kPoints, 0, {{0.5, 0.5}}});
+  }
+  const std::string text = DrawText({"", {panel}}, 40, TCharacters::kUnicode);
+  EXPECT_NE(text.find(std::string(14, 'b')), text.npos) << text;
 }
 
 TEST(LargePicture, IsThinnedAndSaysSo) {

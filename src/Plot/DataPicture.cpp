@@ -182,11 +182,16 @@ TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_
   const TBins bins(BoundsOf(set, columns, column), set.DataRows());
   TSeriesOfClasses series(set, TStroke::kArea);
   std::vector<std::vector<int>> counts(series.All().size(), std::vector<int>(bins.count));
-  int most = 0;
+  // Classes share a scale. Those beyond the last that is named are counted together and may be many
+  // times as many, so that they have their own.
+  int most_of_class = 0;
+  int most_of_rest = 0;
   for (int n = 0; n < set.DataRows(); ++n) {
     const double value = columns.Value(set.Row(n), column);
     if (!std::isfinite(value)) continue;
-    most = std::max(most, ++counts[series.NumberOf(n)][bins.Of(value)]);
+    const std::size_t number = series.NumberOf(n);
+    int& most = number < kMostClasses ? most_of_class : most_of_rest;
+    most = std::max(most, ++counts[number][bins.Of(value)]);
   }
   // Few are easily compared one below the other; more would be a tower.
   constexpr std::size_t kMostStacked = 6;
@@ -197,7 +202,8 @@ TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_
     TPanel panel;
     panel.title = std::move(series.All()[i].name);
     panel.x = {"", bins.Edge(0), bins.Edge(bins.count), false, {}};
-    panel.y = {"rows", 0.0, most * 1.05, false, {}, true};
+    const int most = i < kMostClasses ? most_of_class : most_of_rest;
+    panel.y = {"rows", 0.0, std::max(most, 1) * 1.05, false, {}, true};
     const std::size_t look = is_stacked ? series.All()[i].look : 0;
     panel.series.push_back({"", TStroke::kArea, look, Stairs(bins, counts[i])});
     picture.panels.push_back(std::move(panel));

@@ -19,8 +19,9 @@ TPicture DistributionPicture(std::string_view alias, const Data& set, std::size_
 // In how many rows both columns are finite numbers.
 int NumFinite(const Data& set, std::size_t x, std::size_t y);
 
-// Which of many rows are drawn: one in so many that some thousands are. It stands anywhere among
-// its neighbours, or else of classes that take turns only one might be seen.
+// Which of many rows are drawn: one of each group of so many neighbours that some thousands are
+// drawn. Its place in the group varies: where the rows of classes take turns, every n-th row might
+// always be one of the same class.
 class TThinning {
  public:
   explicit TThinning(int rows);

@@ -321,6 +321,9 @@ class TTextPanel {
   std::vector<TPlacedHead> heads_;
 };
 
+// Where the lines of a key begin.
+constexpr int kKeyIndent = 2;
+
 // The lines of a key: the names of series behind their marks.
 std::vector<std::u32string> KeyLines(const TPanel& panel, int columns) {
   std::vector<std::u32string> lines;
@@ -330,7 +333,7 @@ std::vector<std::u32string> KeyLines(const TPanel& panel, int columns) {
     entry += U' ';
     entry += Short(series.name, static_cast<int>(kLongestName));
     constexpr std::u32string_view kBetween = U"   ";
-    if (lines.empty() || Size(lines.back()) + Size(entry) + 3 > columns) {
+    if (lines.empty() || kKeyIndent + Size(lines.back()) + Size(kBetween) + Size(entry) > columns) {
       lines.push_back(std::move(entry));
     } else {
       lines.back().append(kBetween).append(entry);
@@ -378,7 +381,7 @@ std::string DrawText(const TPicture& picture, std::size_t columns, TCharacters c
   sheet.Write(0, 0, Short(picture.title, static_cast<int>(columns)));
   sheet.Place(0, 2, panels);
   int line = 2 + panels.Lines();
-  for (const std::u32string& entry : key) sheet.Write(2, line++, entry);
+  for (const std::u32string& entry : key) sheet.Write(kKeyIndent, line++, entry);
   return sheet.Text(characters);
 }
 
