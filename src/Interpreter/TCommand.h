@@ -48,7 +48,7 @@ struct TCommand {
   std::span<const TForm> forms;
   TFormChoice choose;
   std::string_view unknown{};  // the answer to a word that none of the forms has
-  bool is_strict = false;      // lines with oddities are refused even where others are not
+  bool is_strict = false;      // its lines are read strictly even where others are not
 };
 
 // Commands that belong together, and what they are for.

@@ -30,8 +30,8 @@ void SaveFile(const std::string& path, const std::function<void(Writer&)>& write
 // handed for it. Not open afterwards: see errno. Throws TInterrupted.
 TDescriptor OpenToWrite(const std::string& path);
 
-// Writes all of `text`. Returns whether the system took it: see errno. A requested interruption
-// ends the wait for a reader, EINTR.
+// Writes all of `text`. Returns whether the system took it: see errno, which is EINTR where a
+// requested interruption has ended the wait for a reader.
 bool WriteAll(const TDescriptor& file, std::string_view text);
 
 // Waits until the text is on the disk. Returns whether it is, which counts as true for what has no
