@@ -79,6 +79,8 @@ def test_wrong_parameters_are_named():
         "penalty": "l2",
         "max_iter": 0,
         "hidden_layer_sizes": 0,
+        "activation": "relu",
+        "simplify": "no",
         "n_rules": 2.5,
         "map_size": 5,
     }
