@@ -9,6 +9,7 @@ import signal
 import stat
 import sys
 import termios
+import time
 
 from terminal_session import Session, expect, resize
 
@@ -93,7 +94,9 @@ def main(program, folder):
     history = os.stat(".kiln_history")
     expect(stat.filemode(history.st_mode), "-rw-------")
     session = Session(program, "-i", "-D", "N=200000000", NO_COLOR="1")
-    Session(program).say("purge")  # whose line does not replace those of the others
+    other = Session(program)
+    other.say("purge")  # whose line does not replace those of the others
+    other.end()
     session.press(["\x1b[A", "\n"])
     expect(session.read(), r".*query aliasexists x.*Result: false\n\r?Kiln>>")
     expect(session.say("creat"), r"Error: Unknown command\ndid you mean create\?\n")
@@ -127,6 +130,15 @@ def main(program, folder):
         session.read(b"\r\x1b[JKiln>>query objects")
     session.press("\n")
     expect(session.read(), ".*Result: {network1 MLP, .*")
+    # Of a line over several rows all is left or drawn anew; what is no character becomes a question mark.
+    os.write(session.terminal, b"\xff" * 250)
+    time.sleep(0.3)
+    resize(session.terminal, 120)
+    session.interrupt()
+    expect(session.read(b"^C\r\nKiln>>"), r".*\x1b\[\dA\r\x1b\[JKiln>>\?.*")
+    os.write(session.terminal, b"x" * 250 + b"\x01")
+    session.interrupt()
+    expect(session.read(b"^C\r\nKiln>>"), r".*\x1b\[\dB\^C\nKiln>>")
     session.end()
     session = Session(program)
     os.kill(session.pid, signal.SIGTERM)
@@ -138,7 +150,10 @@ def main(program, folder):
     # A history that leads to anything but a file is left alone.
     os.remove(".kiln_history")
     os.mkfifo(".kiln_history")
-    expect(Session(program).say("purge"), "OK\n")
+    for home in os.getcwd(), "":
+        session = Session(program, HOME=home, LC_ALL="", LC_CTYPE="C", LANG="C.UTF-8")
+        expect(session.say("purge"), "OK\n")
+        session.end()
 
     # Nothing of it where a terminal is to be treated like a pipe.
     for arguments, environment in (("--plain",), {}), ((), {"TERM": "dumb"}):

@@ -129,19 +129,21 @@ def saves(names):
 
 
 def kill(way, whole):
-    """Ends such a session once it has saved a network. Returns which network the file then holds, whether
-    the session had begun to save another one, as far as it shows, and what is wrong."""
-    folder = fresh(scratch / "work")
-    with subprocess.Popen([kiln], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, cwd=folder,
+    """Ends such a session some saves and a part of a save after its start, however long these take. Returns
+    what the file then holds, whether a save was under way, as far as it shows, and what is wrong."""
+    file = fresh(scratch / "work") / "net.net"
+    with subprocess.Popen([kiln], stdin=subprocess.PIPE, stdout=subprocess.DEVNULL, cwd=file.parent,
                           text=True) as session_to_end:
         session_to_end.stdin.write("\n".join(saves("ab" * 500)) + "\n")
         session_to_end.stdin.flush()
-        while session_to_end.poll() is None and (folder / "net.net").read_bytes() == old:
-            time.sleep(0.001)
-        time.sleep(random.uniform(0, 0.1))
+        for _ in range(random.randint(1, 4)):
+            start, before = time.monotonic(), file.stat().st_ino
+            while session_to_end.poll() is None and file.stat().st_ino == before:
+                time.sleep(0.001)
+        time.sleep(random.uniform(0, time.monotonic() - start))
         session_to_end.send_signal(way)
-    text = (folder / "net.net").read_bytes()
-    left = [path.name for path in folder.glob(".kiln*")]
+    text = file.read_bytes()
+    left = [path.name for path in file.parent.glob(".kiln*")]
     if text not in whole:
         return text, bool(left), f"{way.name}: a torn file of {len(text)} bytes"
     return text, bool(left), f"{way.name}: left {left}" if left and way == signal.SIGTERM else None
