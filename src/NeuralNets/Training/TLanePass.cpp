@@ -56,18 +56,15 @@ void TLanePass::Run(const Data& data, int first, int last, TErrorObj& error) {
   if (lanes == 1) return pass_->Run(data, first, last, error);
 
   const Ranks::TSumTree tree(lanes, static_cast<double>(lanes) * Operations(rows));
-  std::array<double, 1> sum{};
-  std::array<double, 1> others_sum{};
   tree.AddUp(
       [&] {
         RunLanes(data, first, last, tree);
-        sum[0] = whole_->error->Sum();
+        whole_->gradients.Extra() = whole_->error->Sum();  // one message for both
         return whole_->gradients.Values();
       },
       others_ ? others_->Values() : std::span<double>());
-  tree.AddUp([&] { return std::span(sum); }, others_sum);
+  error.Add(whole_->gradients.Extra(), static_cast<std::size_t>(rows));
   Add(state_.gradients, whole_->gradients);
-  error.Add(sum[0], static_cast<std::size_t>(rows));
   GiveBack(*whole_);
 }
 

@@ -16,16 +16,14 @@ TWeightBuffer::TWeightBuffer(const TBasicNetwork& network) : layers_(network.Num
       lines += TCacheLine::LinesOf(size);
     }
   }
-  lines_.resize(lines);
+  lines_.resize(lines + 1);  // the last one holds the extra number
 }
 
 std::span<double> TWeightBuffer::Values() {
-  if (lines_.empty()) return {};
   return {lines_.front().values, lines_.size() * TCacheLine::kValues};
 }
 
 std::span<const double> TWeightBuffer::Values() const {
-  if (lines_.empty()) return {};
   return {lines_.front().values, lines_.size() * TCacheLine::kValues};
 }
 

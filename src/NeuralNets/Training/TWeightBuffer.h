@@ -30,10 +30,13 @@ class TWeightBuffer {
     return Values().subspan(place.first, place.size);
   }
 
-  // All numbers, with places between the blocks that belong to no weight. Buffers of networks of
-  // one shape have the same places.
+  // All numbers, with places between the blocks that belong to no weight, and the extra number as
+  // the last. Buffers of networks of one shape have the same places.
   std::span<double> Values();
   std::span<const double> Values() const;
+
+  // A number that goes wherever the others go, and belongs to no weight.
+  double& Extra() { return Values().back(); }
 
   // Sets all numbers to 0.
   void Clear();
