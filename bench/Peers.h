@@ -57,6 +57,9 @@ TWork KohonenWork(const TScratch& scratch, const std::string& mode, const Data& 
 // scikit-learn, full batches. A pass is an epoch.
 TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task);
 
+// The same with two threads of OpenBLAS, in seconds on the clock on the wall.
+TWork ScikitTrainingByTwo(const TScratch& scratch, const TPerceptronTask& task);
+
 // Fitting a perceptron from Python, a pass being one fit; peers/python_fit.py says who can do it.
 // Empty where scikit-learn is not installed.
 TWork PythonFitting(const std::string& who);

@@ -61,9 +61,24 @@ TWork Repeated(const std::function<void()>& work) {
   return [work](int) { return SecondsOf(work); };
 }
 
+// Two workers beside two threads of another program.
+void AddThreadRows(TReport& report, const TScratch& scratch) {
+  constexpr int kRows = 1000;
+  for (const std::vector<int>& sizes :
+       {std::vector{64, 64, 10}, {784, 100, 10}, {784, 1000, 10}, {784, 2000, 1000, 10}}) {
+    const TPerceptronTask task(sizes, kRows);
+    const std::string work = "two threads, training by batch, " + task.Shape();
+    if (!report.Wants(work)) continue;
+    report.AddComparison(work, By(kWorkers, PerceptronTraining(task, true)),
+                         "scikit-learn, two threads", ScikitTrainingByTwo(scratch, task), kRows,
+                         1.2);
+  }
+}
+
 }  // namespace
 
 void AddTeamRows(TReport& report, const TScratch& scratch) {
+  AddThreadRows(report, scratch);
   constexpr int kRows = 4096;
   for (const std::vector<int>& sizes : {std::vector{64, 64, 10}, std::vector{784, 100, 10}}) {
     const TPerceptronTask task(sizes, kRows);

@@ -30,6 +30,13 @@ std::shared_ptr<TChildPeer> Scikit() {
   return peer;
 }
 
+std::shared_ptr<TChildPeer> ScikitByTwo() {
+  if (!KILN_HAVE_SCIKIT) return nullptr;
+  static const auto peer = std::make_shared<TChildPeer>(std::vector<std::string>{
+      "env", "OPENBLAS_NUM_THREADS=2", KILN_PYTHON, KILN_PEERS "/scikit.py", "wall"});
+  return peer;
+}
+
 std::shared_ptr<TChildPeer> Pandas() {
   static const auto peer = Start(KILN_HAVE_PANDAS, KILN_PYTHON, "pandas_text.py");
   return peer;
@@ -41,6 +48,17 @@ std::string Request(const TWords&... words) {
   std::ostringstream line;
   ((line << words << ' '), ...);
   return line.str();
+}
+
+TWork ScikitWork(const std::shared_ptr<TChildPeer>& peer, const TScratch& scratch,
+                 const TPerceptronTask& task) {
+  if (!peer) return {};
+  const std::string numbers = scratch.WriteNumbers("training", task.data);
+  std::string sizes;
+  for (const int size : task.sizes) sizes += std::to_string(size) + ' ';
+  return [=](int passes) {
+    return peer->Ask(Request(numbers, kLearningRate, kMomentum, passes, sizes));
+  };
 }
 
 }  // namespace
@@ -56,14 +74,11 @@ TWork KohonenWork(const TScratch& scratch, const std::string& mode, const Data& 
 }
 
 TWork ScikitTraining(const TScratch& scratch, const TPerceptronTask& task) {
-  const auto peer = Scikit();
-  if (!peer) return {};
-  const std::string numbers = scratch.WriteNumbers("training", task.data);
-  std::string sizes;
-  for (const int size : task.sizes) sizes += std::to_string(size) + ' ';
-  return [=](int passes) {
-    return peer->Ask(Request(numbers, kLearningRate, kMomentum, passes, sizes));
-  };
+  return ScikitWork(Scikit(), scratch, task);
+}
+
+TWork ScikitTrainingByTwo(const TScratch& scratch, const TPerceptronTask& task) {
+  return ScikitWork(ScikitByTwo(), scratch, task);
 }
 
 TArrival ScikitArrival(const TScratch& scratch, const TArrivalTask& task, const char* solver,

@@ -3,7 +3,7 @@
 A request is a line
   FILE RATE MOMENTUM PASSES INPUTS HIDDEN... OUTPUTS
 where FILE has rows of INPUTS and OUTPUTS doubles; the answer is the seconds of processor
-time that training took.
+time that training took, or with the argument "wall" those on the clock on the wall.
 """
 
 import sys
@@ -14,6 +14,7 @@ import numpy
 from sklearn.neural_network import MLPRegressor
 
 warnings.filterwarnings("ignore", message=".*Maximum iterations.*")
+now = time.perf_counter if "wall" in sys.argv else time.process_time
 
 
 def answer(path, rate, momentum, passes, inputs, *hidden, outputs):
@@ -25,9 +26,9 @@ def answer(path, rate, momentum, passes, inputs, *hidden, outputs):
         batch_size=len(rows), learning_rate_init=rate, momentum=momentum,
         nesterovs_momentum=False, shuffle=False, max_iter=passes, tol=0.0,
         n_iter_no_change=10**9, random_state=1)
-    start = time.process_time()
+    start = now()
     model.fit(x, y)
-    seconds = time.process_time() - start
+    seconds = now() - start
     assert model.n_iter_ == passes
     return seconds
 
