@@ -59,14 +59,12 @@ TEST(TCommandLine, ConvertsWithoutComplaint) {
 }
 
 TEST(TCommandLine, ReadsListsAndParentheses) {
-  const TCommandLine line("f (a b) l { 1,x , 3} b {on, OFF } bad {on, 2} empty { } open {1");
+  const TCommandLine line("f (a b) l { 1,x , 3} empty { } open {1");
   EXPECT_EQ(line.Parenthesised("f").value, "a b");
   EXPECT_EQ(line.Parenthesised("l").code, TReadCode::kNoParentheses);
   EXPECT_EQ(line.Parenthesised("F").code, TReadCode::kTagAbsent);
   EXPECT_EQ(line.Longs("l").value, (std::vector<std::int64_t>{1, 0, 3}));
   EXPECT_EQ(line.Words("l").value, (std::vector<std::string_view>{" 1", "x ", " 3"}));
-  EXPECT_EQ(line.Booleans("b").value, (std::vector<bool>{true, false}));
-  EXPECT_EQ(line.Booleans("bad").code, TReadCode::kNotABoolean);
   EXPECT_EQ(line.Doubles("empty").code, TReadCode::kRead);
   EXPECT_TRUE(line.Doubles("empty").value.empty());
   EXPECT_EQ(line.Doubles("open").code, TReadCode::kTagAbsent);
@@ -92,6 +90,9 @@ TEST(LineCheck, FindsWhatNobodyCanHaveMeant) {
       {"create MLP alias n hidden 4", "hidden takes a list in braces"},
       {"create MLP alias n bias yes", "bias takes on or off"},
       {"query getstats mean alias s", "getstats takes max, min or average"},
+      {"load CSV alias d filename (d) missing maybe", "missing takes skip"},
+      {"lag source a steps --1", "steps --1 is no whole number"},
+      {"train alias t data d LearningRate --1", "LearningRate --1 is no number"},
       {"query classof d e", "e is no tag of query classof"},
       {"retarn network n rules r thresholdin x", "ThresholdIn x is no number"},
       {"run filename a.txt", "filename takes a file name in parentheses"},

@@ -141,6 +141,7 @@ TEST_F(Plot, DrawsTheManyTheFewAndTheOdd) {
   }
   kinds.close();
   const std::string lines[] = {
+      "train alias teacher data d epochs 30 validation d",
       "load CSV alias kinds filename (" + Path("kinds.csv") + ") labels {Kind} outputs {2, 3}",
       "load CSV alias plain filename (" + Path("kinds.csv") + ") ignore {Kind} outputs {2, 3}",
       "append alias kinds inputs {30, 0.25}",
@@ -197,6 +198,7 @@ TEST_F(Plot, DrawsTheManyTheFewAndTheOdd) {
        {"Wind high┤"}},
       {"k data kinds", {}, {"specie…"}},
       {"d columns {0}", {}, {" down", "⣿⣿"}},
+      {"teacher", {"title 'validation'"}, {" x x x", "⠤⠤ training   x validation"}},
       {"net data d", {}, {"output0 1┤", "expected"}},
       {"fuzzy", {}, {"InputA", "OutputA"}},
       {"k data d", {}, {"up", "distance"}},

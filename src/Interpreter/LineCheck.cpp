@@ -147,7 +147,6 @@ class TLineCheck {
     if (element.empty()) Odd(tag.name, " has an empty element");
     if (tag.kind == TValueKind::kLongs) CheckLong(tag, element);
     if (tag.kind == TValueKind::kDoubles) CheckDouble(tag, element);
-    if (tag.kind == TValueKind::kBooleans) CheckBoolean(tag, element);
   }
 
   void CheckWord(const TTag& tag, std::string_view word) const {

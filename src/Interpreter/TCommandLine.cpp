@@ -184,17 +184,6 @@ TReading<std::vector<double>> TCommandLine::Doubles(std::string_view tag) const 
   return ConvertElements(List(tag), ToDouble);
 }
 
-TReading<std::vector<bool>> TCommandLine::Booleans(std::string_view tag) const {
-  const TReading<std::vector<std::string_view>> words = Words(tag);
-  TReading<std::vector<bool>> reading{words.code, {}};
-  for (const std::string_view word : words.value) {
-    const TReading<bool> element = ToBoolean(word);
-    if (element.code != TReadCode::kRead) return {element.code, {}};
-    reading.value.push_back(element.value);
-  }
-  return reading;
-}
-
 std::optional<std::int64_t> TCommandLine::WholeNumber(std::string_view tag) const {
   for (auto rest = Behind(tag); rest; rest = TCommandLine(*rest).Behind(tag)) {
     const std::string_view word = FirstWord(*rest);

@@ -78,7 +78,6 @@ class TCommandLine {
   // The elements of the first list "{...}" behind the tag: the texts between its commas, each cut
   // to 254 characters. A list of nothing but blanks has none.
   TReading<std::vector<std::string_view>> Words(std::string_view tag) const;
-  TReading<std::vector<bool>> Booleans(std::string_view tag) const;
   TReading<std::vector<std::int64_t>> Longs(std::string_view tag) const;
   TReading<std::vector<double>> Doubles(std::string_view tag) const;
 

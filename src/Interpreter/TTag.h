@@ -19,7 +19,6 @@ enum class TValueKind {
   kDouble,
   kAnyCaseDouble,  // a number; the tag counts in any case, only where a number follows
   kWords,          // a list in braces, as are the next three
-  kBooleans,
   kLongs,
   kDoubles,
   kPath,    // a file name in parentheses
@@ -29,8 +28,7 @@ enum class TValueKind {
 // Whether values of the kind stand in braces.
 constexpr bool IsList(TValueKind kind) {
   using enum TValueKind;
-  return kind == kAliases || kind == kWords || kind == kBooleans || kind == kLongs ||
-         kind == kDoubles;
+  return kind == kAliases || kind == kWords || kind == kLongs || kind == kDoubles;
 }
 
 // A tag of a command, as its row in the table of commands has it: a command can read no other.

@@ -67,8 +67,6 @@ std::string Value(const TTag& tag) {
       return "X";
     case TValueKind::kWords:
       return "{WORD, ...}";
-    case TValueKind::kBooleans:
-      return "{on|off, ...}";
     case TValueKind::kLongs:
       return "{N, ...}";
     case TValueKind::kDoubles:
