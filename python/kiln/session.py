@@ -178,7 +178,7 @@ class Session(AbstractContextManager["Session"]):
     def _ask(self, line: bytes) -> bytes:
         """Returns the answer to a line."""
         # Of these the last line need not have an end, and may be anything, also a prompt.
-        is_free = re.match(rb" *$|@|!!", line)
+        is_free = re.match(rb" *($|@|!!)", line)
         if is_free or not self._settled:
             self._settle()
         self._settled = False

@@ -80,7 +80,7 @@ def test_system_commands_write_what_they_like_and_read_nothing(session):
         assert session("query objects") == []
     assert session("!!") == []
     assert session("@cat") is session("@") is None
-    assert session("@printf two") == "two" and "two" in session("!!")
+    assert session("@printf two") == "two" and "two" in session(" !!")
 
 
 def test_threads_take_turns(session):

@@ -97,4 +97,10 @@ void* malloc(size_t size) noexcept {
   return Fails("malloc") ? nullptr : next(size);
 }
 
+// What `new` takes for objects that are to begin where cache lines or pages do.
+void* aligned_alloc(size_t alignment, size_t size) noexcept {
+  static auto* const next = Next<void*(size_t, size_t)>("aligned_alloc");
+  return Fails("malloc") ? nullptr : next(alignment, size);
+}
+
 }  // extern "C"
