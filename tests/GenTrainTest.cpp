@@ -190,12 +190,9 @@ TEST_F(GeneticTraining, RefusesWhatItCannotTrainOn) {
   EXPECT_TRUE(make(kBounds, TGenTrain::kMaxPopulation + 1).ends_with("TGenTrain::TGenTrain"));
   TMLPGAEval evaluator(*perceptron, kBounds);
   EXPECT_EQ(Failure([&] { evaluator.SetData({}); }).substr(0, 13), "no data sets ");
-  const Data empty(1, 2, 2, false), narrow(1, 1, 2, false);
-  const auto set_data = [&](const Data* data) {
-    return Failure([&] { evaluator.SetData(std::array{data}); });
-  };
-  EXPECT_TRUE(set_data(&empty).starts_with("the data set has no rows"));
-  EXPECT_TRUE(set_data(&narrow).ends_with("TGenTrainEval::SetData")) << set_data(&narrow);
+  set->Clear();
+  TMLPGA trainer(perceptron, kBounds, 5);
+  EXPECT_TRUE(Failure([&] { Train(trainer, {5, 0.0F}); }).starts_with("the data set has no rows"));
 }
 
 TEST(GeneticRepair, OrdersGroupsByThePlacesOfItsPasses) {

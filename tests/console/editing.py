@@ -46,7 +46,6 @@ def main(program, folder):
             ("retarn network fuzzy rules some", "OK\n2 rules\n"),
             ("help creat", "\x1b[31mError:\x1b[0m no help for creat\ndid you mean create?\n"),
             ("help create mpl", "\x1b[31mError:\x1b[0m no help for create mpl\ndid you mean MLP?\n"),
-            ("help train epochs", "\x1b[31mError:\x1b[0m no help for train epochs\n"),
             ("query nonsense network1", "\x1b[31mError:\x1b[0m unknown query\n")):
         got = session.say(line)
         if got != answer:
