@@ -51,8 +51,6 @@ TEST(TKQstructure, CopiesAreDeep) {
   EXPECT_EQ(Printed(copy), Printed(message));
   copy.SetLong("0k", 99);
   EXPECT_EQ(message.Deref("0K")->Name(), "0");
-  const TKQstructure* const itself = &copy;
-  copy = *itself;
   message = copy;
   EXPECT_EQ(Printed(message), Printed(copy));
   message.Remove("3k");

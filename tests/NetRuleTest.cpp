@@ -245,19 +245,13 @@ TEST(NetRule, RefusesRulesThatItCannotHold) {
   EXPECT_EQ(Weights(network), weights);
 }
 
-TEST(NetRule, RefusesNetworksAndListsThatAreNotFuzzy) {
+TEST(NetRule, RefusesNetworksThatAreNotFuzzy) {
   const auto perceptron = MakePerceptron({2, 4, 3}, true);
   const TNetLabel labels = MakeDefaultLabels(*perceptron);
   EXPECT_EQ(labels.InputMF(), (TSizes{0, 0}));
   EXPECT_EQ(labels.OutputMF(), TSizes(3));
   EXPECT_EQ(Failure([&] { TNetRule::RETarn(*perceptron, TKQstructure(), &labels); }),
             "RETarn only works on Tarn Invalid Network Type TNetRule::RETarn");
-  TTarn network = MakeRuleNodes();
-  const TFuzzyRuleSet unnamed(TMFSetList(1, {}), TRuleList("none"), TMFSetList(1, {}));
-  EXPECT_EQ(
-      Failure([&] { TNetRule::InsertRENet(network, unnamed); }),
-      "Number of Fuzzy MF not appropriate for this network Bad Parameter TNetRule::InsertRENet");
-  EXPECT_EQ(Failure([&] { TNetRule::RITarn(unnamed); }).substr(0, 9), "No rules ");
 }
 
 TEST(NetRule, GivesBackWhatWasInserted) {
