@@ -22,11 +22,12 @@ void Free(void* memory, std::size_t bytes);
 // goes through a matrix then looks up a place every 2 MiB instead of every 4 KiB.
 template <typename T>
 struct TPlacedAllocator {
+  // NOLINTBEGIN(readability-identifier-naming): the standard library asks for these names
   using value_type = T;
 
   TPlacedAllocator() = default;
   template <typename TOther>
-  TPlacedAllocator(const TPlacedAllocator<TOther>&) {}
+  explicit TPlacedAllocator(const TPlacedAllocator<TOther>&) {}
 
   T* allocate(std::size_t n) {
     if (n < placed_internal::kPlacedFrom / sizeof(T)) return std::allocator<T>().allocate(n);
@@ -40,6 +41,7 @@ struct TPlacedAllocator {
     }
     placed_internal::Free(memory, n * sizeof(T));
   }
+  // NOLINTEND(readability-identifier-naming)
 
   friend bool operator==(const TPlacedAllocator&, const TPlacedAllocator&) { return true; }
 };

@@ -13,8 +13,9 @@ namespace {
 // A finite number times 0 is 0; any other is a NaN, and so is every sum with it.
 bool AreFinite(std::span<const double> values) {
   double sum = 0.0;
+  const double* const value = values.data();
 #pragma omp simd reduction(+ : sum)
-  for (std::size_t i = 0; i < values.size(); ++i) sum += 0.0 * values[i];
+  for (std::size_t i = 0; i < values.size(); ++i) sum += 0.0 * value[i];
   return sum == 0.0;
 }
 
