@@ -31,6 +31,7 @@ bool TPatternBlock::Fits(const TBasicNetwork& network) {
 }
 
 std::size_t TPatternBlock::PatternsFor(const TBasicNetwork& network, std::size_t most) {
+  if (most <= kPatterns) return kPatterns;  // asked again for each set, of which many are small
   const auto neurons = static_cast<std::size_t>(network.GetNumNeurons());
   const auto weights = static_cast<std::size_t>(network.GetNumWeights(FMaskAll));
   const auto has_room = [neurons](std::size_t patterns) {
@@ -39,8 +40,7 @@ std::size_t TPatternBlock::PatternsFor(const TBasicNetwork& network, std::size_t
   if (most > kManyPatterns && weights > kMostWeights && has_room(kMostPatterns)) {
     return kMostPatterns;
   }
-  const bool takes_many = most > kPatterns && weights > kManyWeights && has_room(kManyPatterns);
-  return takes_many ? kManyPatterns : kPatterns;
+  return weights > kManyWeights && has_room(kManyPatterns) ? kManyPatterns : kPatterns;
 }
 
 TPatternBlock::TPatternBlock(TBasicNetwork& network, std::size_t most)
