@@ -240,8 +240,10 @@ TEST(NetRule, RefusesRulesThatItCannotHold) {
   other.SetWeightLayer(2, TValues(20, std::numeric_limits<double>::infinity()));
   other.SetWeightLayer(3, TValues(16, 1.0));
   EXPECT_EQ(failure_of(Extracted(other)), "Degree is not a finite number Bad Rule Set" + kPlace);
-  EXPECT_EQ(failure_of(Read(FileWith(TTarn(kInputMF, 4, {{2, 3}}), three + then))),
-            "Number of Fuzzy MF not appropriate for this network Bad Parameter" + kPlace);
+  for (const TTarn& misfit : {TTarn(kInputMF, 4, {{2, 3}}), TTarn({{2, 2}}, 4, kOutputMF)}) {
+    EXPECT_EQ(failure_of(Read(FileWith(misfit, three + then))),
+              "Number of Fuzzy MF not appropriate for this network Bad Parameter" + kPlace);
+  }
   EXPECT_EQ(Weights(network), weights);
 }
 

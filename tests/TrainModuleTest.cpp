@@ -366,6 +366,19 @@ TEST(TTrainModuleTest, EndsEarlyOneBehindTheEpochsRun) {
   EXPECT_EQ(weights, network->GetWeights(FMaskAll));
 }
 
+TEST(TTrainModuleTest, TrainsAroundAWeightThatWasInfiniteBefore) {
+  const auto network = MakePerceptron({2, 3, 1}, true);
+  network->Connections(2, 1).SetWeight(0, 0, std::numeric_limits<double>::infinity());
+  const auto data = MakePatterns(4, 2, 1, 0.1, 1.0);
+  TKQstructure params = TKQstructure::Parse("(Params :LEARNINGRATE 1)");
+  TBackpropModule trainer(network);
+  int epochs = 1;
+  const double error = trainer.Train(*data, params, epochs);
+  epochs = 9;
+  EXPECT_LT(trainer.Train(*data, params, epochs), error);
+  EXPECT_TRUE(std::isinf(network->Connections(2, 1).GetWeight(0, 0)));
+}
+
 TEST(TTrainModuleTest, RefusesBeforeAnyWeightChanges) {
   constexpr char kModule[] = "NeuralNets/TTrainModule";
   const auto data = MakePatterns(4, 2, 1, 0.0, 1.0);

@@ -43,7 +43,8 @@ std::string HistoryPath() {
   if (folder.is_absolute()) std::filesystem::create_directories(folder, failure);
   if (folder.is_absolute() && !failure) return folder / "history";
   const char* const home = std::getenv("HOME");
-  return home && *home ? std::string(home) + "/.kiln_history" : std::string();
+  if (!home || !*home) return {};
+  return std::string(home) + "/.kiln_history";
 }
 
 // The last lines of all sessions, in a file where there is a place for it.

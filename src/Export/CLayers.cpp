@@ -31,7 +31,8 @@ std::string ArrayOf(const TBasicNetwork& network, std::size_t layer) {
   if (layer == network.InputLayer()) return "input";
   const bool is_output = layer == network.OutputLayer();
   const bool reads_input = std::ranges::count(network.Sources(layer), network.InputLayer()) > 0;
-  return is_output && !reads_input ? "output" : "layer" + std::to_string(layer);
+  if (is_output && !reads_input) return "output";
+  return "layer" + std::to_string(layer);
 }
 
 // --- Activation functions --------------------------------------------------------------------
@@ -185,8 +186,8 @@ std::optional<std::vector<double>> ConstantPart(const TBasicNetwork& network, st
 void WriteSums(TCSource& source, const TBasicNetwork& network, std::size_t layer) {
   const std::string values = ArrayOf(network, layer);
   const auto start = ConstantPart(network, layer);
-  const std::string first =
-      start ? source.Table("start_" + std::to_string(layer), *start) + "[i]" : "0.0";
+  std::string first = "0.0";
+  if (start) first = source.Table("start_" + std::to_string(layer), *start) + "[i]";
   source.Loop(0, network.Layer(layer).NumNeurons(), values + "[i] = " + first);
   for (const std::size_t from : network.Sources(layer)) {
     if (!IsConstant(network, from)) WriteBlock(source, network, layer, from);

@@ -39,7 +39,8 @@ TAnswer AliasExists(TInterpreter& interpreter, const TCommandLine& line) {
 // For a Kohonen trainer the answer is frozen as the latest value that any command has answered.
 TAnswer ClassOf(TInterpreter& interpreter, const TCommandLine& line) {
   const TRegistryNode& node = Subject(interpreter, line, "classof").node;
-  return node.As<TKohonenModule>() ? interpreter.GetResult() : std::string(node.Kind());
+  if (node.As<TKohonenModule>()) return interpreter.GetResult();
+  return std::string(node.Kind());
 }
 
 TAnswer Objects(TInterpreter& interpreter, const TCommandLine& /*line*/) {
@@ -77,7 +78,8 @@ std::vector<const TBasicLayer*> HiddenLayers(const TMLPNetwork& network) {
 // The name of the function that the neurons of a layer share.
 std::string FunctionOf(const TBasicLayer& layer) {
   const TActFunction function = layer.GetActivation();
-  return function ? TFnRegistry::Instance().Lookup(function) : "mixed";
+  if (!function) return "mixed";
+  return TFnRegistry::Instance().Lookup(function);
 }
 
 std::string Structure(const TMLPNetwork& network) {

@@ -329,7 +329,8 @@ std::vector<std::u32string> KeyLines(const TPanel& panel, int columns) {
   std::vector<std::u32string> lines;
   for (const TSeries& series : panel.series) {
     if (series.name.empty()) continue;
-    std::u32string entry = IsOfDots(series) ? U"⠤⠤" : std::u32string(1, MarkOf(series.look));
+    std::u32string entry = U"⠤⠤";
+    if (!IsOfDots(series)) entry = MarkOf(series.look);
     entry += U' ';
     entry += Short(series.name, static_cast<int>(kLongestName));
     constexpr std::u32string_view kBetween = U"   ";
