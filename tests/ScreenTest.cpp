@@ -73,7 +73,7 @@ TEST_F(TScreenTest, ShowsTheErrorsOfLongTrainings) {
   EXPECT_EQ(std::ranges::count(drawn, '\n'), 10);
   EXPECT_NE(drawn.find("4000"), std::string::npos) << drawn;
   EXPECT_EQ(drawn.find('7'), std::string::npos) << drawn;
-  for (const auto& [columns, lines] : {std::pair(19, 10), {60, 4}}) {
+  for (const auto& [columns, lines] : {std::pair(19U, 10U), {60U, 4U}}) {
     EXPECT_EQ(curve.Draw(columns, lines), "");
   }
   curve.Clear();
