@@ -105,6 +105,7 @@ std::string TCanvas::Text(TCharacters characters) const {
       char32_t character = characters_[i];
       if (character == 0 && dots_[i] != 0) character = kFirstPattern + dots_[i];
       if (character == 0) character = U' ';
+      // A wide letter becomes two signs of ASCII, one for each of its columns.
       if (is_ascii) character = InAscii(character);
       if (character != kRest) shown += character;
     }
