@@ -21,16 +21,27 @@
 #include "Shared/Text.h"
 
 // Memory ends early, so that a few bytes that ask for a lot cost little time and are refused.
+constexpr std::size_t kMostMemory = std::size_t{64} << 20;
+
 void* operator new(std::size_t size) {
-  constexpr std::size_t kMost = std::size_t{64} << 20;
-  void* const memory = size <= kMost ? std::malloc(std::max<std::size_t>(size, 1)) : nullptr;
+  void* const memory = size <= kMostMemory ? std::malloc(std::max<std::size_t>(size, 1)) : nullptr;
   if (!memory) throw std::bad_alloc();
+  return memory;
+}
+void* operator new(std::size_t size, std::align_val_t place) {
+  void* memory = nullptr;
+  const bool is_there =
+      size <= kMostMemory && posix_memalign(&memory, static_cast<std::size_t>(place), size) == 0;
+  if (!is_there) throw std::bad_alloc();
   return memory;
 }
 void operator delete(void* memory) noexcept {
   std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
+  std::free(memory);
+}
+void operator delete(void* memory, std::align_val_t) noexcept {
   std::free(memory);
 }
 
